@@ -1,0 +1,238 @@
+#include "endpoint.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <mutex>
+
+namespace rlk_host {
+namespace {
+
+/* How long an on-demand simulator lives without clients. */
+constexpr const char *k_autostart_idle_seconds = "300";
+/* How long rlk waits for a simulator it started to answer. */
+constexpr int k_autostart_wait_ms = 3000;
+
+std::string default_socket_path()
+{
+    const char *runtime = getenv("XDG_RUNTIME_DIR");
+    std::string dir;
+    if (runtime && *runtime && access(runtime, W_OK) == 0) {
+        dir = std::string(runtime) + "/rlk-modemd";
+    } else {
+        dir = "/tmp/rlk-modemd-" + std::to_string(getuid());
+    }
+    return dir + "/modemd.sock";
+}
+
+std::once_flag g_path_once;
+std::string g_socket_path;
+bool g_socket_default = false;
+
+void resolve_path()
+{
+    const char *env = getenv("RLK_MODEMD_SOCKET");
+    if (env && *env) {
+        g_socket_path = env;
+    } else {
+        g_socket_path = default_socket_path();
+        g_socket_default = true;
+    }
+}
+
+int connect_once(const std::string &path)
+{
+    sockaddr_un addr;
+    memset(&addr, 0, sizeof(addr));
+    addr.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(addr.sun_path)) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    memcpy(addr.sun_path, path.c_str(), path.size());
+    int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+    if (fd < 0) return -1;
+    if (connect(fd, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)) != 0) {
+        int saved = errno;
+        close(fd);
+        errno = saved;
+        return -1;
+    }
+    return fd;
+}
+
+std::string self_dir()
+{
+    char buf[PATH_MAX];
+    ssize_t n = readlink("/proc/self/exe", buf, sizeof(buf) - 1);
+    if (n <= 0) return ".";
+    buf[n] = 0;
+    std::string p(buf);
+    size_t slash = p.rfind('/');
+    return slash == std::string::npos ? "." : p.substr(0, slash);
+}
+
+/* rlk-modemd: RLK_MODEMD, else beside this program, else in the build
+ * tree's sim directory, else on PATH. */
+std::string modemd_binary()
+{
+    const char *env = getenv("RLK_MODEMD");
+    if (env && *env) return env;
+    std::string dir = self_dir();
+    for (const std::string &cand : {dir + "/rlk-modemd", dir + "/../sim/rlk-modemd"}) {
+        if (access(cand.c_str(), X_OK) == 0) return cand;
+    }
+    return "rlk-modemd";
+}
+
+/* Starts the simulator as a daemon of its own: new session, no standard
+ * stream of ours, logs in its state directory. */
+void start_modemd(const std::string &sock)
+{
+    std::string dir = modemd_socket_dir();
+    mkdir(dir.c_str(), 0700);
+    std::string bin = modemd_binary();
+    std::string state = dir + "/state";
+    std::string log = dir + "/modemd.log";
+    pid_t pid = fork();
+    if (pid < 0) return;
+    if (pid == 0) {
+        setsid();
+        pid_t grandchild = fork();
+        if (grandchild != 0) _exit(grandchild < 0 ? 1 : 0);
+        int devnull = open("/dev/null", O_RDWR);
+        if (devnull >= 0) {
+            dup2(devnull, 0);
+            dup2(devnull, 1);
+            dup2(devnull, 2);
+        }
+        for (int fd = 3; fd < 1024; fd++) close(fd);
+        signal(SIGPIPE, SIG_DFL);
+        execlp(bin.c_str(), bin.c_str(), "--socket", sock.c_str(), "--state", state.c_str(), "--log",
+               log.c_str(), "--idle-exit", k_autostart_idle_seconds, (char *)nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+}
+
+int connect_with_autostart(const std::string &path)
+{
+    int fd = connect_once(path);
+    if (fd >= 0 || !modemd_socket_is_default()) return fd;
+    if (errno != ENOENT && errno != ECONNREFUSED) return -1;
+    start_modemd(path);
+    struct timespec start;
+    clock_gettime(CLOCK_MONOTONIC, &start);
+    for (;;) {
+        fd = connect_once(path);
+        if (fd >= 0) return fd;
+        struct timespec now;
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        long elapsed = (now.tv_sec - start.tv_sec) * 1000 + (now.tv_nsec - start.tv_nsec) / 1000000;
+        if (elapsed > k_autostart_wait_ms) return -1;
+        usleep(2000);
+    }
+}
+
+}  // namespace
+
+const std::string &modemd_socket_path()
+{
+    std::call_once(g_path_once, resolve_path);
+    return g_socket_path;
+}
+
+bool modemd_socket_is_default()
+{
+    std::call_once(g_path_once, resolve_path);
+    return g_socket_default;
+}
+
+std::string modemd_socket_dir()
+{
+    const std::string &p = modemd_socket_path();
+    size_t slash = p.rfind('/');
+    return slash == std::string::npos ? "." : p.substr(0, slash);
+}
+
+int modemd_connect(modemd_conn_kind kind, uint32_t service, uint32_t instance)
+{
+    int fd = connect_with_autostart(modemd_socket_path());
+    if (fd < 0) return -1;
+    modemd_hello hello = {MODEMD_HELLO_MAGIC, kind, service, instance};
+    if (!modemd_send(fd, &hello, sizeof(hello))) {
+        close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+bool modemd_send(int fd, const void *data, size_t len)
+{
+    for (;;) {
+        ssize_t n = send(fd, data, len, MSG_NOSIGNAL);
+        if (n == static_cast<ssize_t>(len)) return true;
+        if (n < 0 && errno == EINTR) continue;
+        return false;
+    }
+}
+
+long modemd_recv(int fd, void *buf, size_t cap, int timeout_ms)
+{
+    if (timeout_ms >= 0) {
+        struct timespec start;
+        clock_gettime(CLOCK_MONOTONIC, &start);
+        for (;;) {
+            struct timespec now;
+            clock_gettime(CLOCK_MONOTONIC, &now);
+            long elapsed = (now.tv_sec - start.tv_sec) * 1000 + (now.tv_nsec - start.tv_nsec) / 1000000;
+            long left = timeout_ms - elapsed;
+            if (left < 0) left = 0;
+            pollfd p = {fd, POLLIN, 0};
+            int r = poll(&p, 1, static_cast<int>(left));
+            if (r > 0) break;
+            if (r == 0) {
+                errno = ETIMEDOUT;
+                return -1;
+            }
+            if (errno != EINTR) return -1;
+        }
+    }
+    for (;;) {
+        ssize_t n = recv(fd, buf, cap, 0);
+        if (n >= 0) return n;
+        if (errno != EINTR) return -1;
+    }
+}
+
+bool modemd_control(const std::string &request, std::string *answer)
+{
+    int fd = modemd_connect(MODEMD_CONN_CONTROL, 0, 0);
+    if (fd < 0) return false;
+    bool ok = modemd_send(fd, request.data(), request.size());
+    if (ok) {
+        static thread_local char buf[MODEMD_MAX_PACKET];
+        long n = modemd_recv(fd, buf, sizeof(buf), -1);
+        ok = n > 0;
+        if (ok && answer) answer->assign(buf, static_cast<size_t>(n));
+    }
+    close(fd);
+    return ok;
+}
+
+}  // namespace rlk_host

@@ -1,0 +1,114 @@
+/* QMI common client interface (QCCI), as the tool calls it. */
+#ifndef RLK_PLATFORM_QMI_CLIENT_H
+#define RLK_PLATFORM_QMI_CLIENT_H
+
+#include <stdint.h>
+#include "qmi_idl_lib.h"
+#include "qmi_cci_target_ext.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct qmi_client_struct *qmi_client_type;
+typedef int qmi_client_error_type;
+typedef void *qmi_txn_handle;
+typedef unsigned int qmi_service_instance;
+
+#define QMI_CLIENT_INSTANCE_ANY 0xffff
+#define QMI_CLIENT_RELEASE_CB_SUPPORTED 1
+
+#define QMI_NO_ERR 0
+#define QMI_INTERNAL_ERR (-1)
+#define QMI_SERVICE_ERR (-2)
+#define QMI_TIMEOUT_ERR (-3)
+#define QMI_EXTENDED_ERR (-4)
+#define QMI_PORT_NOT_OPEN_ERR (-5)
+#define QMI_MEMCOPY_ERROR (-13)
+#define QMI_INVALID_TXN (-14)
+#define QMI_CLIENT_ALLOC_FAILURE (-15)
+#define QMI_CLIENT_TRANSPORT_ERR (-16)
+#define QMI_CLIENT_PARAM_ERR (-17)
+#define QMI_CLIENT_INVALID_CLNT (-18)
+#define QMI_CLIENT_FW_NOT_UP (-19)
+#define QMI_CLIENT_INVALID_SIG (-20)
+#define QMI_XPORT_BUSY_ERR (-21)
+
+typedef enum {
+    QMI_CLIENT_SERVICE_COUNT_INC = 0,
+    QMI_CLIENT_SERVICE_COUNT_DEC = 1,
+} qmi_client_notify_event_type;
+
+/* Opaque record of one server of a service. */
+typedef struct {
+    unsigned int info[5];
+} qmi_service_info;
+
+typedef void (*qmi_client_ind_cb)(qmi_client_type user_handle, unsigned int msg_id, void *ind_buf,
+                                  unsigned int ind_buf_len, void *ind_cb_data);
+typedef void (*qmi_client_error_cb)(qmi_client_type user_handle, qmi_client_error_type error,
+                                    void *err_cb_data);
+typedef void (*qmi_client_notify_cb)(qmi_client_type user_handle, qmi_idl_service_object_type service_obj,
+                                     qmi_client_notify_event_type service_event, void *notify_cb_data);
+typedef void (*qmi_client_recv_msg_async_cb)(qmi_client_type user_handle, unsigned int msg_id,
+                                             void *resp_c_struct, unsigned int resp_c_struct_len,
+                                             void *resp_cb_data, qmi_client_error_type transp_err);
+typedef void (*qmi_client_recv_raw_msg_async_cb)(qmi_client_type user_handle, unsigned int msg_id,
+                                                 void *resp_buf, unsigned int resp_buf_len,
+                                                 void *resp_cb_data, qmi_client_error_type transp_err);
+typedef void (*qmi_client_release_cb)(void *release_cb_data);
+
+qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type service_obj,
+                                               qmi_client_os_params *os_params,
+                                               qmi_client_type *user_handle);
+qmi_client_error_type qmi_client_init(qmi_service_info *service_info, qmi_idl_service_object_type service_obj,
+                                      qmi_client_ind_cb ind_cb, void *ind_cb_data,
+                                      qmi_client_os_params *os_params, qmi_client_type *user_handle);
+qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type service_obj,
+                                               qmi_service_instance instance_id, qmi_client_ind_cb ind_cb,
+                                               void *ind_cb_data, qmi_client_os_params *os_params,
+                                               uint32_t timeout, qmi_client_type *user_handle);
+qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsigned int msg_id,
+                                               void *req_c_struct, unsigned int req_c_struct_len,
+                                               void *resp_c_struct, unsigned int resp_c_struct_len,
+                                               unsigned int timeout_msecs);
+qmi_client_error_type qmi_client_send_raw_msg_sync(qmi_client_type user_handle, unsigned int msg_id,
+                                                   void *req_buf, unsigned int req_buf_len, void *resp_buf,
+                                                   unsigned int resp_buf_len, unsigned int *resp_buf_recv_len,
+                                                   unsigned int timeout_msecs);
+qmi_client_error_type qmi_client_send_msg_async(qmi_client_type user_handle, unsigned int msg_id,
+                                                void *req_c_struct, unsigned int req_c_struct_len,
+                                                void *resp_c_struct, unsigned int resp_c_struct_len,
+                                                qmi_client_recv_msg_async_cb resp_cb, void *resp_cb_data,
+                                                qmi_txn_handle *txn_handle);
+qmi_client_error_type qmi_client_delete_async_txn(qmi_client_type user_handle, qmi_txn_handle async_txn_handle);
+qmi_client_error_type qmi_client_release(qmi_client_type user_handle);
+qmi_client_error_type qmi_client_release_async(qmi_client_type user_handle, qmi_client_release_cb release_cb,
+                                               void *release_cb_data);
+qmi_client_error_type qmi_client_message_encode(qmi_client_type user_handle,
+                                                qmi_idl_type_of_message_type req_resp_ind,
+                                                unsigned int message_id, const void *p_src, unsigned int src_len,
+                                                void *p_dst, unsigned int dst_len, unsigned int *dst_encoded_len);
+qmi_client_error_type qmi_client_message_decode(qmi_client_type user_handle,
+                                                qmi_idl_type_of_message_type req_resp_ind,
+                                                unsigned int message_id, const void *p_src, unsigned int src_len,
+                                                void *p_dst, unsigned int dst_len);
+qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_object_type service_obj,
+                                                  qmi_service_info *service_info_array,
+                                                  unsigned int *num_entries, unsigned int *num_services);
+qmi_client_error_type qmi_client_get_any_service(qmi_idl_service_object_type service_obj,
+                                                 qmi_service_info *service_info);
+qmi_client_error_type qmi_client_get_service_instance(qmi_idl_service_object_type service_obj,
+                                                      qmi_service_instance instance_id,
+                                                      qmi_service_info *service_info);
+qmi_client_error_type qmi_client_get_instance_id(qmi_service_info *service_info,
+                                                 qmi_service_instance *instance_id);
+qmi_client_error_type qmi_client_register_error_cb(qmi_client_type user_handle, qmi_client_error_cb err_cb,
+                                                   void *err_cb_data);
+qmi_client_error_type qmi_client_register_notify_cb(qmi_client_type user_handle, qmi_client_notify_cb notify_cb,
+                                                    void *notify_cb_data);
+
+#ifdef __cplusplus
+}
+#endif
+#endif
