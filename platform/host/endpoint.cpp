@@ -1,4 +1,5 @@
 #include "endpoint.h"
+#include "modemd_paths.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -16,6 +17,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <mutex>
 
 namespace rlk_host {
@@ -25,18 +27,6 @@ namespace {
 constexpr const char *k_autostart_idle_seconds = "300";
 /* How long rlk waits for a simulator it started to answer. */
 constexpr int k_autostart_wait_ms = 3000;
-
-std::string default_socket_path()
-{
-    const char *runtime = getenv("XDG_RUNTIME_DIR");
-    std::string dir;
-    if (runtime && *runtime && access(runtime, W_OK) == 0) {
-        dir = std::string(runtime) + "/rlk-modemd";
-    } else {
-        dir = "/tmp/rlk-modemd-" + std::to_string(getuid());
-    }
-    return dir + "/modemd.sock";
-}
 
 std::once_flag g_path_once;
 std::string g_socket_path;
@@ -48,7 +38,7 @@ void resolve_path()
     if (env && *env) {
         g_socket_path = env;
     } else {
-        g_socket_path = default_socket_path();
+        g_socket_path = modemd_default_socket_path();
         g_socket_default = true;
     }
 }
@@ -130,11 +120,17 @@ void start_modemd(const std::string &sock)
     }
 }
 
+/* A process starts the simulator at most once: a simulator that was
+ * stopped on purpose is not brought back behind the user's back by a
+ * reconnecting notifier. */
+std::atomic<bool> g_autostart_tried{false};
+
 int connect_with_autostart(const std::string &path)
 {
     int fd = connect_once(path);
     if (fd >= 0 || !modemd_socket_is_default()) return fd;
     if (errno != ENOENT && errno != ECONNREFUSED) return -1;
+    if (g_autostart_tried.exchange(true)) return -1;
     start_modemd(path);
     struct timespec start;
     clock_gettime(CLOCK_MONOTONIC, &start);

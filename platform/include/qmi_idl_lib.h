@@ -91,9 +91,10 @@ int32_t qmi_idl_message_decode(const qmi_idl_service_object_type p_service,
                                qmi_idl_type_of_message_type message_type, uint16_t message_id,
                                const void *p_src, uint32_t src_len, void *p_dst, uint32_t dst_len);
 
-/* The element table of the standard result TLV (0x02: u16 result, u16 error),
- * nested by every response that carries one. */
-extern struct qmi_elem_info qmi_response_type_v01_ei[];
+/* The standard result TLV (0x02: u16 result, u16 error) is
+ * `struct qmi_response_type_v01`, described by `qmi_response_type_v01_ei`
+ * (both from libqrtr.h); every response that carries it nests that table. */
+#define QMI_RESULT_TLV_TYPE 0x02
 
 /* The referenced common IDL (it holds qmi_response_type_v01). */
 extern const void *common_qmi_idl_type_table_object_v01;

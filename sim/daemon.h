@@ -1,0 +1,191 @@
+/* rlk-modemd's core: connections, the service registry with name service,
+ * QMI request dispatch through each service's handler table, test faults,
+ * the request journal and the control interface. */
+#ifndef MODEMD_DAEMON_H
+#define MODEMD_DAEMON_H
+
+#include <stdint.h>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "event_loop.h"
+#include "modemd_proto.h"
+#include "qmi_idl_lib.h"
+#include "state_store.h"
+
+namespace modemd {
+
+class daemon;
+struct sim_service;
+
+/* One accepted connection. */
+struct connection {
+    uint64_t id = 0;
+    int fd = -1;
+    modemd_conn_kind kind = MODEMD_CONN_CONTROL;
+    bool hello_done = false;
+    uint32_t service = 0;          /* LOOKUP: service followed (0 = all); CLIENT: attached service */
+    sim_service *attached = nullptr; /* CLIENT */
+    uint16_t ind_txn = 1;          /* CLIENT: counter of indications */
+
+    bool send(const void *data, size_t len) const;
+};
+
+/* One QMI request being handled. */
+struct qmi_call {
+    daemon &d;
+    sim_service &svc;
+    connection &client;
+    uint16_t msg_id;
+    uint16_t txn;
+};
+
+/* Fills the zeroed response structure of `call` from the decoded request. */
+typedef void (*qmi_msg_handler)(qmi_call &call, const void *req, void *resp);
+
+struct qmi_handler_entry {
+    uint16_t msg_id;
+    qmi_msg_handler fn;
+};
+
+/* A service of the simulated modem: its service object, its handler table
+ * and how to mark a response as failed when a test asks for an error. */
+struct sim_service_def {
+    const char *name; /* short name used by the control interface */
+    qmi_idl_service_object_type (*object)();
+    uint32_t instance;
+    const qmi_handler_entry *handlers;
+    size_t n_handlers;
+    /* Writes error `code` into a zeroed response of this service.  Null for
+     * services whose responses start with the standard result TLV. */
+    void (*fill_error)(void *resp, int code);
+};
+
+struct sim_service {
+    const sim_service_def *def = nullptr;
+    qmi_idl_service_object_type obj = nullptr;
+    bool up = true;
+    uint32_t port = 0;
+    event_loop::timer_id up_timer = 0;
+};
+
+/* The diag channel of the simulator (sim/diag_endpoint.cpp). */
+class diag_endpoint {
+public:
+    virtual ~diag_endpoint() = default;
+    virtual void on_open(connection &c) = 0;
+    /* One packet of a DIAG connection: diag_envelope + HDLC frame(s). */
+    virtual void on_packet(connection &c, const uint8_t *data, size_t len) = 0;
+    virtual void on_close(connection &c) = 0;
+    /* "diag ..." control requests (args[0] == "diag"); false when unknown. */
+    virtual bool control(const std::vector<std::string> &args, std::string *answer) = 0;
+};
+std::unique_ptr<diag_endpoint> make_diag_endpoint(daemon &d);
+
+/* The services the simulator serves (sim/services/service_table.cpp). */
+extern const sim_service_def *const g_sim_services[];
+extern const size_t g_sim_service_count;
+
+struct daemon_options {
+    std::string socket_path;
+    std::string state_dir;
+    std::string log_path;   /* empty: standard error */
+    uint32_t idle_exit_s = 0; /* 0: never */
+};
+
+class daemon {
+public:
+    explicit daemon(const daemon_options &opts);
+    ~daemon();
+
+    /* Locks the state directory, opens the state and listens.  On failure
+     * `error` says why. */
+    bool start(std::string *error);
+    void run() { loop_.run(); }
+    void stop() { loop_.stop(); }
+
+    event_loop &loop() { return loop_; }
+    state_store &store() { return store_; }
+    void log(const char *fmt, ...) __attribute__((format(printf, 2, 3)));
+
+    /* Service registry. */
+    sim_service *find_service(const std::string &name_or_id);
+    void service_down(sim_service &s);
+    void service_up(sim_service &s);
+
+    /* Sends an indication (encoded from `ind` with the service's table) to
+     * every client of `s`, or to `only` when given. */
+    bool send_indication(sim_service &s, uint16_t msg_id, const void *ind, connection *only = nullptr);
+    bool send_indication_raw(sim_service &s, uint16_t msg_id, const std::vector<uint8_t> &tlvs,
+                             connection *only = nullptr);
+
+    /* Counters any part of the simulator may keep (ok/fail counts of the
+     * statistics service, ...); settable through the control interface. */
+    std::map<std::string, int64_t> &counters() { return counters_; }
+
+    /* Handles one control request; used by the CONTROL connections. */
+    std::string control(const std::string &request);
+
+private:
+    struct fault {
+        uint32_t service;
+        uint16_t msg_id;
+        enum kind_t { DELAY, DROP, RESPOND, ERROR } kind;
+        uint32_t ms;
+        int code;
+        std::vector<uint8_t> tlvs;
+        int remaining; /* -1: until cleared */
+    };
+    struct journal_entry {
+        uint32_t service;
+        uint16_t msg_id;
+        uint16_t txn;
+        std::vector<uint8_t> bytes;
+    };
+
+    void on_accept();
+    void on_readable(uint64_t conn_id);
+    void close_connection(uint64_t conn_id);
+    void on_hello(connection &c, const uint8_t *data, size_t len);
+    void on_qmi_request(connection &c, const uint8_t *data, size_t len);
+    void send_lookup_list(connection &c);
+    void announce(const sim_service &s, uint32_t cmd);
+    bool build_response(qmi_call &call, const std::vector<uint8_t> &req_tlvs, std::vector<uint8_t> *out);
+    fault *match_fault(uint32_t service, uint16_t msg_id);
+    void deliver_response(uint64_t conn_id, std::vector<uint8_t> pkt, uint32_t delay_ms);
+    void update_idle_timer();
+    std::string control_faults(const std::vector<std::string> &args);
+    std::string control_state(const std::vector<std::string> &args);
+    std::string control_services(const std::vector<std::string> &args);
+
+    daemon_options opts_;
+    event_loop loop_;
+    state_store store_;
+    int listen_fd_ = -1;
+    int lock_fd_ = -1;
+    int signal_fd_ = -1;
+    FILE *log_ = nullptr;
+    uint64_t next_conn_id_ = 1;
+    uint32_t next_port_ = 1;
+    std::map<uint64_t, std::unique_ptr<connection>> conns_;
+    std::vector<std::unique_ptr<sim_service>> services_;
+    std::vector<fault> faults_;
+    std::deque<journal_entry> journal_;
+    std::map<std::string, int64_t> counters_;
+    std::unique_ptr<diag_endpoint> diag_;
+    event_loop::timer_id idle_timer_ = 0;
+};
+
+/* Parses "0x1f" / "31" (false on junk). */
+bool parse_number(const std::string &text, int64_t *out);
+/* Parses a hex byte string ("01 0a ff" or "010aff"). */
+bool parse_hex(const std::string &text, std::vector<uint8_t> *out);
+std::string to_hex(const uint8_t *data, size_t len);
+
+}  // namespace modemd
+
+#endif

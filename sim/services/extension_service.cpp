@@ -1,0 +1,47 @@
+/* The extension service: one message (0x0002) whose request code selects
+ * what the modem does with the payload. */
+#include "extension_service.h"
+
+#include "ext_efs.h"
+
+namespace modemd {
+namespace {
+
+const ext_request_entry k_request_handlers[] = {
+    {REQUEST_ID_EFS, ext_handle_efs_request},
+};
+
+void ext_handle_msg(qmi_call &call, const void *req_v, void *resp_v)
+{
+    const tolvek_extend_msg &req = *static_cast<const tolvek_extend_msg *>(req_v);
+    tolvek_extend_msg &resp = *static_cast<tolvek_extend_msg *>(resp_v);
+    for (const ext_request_entry &e : k_request_handlers) {
+        if (e.request_code == req.msg_code) {
+            e.fn(call, req, resp);
+            return;
+        }
+    }
+    resp.msg_code = k_ext_unknown_request;
+    resp.data_len = 0;
+    resp.data_valid = 0;
+}
+
+void ext_fill_error(void *resp_v, int code)
+{
+    tolvek_extend_msg &resp = *static_cast<tolvek_extend_msg *>(resp_v);
+    resp.msg_code = uint32_t(code);
+}
+
+qmi_idl_service_object_type ext_object() { return tolvek_extend_get_service_object_v01(); }
+
+const qmi_handler_entry k_handlers[] = {
+    {TOLVEK_EXTEND_REQ_MSG_ID_V01, ext_handle_msg},
+};
+
+}  // namespace
+
+const sim_service_def g_extension_service_def = {
+    "ext", ext_object, 0, k_handlers, sizeof(k_handlers) / sizeof(k_handlers[0]), ext_fill_error,
+};
+
+}  // namespace modemd
