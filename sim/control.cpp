@@ -44,7 +44,7 @@ const char k_help[] =
     "  services\n"
     "  down <svc> | up <svc> [after_ms] | ssr <svc|all> <down_ms>\n"
     "  delay <svc> <msg> <ms> [count] | drop <svc> <msg> [count]\n"
-    "  respond <svc> <msg> <hex tlvs> [count] | error <svc> <msg> <code> [count] | clear-faults\n"
+    "  respond <svc> <msg> <hex tlvs, one word> [count] | error <svc> <msg> <code> [count] | clear-faults\n"
     "  ind <svc> <msg> <hex tlvs>\n"
     "  last [n] [svc]\n"
     "  efs ls | efs get <path> | efs put <path> <hex> | efs rm <path>\n"
@@ -247,7 +247,7 @@ std::string daemon::control(const std::string &request)
         int64_t msg = 0;
         sim_service *s = a.size() >= 3 ? find_service(a[1]) : nullptr;
         if (!s || !parse_number(a[2], &msg) || msg < 0 || msg > 0xFFFF ||
-            !parse_hex(a.size() > 3 ? a[3] : std::string(), &tlvs)) {
+            !parse_hex(rest_after_words(request, 3), &tlvs)) {
             return "error usage: ind <svc> <msg> <hex tlvs>";
         }
         return send_indication_raw(*s, uint16_t(msg), tlvs) ? "ok" : "error no client";

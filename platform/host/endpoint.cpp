@@ -28,21 +28,6 @@ constexpr const char *k_autostart_idle_seconds = "300";
 /* How long rlk waits for a simulator it started to answer. */
 constexpr int k_autostart_wait_ms = 3000;
 
-std::once_flag g_path_once;
-std::string g_socket_path;
-bool g_socket_default = false;
-
-void resolve_path()
-{
-    const char *env = getenv("RLK_MODEMD_SOCKET");
-    if (env && *env) {
-        g_socket_path = env;
-    } else {
-        g_socket_path = modemd_default_socket_path();
-        g_socket_default = true;
-    }
-}
-
 int connect_once(const std::string &path)
 {
     sockaddr_un addr;
@@ -147,21 +132,19 @@ int connect_with_autostart(const std::string &path)
 
 }  // namespace
 
-const std::string &modemd_socket_path()
-{
-    std::call_once(g_path_once, resolve_path);
-    return g_socket_path;
-}
+/* Read on every use (not cached), so that a process that points
+ * RLK_MODEMD_SOCKET elsewhere, as tests do, is followed at once. */
+std::string modemd_socket_path() { return modemd_socket_path_from_env(); }
 
 bool modemd_socket_is_default()
 {
-    std::call_once(g_path_once, resolve_path);
-    return g_socket_default;
+    const char *env = getenv("RLK_MODEMD_SOCKET");
+    return !(env && *env);
 }
 
 std::string modemd_socket_dir()
 {
-    const std::string &p = modemd_socket_path();
+    std::string p = modemd_socket_path();
     size_t slash = p.rfind('/');
     return slash == std::string::npos ? "." : p.substr(0, slash);
 }

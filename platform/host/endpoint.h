@@ -11,7 +11,7 @@
 namespace rlk_host {
 
 /* RLK_MODEMD_SOCKET, or the per-user default when it is unset. */
-const std::string &modemd_socket_path();
+std::string modemd_socket_path();
 /* True when the socket comes from the per-user default (rlk may then start
  * the simulator itself). */
 bool modemd_socket_is_default();

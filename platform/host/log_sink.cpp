@@ -20,35 +20,37 @@ namespace {
 struct log_file {
     const char *env;
     const char *default_name;
-    std::once_flag once;
+    std::mutex mu;
+    std::string path;
     int fd = -1;
 };
 
-log_file g_syslog = {"RLK_SYSLOG_FILE", "syslog.log", {}, -1};
-log_file g_logcat = {"RLK_LOGCAT_FILE", "logcat.log", {}, -1};
+log_file g_syslog = {"RLK_SYSLOG_FILE", "syslog.log", {}, {}, -1};
+log_file g_logcat = {"RLK_LOGCAT_FILE", "logcat.log", {}, {}, -1};
 
-int log_fd(log_file &f)
+std::string log_path(const log_file &f)
 {
-    std::call_once(f.once, [&f] {
-        const char *env = getenv(f.env);
-        std::string path;
-        if (env && *env) {
-            path = env;
-        } else {
-            std::string dir = modemd_socket_dir();
-            mkdir(dir.c_str(), 0700);
-            path = dir + "/" + f.default_name;
-        }
-        f.fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
-    });
-    return f.fd;
+    const char *env = getenv(f.env);
+    if (env && *env) return env;
+    return modemd_socket_dir() + "/" + f.default_name;
 }
 
+/* Appends one line with one write.  The file is opened on first use and
+ * again whenever the variable that names it changes (tests point it at a
+ * new file per case). */
 void write_line(log_file &f, const std::string &line)
 {
-    int fd = log_fd(f);
-    if (fd < 0) return;
-    ssize_t n = write(fd, line.data(), line.size());
+    std::string path = log_path(f);
+    std::lock_guard<std::mutex> guard(f.mu);
+    if (f.fd < 0 || path != f.path) {
+        if (f.fd >= 0) close(f.fd);
+        f.path = path;
+        size_t slash = path.rfind('/');
+        if (slash != std::string::npos && slash > 0) mkdir(path.substr(0, slash).c_str(), 0700);
+        f.fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    }
+    if (f.fd < 0) return;
+    ssize_t n = write(f.fd, line.data(), line.size());
     (void)n;
 }
 

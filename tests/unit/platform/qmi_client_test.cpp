@@ -1,0 +1,229 @@
+/* The host QMI client library against a real private simulator: lookup and
+ * notifier, connection, synchronous sends and their time-out, indications,
+ * and the error callback when a service goes away. */
+#include <string.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "qmi_client.h"
+#include "sim_fixture.h"
+#include "tolvek_extend_service_v01.h"
+
+namespace {
+
+/* Upper bound of every wait in these tests: failures end quickly, success
+ * never waits for it. */
+constexpr int k_wait_ms = 3000;
+
+struct event_box {
+    std::mutex mu;
+    std::condition_variable cv;
+    std::vector<int> events;
+    std::vector<std::thread::id> threads;
+    std::vector<std::vector<uint8_t>> payloads;
+
+    void add(int ev, const void *data = nullptr, size_t len = 0)
+    {
+        std::lock_guard<std::mutex> g(mu);
+        events.push_back(ev);
+        threads.push_back(std::this_thread::get_id());
+        payloads.emplace_back(static_cast<const uint8_t *>(data), static_cast<const uint8_t *>(data) + len);
+        cv.notify_all();
+    }
+    bool wait_count(size_t n)
+    {
+        std::unique_lock<std::mutex> lk(mu);
+        return cv.wait_for(lk, std::chrono::milliseconds(k_wait_ms), [&] { return events.size() >= n; });
+    }
+};
+
+void on_error(qmi_client_type, qmi_client_error_type error, void *data)
+{
+    static_cast<event_box *>(data)->add(error);
+}
+
+void on_notify(qmi_client_type, qmi_idl_service_object_type, qmi_client_notify_event_type ev, void *data)
+{
+    static_cast<event_box *>(data)->add(ev);
+}
+
+void on_indication(qmi_client_type, unsigned int msg_id, void *buf, unsigned int len, void *data)
+{
+    static_cast<event_box *>(data)->add(int(msg_id), buf, len);
+}
+
+class QmiClientTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim.start());
+        svc = tolvek_extend_get_service_object_v01();
+    }
+    void TearDown() override
+    {
+        if (client) qmi_client_release(client);
+        if (notifier) qmi_client_release(notifier);
+    }
+
+    void connect(event_box *inds = nullptr)
+    {
+        qmi_service_info info;
+        unsigned int entries = 1, services = 0;
+        ASSERT_EQ(qmi_client_get_service_list(svc, &info, &entries, &services), QMI_NO_ERR);
+        ASSERT_EQ(entries, 1u);
+        ASSERT_EQ(qmi_client_init(&info, svc, inds ? on_indication : nullptr, inds, &os, &client), QMI_NO_ERR);
+    }
+
+    int send_read(unsigned int timeout_ms, tolvek_extend_msg *resp)
+    {
+        tolvek_extend_msg req;
+        memset(&req, 0, sizeof(req));
+        req.msg_code = REQUEST_ID_EFS;
+        req.data_len = 512;
+        req.data_valid = 1;
+        const char path[] = "/nv/item_files/modem/antenna/ant_tx_config";
+        req.data[0] = 4; /* EFS read */
+        req.data[4] = uint8_t(strlen(path));
+        memcpy(req.data + 5, path, strlen(path));
+        return qmi_client_send_msg_sync(client, 0x0002, &req, sizeof(req), resp, sizeof(*resp), timeout_ms);
+    }
+
+    sim_instance sim;
+    qmi_idl_service_object_type svc = nullptr;
+    qmi_client_os_params os = {};
+    qmi_client_type client = nullptr;
+    qmi_client_type notifier = nullptr;
+};
+
+TEST_F(QmiClientTest, AbsentServiceIsListedWhenItAppears)
+{
+    sim.ctl_ok("down ext");
+    event_box box;
+    ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), QMI_NO_ERR);
+    ASSERT_EQ(qmi_client_register_notify_cb(notifier, on_notify, &box), QMI_NO_ERR);
+    unsigned int services = 99;
+    EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &services), QMI_SERVICE_ERR);
+    EXPECT_EQ(services, 0u);
+
+    sim.ctl_ok("up ext");
+    qmi_cci_os_signal_wait(&os, k_wait_ms);
+    EXPECT_FALSE(QMI_CCI_OS_SIGNAL_TIMED_OUT(&os));
+    EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &services), QMI_NO_ERR);
+    EXPECT_EQ(services, 1u);
+    ASSERT_TRUE(box.wait_count(1));
+    EXPECT_EQ(box.events[0], QMI_CLIENT_SERVICE_COUNT_INC);
+    EXPECT_NE(box.threads[0], std::this_thread::get_id());
+}
+
+TEST_F(QmiClientTest, SynchronousRequestReachesTheServiceWithItsWireBytes)
+{
+    connect();
+    tolvek_extend_msg resp;
+    ASSERT_EQ(send_read(k_wait_ms, &resp), QMI_NO_ERR);
+    EXPECT_EQ(resp.msg_code, 0u);
+    EXPECT_EQ(resp.data_valid, 1);
+    EXPECT_EQ(resp.data[4], 16) << "seeded antenna file holds 16 bytes";
+
+    /* The simulator saw a QMI request: type 0, transaction 1, message 2,
+     * 529 bytes of TLVs. */
+    std::string last = sim.ctl_ok("last 1 ext");
+    EXPECT_EQ(last.substr(0, 30), "0xffe4 0x0002 1 00010002001102");
+    EXPECT_EQ(last.size(), std::string("0xffe4 0x0002 1 ").size() + 2 * (7 + 529));
+}
+
+TEST_F(QmiClientTest, SynchronousSendHonoursItsTimeout)
+{
+    connect();
+    sim.ctl_ok("delay ext 2 5000");
+    tolvek_extend_msg resp;
+    long long start = monotonic_ms();
+    EXPECT_EQ(send_read(300, &resp), QMI_TIMEOUT_ERR);
+    long long spent = monotonic_ms() - start;
+    EXPECT_GE(spent, 300);
+    EXPECT_LT(spent, 400);
+}
+
+TEST_F(QmiClientTest, ServiceGoingAwayFailsThePendingSendAndCallsTheErrorCallbackOnce)
+{
+    event_box box;
+    connect();
+    ASSERT_EQ(qmi_client_register_error_cb(client, on_error, &box), QMI_NO_ERR);
+    sim.ctl_ok("drop ext 2");
+    std::atomic<int> rc{1};
+    std::thread sender([&] {
+        tolvek_extend_msg resp;
+        rc = send_read(0, &resp);
+    });
+    /* Wait until the request is in the simulator's journal, then take the
+     * service down. */
+    long long deadline = monotonic_ms() + k_wait_ms;
+    while (sim.ctl_ok("last 1 ext").empty() && monotonic_ms() < deadline) usleep(1000);
+    sim.ctl_ok("down ext");
+    sender.join();
+    EXPECT_EQ(rc.load(), QMI_SERVICE_ERR);
+    ASSERT_TRUE(box.wait_count(1));
+    EXPECT_EQ(box.events[0], QMI_SERVICE_ERR);
+    EXPECT_NE(box.threads[0], std::this_thread::get_id());
+
+    /* A dead client reports the loss again to a late registration. */
+    event_box late;
+    EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &late), QMI_SERVICE_ERR);
+    EXPECT_EQ(late.events.size(), 1u);
+    tolvek_extend_msg resp;
+    EXPECT_EQ(send_read(100, &resp), QMI_SERVICE_ERR);
+    EXPECT_EQ(box.events.size(), 1u);
+}
+
+TEST_F(QmiClientTest, IndicationArrivesOnALibraryThreadAsRawTlvs)
+{
+    event_box box;
+    connect(&box);
+    sim.ctl_ok("ind ext 3 01040009000000 02040000000000");
+    ASSERT_TRUE(box.wait_count(1));
+    EXPECT_EQ(box.events[0], 3);
+    EXPECT_NE(box.threads[0], std::this_thread::get_id());
+    tolvek_extend_msg ind;
+    ASSERT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, box.payloads[0].data(),
+                                        unsigned(box.payloads[0].size()), &ind, sizeof(ind)),
+              QMI_NO_ERR);
+    EXPECT_EQ(ind.msg_code, 9u);
+    EXPECT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, box.payloads[0].data(),
+                                        unsigned(box.payloads[0].size()), &ind, 100),
+              QMI_IDL_LIB_BUFFER_TOO_SMALL);
+}
+
+TEST_F(QmiClientTest, InitInstanceTimesOutOrFollowsALateService)
+{
+    sim.ctl_ok("down ext");
+    long long start = monotonic_ms();
+    EXPECT_EQ(qmi_client_init_instance(svc, QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os, 200, &client),
+              QMI_TIMEOUT_ERR);
+    long long spent = monotonic_ms() - start;
+    EXPECT_GE(spent, 200);
+    EXPECT_LT(spent, 300);
+    client = nullptr;
+
+    sim.ctl_ok("up ext 50");
+    EXPECT_EQ(qmi_client_init_instance(svc, 0, nullptr, nullptr, &os, k_wait_ms, &client), QMI_NO_ERR);
+    tolvek_extend_msg resp;
+    EXPECT_EQ(send_read(k_wait_ms, &resp), QMI_NO_ERR);
+}
+
+TEST_F(QmiClientTest, SubsystemRestartBringsTheServiceBack)
+{
+    event_box box;
+    ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), QMI_NO_ERR);
+    ASSERT_EQ(qmi_client_register_notify_cb(notifier, on_notify, &box), QMI_NO_ERR);
+    ASSERT_TRUE(box.wait_count(1)); /* present at registration */
+    sim.ctl_ok("ssr ext 100");
+    ASSERT_TRUE(box.wait_count(3));
+    EXPECT_EQ(box.events[1], QMI_CLIENT_SERVICE_COUNT_DEC);
+    EXPECT_EQ(box.events[2], QMI_CLIENT_SERVICE_COUNT_INC);
+}
+
+}  // namespace
