@@ -1,10 +1,13 @@
 /* The paired diagnostic line of the tool's own code: every message goes to
  * the system log as "SUB[shell][<file>:<line>] <function>: <message>" and,
  * unless the console is quiet, to standard output as
- * "RIL[<function>:<line>]: <message>" followed by one newline. */
+ * "RIL[<function>:<line>]: <message>" followed by one newline.  The system
+ * log is always written first. */
 #ifndef TOLVEK_LOG_H
 #define TOLVEK_LOG_H
 
+#include <stdarg.h>
+#include <stdbool.h>
 #include <stdio.h>
 
 #ifdef __cplusplus
@@ -15,8 +18,17 @@ extern "C" {
  * and system-log lines are still written. */
 extern bool g_tolvek_console_quiet;
 
+/* The format and its arguments go to the system log as they stand, at
+ * LOG_ERR or LOG_DEBUG; no prefix is added. */
 void tolvek_ril_syslog_err(const char *format, ...) __attribute__((format(printf, 1, 2)));
 void tolvek_ril_syslog_dbg(const char *format, ...) __attribute__((format(printf, 1, 2)));
+
+/* Writes one paired line (system log at `priority`, then the console line)
+ * for a message logged at `src_tag`:`line` inside `func`.  The arguments are
+ * evaluated once, by the caller, so a message may pass expressions with side
+ * effects.  Use the macros below rather than calling this directly. */
+void tolvek_log_line(int priority, const char *src_tag, int line, const char *func,
+                     const char *format, ...) __attribute__((format(printf, 5, 6)));
 
 #ifdef __cplusplus
 }
@@ -26,21 +38,18 @@ void tolvek_ril_syslog_dbg(const char *format, ...) __attribute__((format(printf
 #define TOLVEK_LOG_SRC_TAG __FILE_NAME__
 #define TOLVEK_LOG_SUB_TAG "shell"
 
-#define TOLVEK_LOG_PAIR(syslog_fn, fmt, ...)                                                        \
-    do {                                                                                            \
-        syslog_fn("SUB[%s][%s:%d] %s: " fmt, TOLVEK_LOG_SUB_TAG, TOLVEK_LOG_SRC_TAG, __LINE__,      \
-                  __func__, ##__VA_ARGS__);                                                         \
-        if (!g_tolvek_console_quiet) {                                                              \
-            printf("RIL[%s:%d]: " fmt, __func__, __LINE__, ##__VA_ARGS__);                          \
-            putchar('\n');                                                                          \
-        }                                                                                           \
-    } while (0)
+/* Priorities of the system log (syslog.h values). */
+#define TOLVEK_LOG_PRIO_ERR 3
+#define TOLVEK_LOG_PRIO_DEBUG 7
+
+#define TOLVEK_LOG_PAIR(priority, fmt, ...) \
+    tolvek_log_line((priority), TOLVEK_LOG_SRC_TAG, __LINE__, __func__, fmt, ##__VA_ARGS__)
 
 /* Debug-priority paired line (progress and most failures). */
-#define TOLVEK_LOGD(fmt, ...) TOLVEK_LOG_PAIR(tolvek_ril_syslog_dbg, fmt, ##__VA_ARGS__)
+#define TOLVEK_LOGD(fmt, ...) TOLVEK_LOG_PAIR(TOLVEK_LOG_PRIO_DEBUG, fmt, ##__VA_ARGS__)
 /* Error-priority paired line (allocation failures, PDC initialisation
  * failures, an unreadable EFS flag file). */
-#define TOLVEK_LOGE(fmt, ...) TOLVEK_LOG_PAIR(tolvek_ril_syslog_err, fmt, ##__VA_ARGS__)
+#define TOLVEK_LOGE(fmt, ...) TOLVEK_LOG_PAIR(TOLVEK_LOG_PRIO_ERR, fmt, ##__VA_ARGS__)
 
 #define TOLVEK_FUNC_ENTRY() TOLVEK_LOGD("function entry ------------->")
 #define TOLVEK_FUNC_EXIT() TOLVEK_LOGD("function exit <-------------")
