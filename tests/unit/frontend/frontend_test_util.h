@@ -1,0 +1,44 @@
+/* Capture of what front-end code writes to the console and the system log
+ * within one test. */
+#ifndef RLK_FRONTEND_TEST_UTIL_H
+#define RLK_FRONTEND_TEST_UTIL_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/* Standard output written while `fn` runs. */
+template <typename Fn>
+std::string capture_stdout(Fn fn)
+{
+    testing::internal::CaptureStdout();
+    fn();
+    return testing::internal::GetCapturedStdout();
+}
+
+/* The system-log file of this test process.  If the environment names none
+ * when the process starts, a private temporary file is used, so that tests
+ * never write to the simulator's default log. */
+class syslog_capture {
+public:
+    /* Remembers the current end of the log. */
+    syslog_capture();
+    /* Lines appended since construction, each without its newline. */
+    std::vector<std::string> lines() const;
+
+private:
+    long long start_;
+};
+
+/* Sets the console quiet flag for one scope and restores it afterwards. */
+class console_quiet_scope {
+public:
+    explicit console_quiet_scope(bool quiet);
+    ~console_quiet_scope();
+
+private:
+    bool saved_;
+};
+
+#endif
