@@ -1,0 +1,89 @@
+/* The simulator's diag channel: decodes the packets of DIAG connections
+ * (wire/diag_channel.h says what each envelope means), answers commands
+ * from the command table (diag_commands.h) and the session ops, and applies
+ * the test faults set through "diag ..." control requests:
+ *
+ *   diag reply <code> <hex>   answer command <code> with these bytes
+ *   diag reply-clear [code]   forget one or all of those replies
+ *   diag delay <code> <ms>    answer <code> that much later (0: at once)
+ *   diag drop <code>          never answer <code>; "diag undrop <code>"
+ *   diag clear                forget all replies, delays and drops, and the
+ *                             DCI piece size
+ *   diag dci-piece <bytes>    cut DCI responses into pieces of this size
+ *                             (default 4096)
+ *   diag remote-mask <mask>   remote processors present (bit n = proc n)
+ *   diag dci-support <mask> [proc]  DCI peripheral list of proc (default 0)
+ *   diag log <hex>            send a log record to every DCI client
+ *   diag event <hex>          send an event record to every DCI client
+ *   diag last [n]             the last n commands (default 16), oldest
+ *                             first: "cmd|dci <proc> <hex>" per line
+ *   diag status               remote mask, piece size, connections, clients
+ *
+ * Commands for a processor that is not present are recorded and dropped. */
+#ifndef MODEMD_DIAG_ENDPOINT_H
+#define MODEMD_DIAG_ENDPOINT_H
+
+#include <deque>
+#include <map>
+#include <set>
+
+#include "daemon.h"
+#include "diag_commands.h"
+
+namespace modemd {
+
+constexpr size_t k_diag_default_piece = 4096;
+constexpr size_t k_diag_max_piece = 16384;
+constexpr size_t k_diag_journal_len = 64;
+constexpr uint16_t k_diag_default_dci_support = 0x0003; /* APSS and MPSS up */
+constexpr uint32_t k_diag_max_delay_ms = 3600000;
+constexpr int32_t k_diag_max_proc = 15;
+
+class diag_endpoint_impl : public diag_endpoint {
+public:
+    explicit diag_endpoint_impl(daemon &d);
+    void on_open(connection &c) override;
+    void on_packet(connection &c, const uint8_t *data, size_t len) override;
+    void on_close(connection &c) override;
+    bool control(const std::vector<std::string> &args, std::string *answer) override;
+
+private:
+    struct diag_conn {
+        connection *c;
+        std::set<int32_t> dci_procs; /* processors with a DCI client here */
+    };
+    struct journal_entry {
+        bool dci;
+        int32_t proc;
+        std::vector<uint8_t> bytes;
+    };
+
+    bool proc_present(int32_t proc) const;
+    void on_command(diag_conn &dc, const diag_envelope &env, const std::vector<uint8_t> &cmd);
+    void on_session(diag_conn &dc, const diag_envelope &env);
+    /* Sends `pkts` to connection `conn_id` now or after `delay_ms`. */
+    void deliver(uint64_t conn_id, std::vector<std::vector<uint8_t>> pkts, uint32_t delay_ms);
+    size_t send_stream_record(uint32_t tag, const std::vector<uint8_t> &record);
+
+    std::string control_faults(const std::vector<std::string> &a);
+    std::string control_config(const std::vector<std::string> &a);
+    std::string control_last(const std::vector<std::string> &a);
+
+    daemon &d_;
+    diag_modem_state modem_;
+    std::map<uint64_t, diag_conn> conns_;
+    std::deque<journal_entry> journal_;
+
+    /* Test faults, by command code. */
+    std::map<uint8_t, std::vector<uint8_t>> replies_;
+    std::map<uint8_t, uint32_t> delays_;
+    std::set<uint8_t> drops_;
+    size_t piece_ = k_diag_default_piece;
+
+    uint16_t remote_mask_ = 0;
+    std::map<int32_t, uint16_t> dci_support_;
+};
+
+}  // namespace modemd
+
+#endif
