@@ -106,7 +106,7 @@ int main(int argc, char **argv)
     std::string error;
     if (!d.start(&error)) {
         fprintf(stderr, "rlk-modemd: %s\n", error.c_str());
-        d.log("refused to start: %s", error.c_str());
+        if (!opts.log_path.empty()) d.log("refused to start: %s", error.c_str());
         return 1;
     }
     d.run();

@@ -23,7 +23,8 @@
 namespace rlk_host {
 namespace {
 
-/* How long an on-demand simulator lives without clients. */
+/* How long an on-demand simulator lives without clients (seconds);
+ * RLK_MODEMD_IDLE_EXIT overrides it. */
 constexpr const char *k_autostart_idle_seconds = "300";
 /* How long rlk waits for a simulator it started to answer. */
 constexpr int k_autostart_wait_ms = 3000;
@@ -82,6 +83,8 @@ void start_modemd(const std::string &sock)
     std::string bin = modemd_binary();
     std::string state = dir + "/state";
     std::string log = dir + "/modemd.log";
+    const char *idle_env = getenv("RLK_MODEMD_IDLE_EXIT");
+    std::string idle = idle_env && *idle_env ? idle_env : k_autostart_idle_seconds;
     pid_t pid = fork();
     if (pid < 0) return;
     if (pid == 0) {
@@ -97,7 +100,7 @@ void start_modemd(const std::string &sock)
         for (int fd = 3; fd < 1024; fd++) close(fd);
         signal(SIGPIPE, SIG_DFL);
         execlp(bin.c_str(), bin.c_str(), "--socket", sock.c_str(), "--state", state.c_str(), "--log",
-               log.c_str(), "--idle-exit", k_autostart_idle_seconds, (char *)nullptr);
+               log.c_str(), "--idle-exit", idle.c_str(), (char *)nullptr);
         _exit(127);
     }
     int status = 0;
