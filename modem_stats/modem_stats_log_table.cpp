@@ -1,0 +1,51 @@
+/* Registered diag log parsers, one row per log code in ascending order.
+ *
+ * To register a parser: include its family header below and add one row
+ * before the end marker, e.g.
+ *   modem_stats_parser_row_of(0xB16D, modem_stats_parse_b16d_diag_log_lte_tx_power),
+ * A parser taking the subscription first is registered the same way; the
+ * two parsers that keep their records (0xB887, 0xB97F) are wrapped in
+ * modem_stats_parser_row_keep() or, for a parser of the subscription alone,
+ * keep them by their signature.  The static_asserts below check order,
+ * uniqueness and the release rule at compile time. */
+#include "modem_stats_dispatch.h"
+
+namespace {
+
+/* Logs whose parsers keep or release their records themselves. */
+constexpr uint16_t LOG_CODE_NR5G_MAC_PDSCH_STATUS = 0xB887;
+constexpr uint16_t LOG_CODE_NR5G_ML1_MEAS_DATABASE_UPDATE = 0xB97F;
+
+/* Terminates the table so that it may be empty; not a row. */
+constexpr modem_stats_parser_row LOG_TABLE_END = {0, nullptr, nullptr, nullptr, false};
+
+constexpr modem_stats_parser_row k_log_parsers[] = {
+    LOG_TABLE_END,
+};
+constexpr size_t k_log_parser_count = sizeof(k_log_parsers) / sizeof(k_log_parsers[0]) - 1;
+
+/* Every log but the two above has its record released by the dispatcher. */
+constexpr bool release_rule_holds(const modem_stats_parser_row *rows, size_t count)
+{
+    for (size_t i = 0; i < count; i++) {
+        bool keeps = rows[i].code == LOG_CODE_NR5G_MAC_PDSCH_STATUS ||
+                     rows[i].code == LOG_CODE_NR5G_ML1_MEAS_DATABASE_UPDATE;
+        if (rows[i].release == keeps) return false;
+    }
+    return true;
+}
+
+static_assert(k_log_parsers[k_log_parser_count].code == 0 && !k_log_parsers[k_log_parser_count].parse &&
+                  !k_log_parsers[k_log_parser_count].parse_sub && !k_log_parsers[k_log_parser_count].parse_sub_only,
+              "the end marker closes the table");
+static_assert(modem_stats_parser_rows_valid(k_log_parsers, k_log_parser_count),
+              "log rows ascend by code, unique, one parser each");
+static_assert(release_rule_holds(k_log_parsers, k_log_parser_count),
+              "only 0xB887 and 0xB97F keep their records");
+
+}  // namespace
+
+modem_stats_parser_table modem_stats_log_parser_table(void)
+{
+    return {k_log_parsers, k_log_parser_count};
+}
