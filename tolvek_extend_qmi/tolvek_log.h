@@ -6,7 +6,6 @@
 #ifndef TOLVEK_LOG_H
 #define TOLVEK_LOG_H
 
-#include <stdarg.h>
 #include <stdbool.h>
 #include <stdio.h>
 

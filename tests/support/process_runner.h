@@ -15,7 +15,10 @@ struct run_result {
  * then reports the signal). */
 constexpr int k_run_process_default_timeout_ms = 60000;
 
-/* Starts argv[0] (a path; no search of PATH) with the arguments argv[1..],
+/* The calling process ignores SIGPIPE from the first call on (the child
+ * gets the default back).
+ *
+ * Starts argv[0] (a path; no search of PATH) with the arguments argv[1..],
  * the test's own environment plus `extra_env` ("NAME=value" entries, which
  * replace variables of the same name), and `stdin_text` as its whole
  * standard input.  Waits for it to end and returns its status and output. */

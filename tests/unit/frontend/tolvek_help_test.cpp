@@ -32,26 +32,4 @@ TEST(ShowHelp, OptionWithoutBlockPrintsOnlyHeadAndFoot)
     }
 }
 
-TEST(ShowHelp, SubCommandRowsCarryOptionAndNumber)
-{
-    EXPECT_EQ(help_of(2), k_head +
-                              "2: imei option cmd\n"
-                              "   rlk 2 0       /* imei_protect disable */\n"
-                              "   rlk 2 1       /* imei_protect start */\n" +
-                              k_foot);
-    std::string smart = help_of(11);
-    EXPECT_NE(smart.find("   rlk 11 6 opt                  /* bp rf print, opt: 0 - off; 1 - on */\n"),
-              std::string::npos);
-}
-
-TEST(ShowHelp, FullHelpIsEveryBlockInOrder)
-{
-    std::string expected = k_head;
-    for (int option = 1; option <= 11; ++option) {
-        std::string one = help_of(option);
-        expected += one.substr(k_head.size(), one.size() - k_head.size() - k_foot.size());
-    }
-    EXPECT_EQ(help_of(TOLVEK_HELP_ALL), expected + k_foot);
-}
-
 }  // namespace
