@@ -1,0 +1,182 @@
+/* The host diag library's link to rlk-modemd: connection, reader thread,
+ * packet dispatch and session ops. */
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+
+#include "diag_channel.h"
+#include "diag_host_internal.h"
+#include "endpoint.h"
+
+namespace rlk_host {
+namespace diag {
+namespace {
+
+/* Delivers a callback-mode response to the callback of its processor. */
+void on_raw_response(int32_t proc, std::vector<uint8_t> &payload)
+{
+    if (proc < 0 || proc >= NUM_PROC || payload.empty()) return;
+    callback_slot slot;
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        if (g().logging_mode != CALLBACK_MODE) return;
+        slot = g().callbacks[proc];
+    }
+    if (slot.fn) slot.fn(payload.data(), int(payload.size()), slot.ctx);
+}
+
+void on_session_answer(uint32_t op, const std::vector<uint8_t> &payload)
+{
+    std::lock_guard<std::mutex> lk(g().mu);
+    g().answer_ready = true;
+    g().answer_op = op;
+    g().answer = payload;
+    g().cv.notify_all();
+}
+
+void dispatch(const diag_packet &pkt)
+{
+    for (const hdlc_frame &f : pkt.frames) {
+        if (f.status != HDLC_OK) continue;
+        std::vector<uint8_t> payload = f.payload;
+        switch (pkt.env.data_type) {
+        case USER_SPACE_RAW_DATA_TYPE:
+            on_raw_response(pkt.env.proc, payload);
+            break;
+        case DCI_PKT_TYPE:
+            dci_on_response(pkt.env.proc, pkt.env.tag, payload);
+            break;
+        case DCI_DATA_TYPE:
+            if (pkt.env.tag == DIAG_STREAM_LOG_TAG || pkt.env.tag == DIAG_STREAM_EVENT_TAG) {
+                dci_on_record(pkt.env.proc, pkt.env.tag, payload);
+            } else {
+                on_session_answer(pkt.env.tag, payload);
+            }
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+void reader_main(std::shared_ptr<link> l)
+{
+    std::vector<uint8_t> buf(MODEMD_MAX_PACKET);
+    for (;;) {
+        long n = modemd_recv(l->fd, buf.data(), buf.size(), -1);
+        if (n <= 0) break;
+        diag_packet pkt;
+        if (diag_packet_parse(buf.data(), size_t(n), &pkt)) dispatch(pkt);
+    }
+    std::lock_guard<std::mutex> lk(g().mu);
+    l->done = true;
+    if (g().conn == l) g().conn.reset(); /* the link was lost */
+    g().cv.notify_all();
+}
+
+}  // namespace
+
+link::~link()
+{
+    if (fd >= 0) close(fd);
+}
+
+state &g()
+{
+    static state *s = new state; /* never destroyed: see diag_host_internal.h */
+    return *s;
+}
+
+std::shared_ptr<link> link_get()
+{
+    std::lock_guard<std::mutex> lk(g().mu);
+    return g().conn;
+}
+
+bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *data, size_t len)
+{
+    std::shared_ptr<link> l = link_get();
+    if (!l) return false;
+    std::vector<uint8_t> pkt;
+    diag_packet_build(data_type, proc, tag, data, len, &pkt);
+    return modemd_send(l->fd, pkt.data(), pkt.size());
+}
+
+bool session_request(uint32_t op, int32_t proc, uint32_t *status, std::vector<uint8_t> *data)
+{
+    std::lock_guard<std::mutex> session(g().session_mu);
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        g().answer_ready = false;
+    }
+    if (!link_send(DCI_DATA_TYPE, proc, op, nullptr, 0)) return false;
+    std::unique_lock<std::mutex> lk(g().mu);
+    bool answered = g().cv.wait_for(lk, std::chrono::milliseconds(k_session_timeout_ms),
+                                    [] { return g().answer_ready || !g().conn; });
+    if (!answered || !g().answer_ready || g().answer_op != op || g().answer.size() < 4) return false;
+    *status = diag_get_u32(g().answer.data());
+    if (data) data->assign(g().answer.begin() + 4, g().answer.end());
+    return true;
+}
+
+bool link_open()
+{
+    std::lock_guard<std::mutex> life(g().life_mu);
+    if (link_get()) return true;
+    int fd = modemd_connect(MODEMD_CONN_DIAG, 0, 0);
+    if (fd < 0) return false;
+    auto l = std::make_shared<link>();
+    l->fd = fd;
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        g().conn = l;
+    }
+    std::thread reader(reader_main, l);
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        l->reader = reader.get_id();
+    }
+    reader.detach();
+
+    /* The remote-processor mask both proves that the simulator serves the
+     * channel and fills the cache that diag_callback_send_data checks. */
+    uint32_t status = 0;
+    std::vector<uint8_t> mask;
+    if (!session_request(DIAG_SESSION_REMOTE_MASK, MSM, &status, &mask) || status != DIAG_SESSION_OK ||
+        mask.size() < 2) {
+        shutdown(fd, SHUT_RDWR);
+        std::lock_guard<std::mutex> lk(g().mu);
+        if (g().conn == l) g().conn.reset();
+        return false;
+    }
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        g().remote_mask = diag_get_u16(mask.data());
+    }
+    dci_register_all();
+    return true;
+}
+
+bool link_close()
+{
+    std::lock_guard<std::mutex> life(g().life_mu);
+    std::shared_ptr<link> l;
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        l = g().conn;
+        if (!l) return false;
+        g().conn.reset();
+        g().logging_mode = USB_MODE;
+        for (callback_slot &s : g().callbacks) s = callback_slot();
+        for (auto &kv : g().dci) kv.second.pending.clear();
+        g().cv.notify_all();
+    }
+    shutdown(l->fd, SHUT_RDWR);
+    std::unique_lock<std::mutex> lk(g().mu);
+    if (l->reader != std::this_thread::get_id()) g().cv.wait(lk, [&] { return l->done; });
+    return true;
+}
+
+}  // namespace diag
+}  // namespace rlk_host
