@@ -93,6 +93,7 @@ void daemon::log(const char *fmt, ...)
 
 bool daemon::start(std::string *error)
 {
+    mkdir(opts_.state_dir.c_str(), 0700);
     if (!opts_.log_path.empty()) {
         log_ = fopen(opts_.log_path.c_str(), "ae");
         if (!log_) {
@@ -100,7 +101,6 @@ bool daemon::start(std::string *error)
             return false;
         }
     }
-    mkdir(opts_.state_dir.c_str(), 0700);
     std::string lock_path = opts_.state_dir + "/lock";
     lock_fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock_fd_ < 0) {

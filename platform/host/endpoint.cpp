@@ -82,7 +82,7 @@ void start_modemd(const std::string &sock)
     mkdir(dir.c_str(), 0700);
     std::string bin = modemd_binary();
     std::string state = dir + "/state";
-    std::string log = dir + "/modemd.log";
+    std::string log = state + "/modemd.log";
     const char *idle_env = getenv("RLK_MODEMD_IDLE_EXIT");
     std::string idle = idle_env && *idle_env ? idle_env : k_autostart_idle_seconds;
     pid_t pid = fork();

@@ -193,7 +193,7 @@ TEST(Modemd, StartsOnDemandAtTheDefaultSocket)
         EXPECT_STREQ(link, "/dev/null") << "fd " << fd;
     }
     struct stat st;
-    EXPECT_EQ(stat((runtime + "/rlk-modemd/modemd.log").c_str(), &st), 0) << "logs to its state directory";
+    EXPECT_EQ(stat((runtime + "/rlk-modemd/state/modemd.log").c_str(), &st), 0) << "logs to its state directory";
 
     /* Idle for a second: it exits on its own. */
     long long deadline = monotonic_ms() + 5000;
