@@ -35,7 +35,10 @@ void call_parser(const modem_stats_parser_row &row, modem_stats_sub_id_e_type su
     }
 }
 
-void dispatch(modem_stats_parser_table table, uint16_t code, int32_t length, uint8_t sub_id, const uint8_t *payload)
+}  // namespace
+
+void modem_stats_diag_dispatch(modem_stats_parser_table table, uint16_t code, int32_t length, uint8_t sub_id,
+                               const uint8_t *payload)
 {
     modem_stats_data_id_e_type data_id = MODEM_STATS_DATA_ID_NONE;
     modem_stats_single_data_common_type *record = nullptr;
@@ -45,8 +48,6 @@ void dispatch(modem_stats_parser_table table, uint16_t code, int32_t length, uin
     if (row) call_parser(*row, sub, &data_id, &record);
     if (!row || row->release) modem_stats_data_check_and_update_for_diag(sub, data_id, record);
 }
-
-}  // namespace
 
 const modem_stats_parser_row *modem_stats_parser_find(modem_stats_parser_table table, uint16_t code)
 {
@@ -59,11 +60,11 @@ const modem_stats_parser_row *modem_stats_parser_find(modem_stats_parser_table t
 void modem_stats_diag_process_log_ex(int32_t length, uint16_t log_code, uint8_t sub, const uint8_t *payload)
 {
     printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n", log_code, length, sub);
-    dispatch(modem_stats_log_parser_table(), log_code, length, sub, payload);
+    modem_stats_diag_dispatch(modem_stats_log_parser_table(), log_code, length, sub, payload);
 }
 
 void modem_stats_diag_process_event_ex(int32_t length, uint16_t event_id, uint8_t sub, const uint8_t *payload)
 {
     printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n", event_id, length, sub);
-    dispatch(modem_stats_event_parser_table(), event_id, length, sub, payload);
+    modem_stats_diag_dispatch(modem_stats_event_parser_table(), event_id, length, sub, payload);
 }

@@ -90,6 +90,12 @@ modem_stats_parser_table modem_stats_event_parser_table(void);
 /* The row registered for `code`, or null. */
 const modem_stats_parser_row *modem_stats_parser_find(modem_stats_parser_table table, uint16_t code);
 
+/* Steps shared by both dispatchers, after their header line: start the
+ * unpack state on the scratch copy, call the row of `code` in `table` (if
+ * any) and release the record unless the row keeps it. */
+void modem_stats_diag_dispatch(modem_stats_parser_table table, uint16_t code, int32_t length, uint8_t sub,
+                               const uint8_t *payload);
+
 /* Parses one diag log packet's payload of `length` bytes. */
 void modem_stats_diag_process_log_ex(int32_t length, uint16_t log_code, uint8_t sub, const uint8_t *payload);
 /* Parses one diag event's payload of `length` bytes. */
