@@ -26,6 +26,16 @@ const char k_common_type_table[] = "common_v01";
 
 }  // namespace
 
+/* Checks the service and finds one message entry. */
+static int32_t check_message(const qmi_idl_service_object_type svc, qmi_idl_type_of_message_type type,
+                             uint16_t msg_id, const void *out, const qmi_idl_service_message_table_entry **m)
+{
+    int32_t r = check(svc, out);
+    if (r) return r;
+    *m = qmi_idl_find_message(svc, type, msg_id);
+    return *m ? 0 : QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
+}
+
 extern "C" {
 
 const void *common_qmi_idl_type_table_object_v01 = k_common_type_table;
@@ -82,23 +92,19 @@ int32_t qmi_idl_get_max_service_len(const qmi_idl_service_object_type svc, uint3
 int32_t qmi_idl_get_max_message_len(const qmi_idl_service_object_type svc, qmi_idl_type_of_message_type type,
                                     uint16_t msg_id, uint32_t *len)
 {
-    int32_t r = check(svc, len);
-    if (r) return r;
-    const qmi_idl_service_message_table_entry *m = qmi_idl_find_message(svc, type, msg_id);
-    if (!m) return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
-    *len = m->max_msg_len;
-    return 0;
+    const qmi_idl_service_message_table_entry *m = nullptr;
+    int32_t r = check_message(svc, type, msg_id, len, &m);
+    if (r == 0) *len = m->max_msg_len;
+    return r;
 }
 
 int32_t qmi_idl_get_message_c_struct_len(const qmi_idl_service_object_type svc, qmi_idl_type_of_message_type type,
                                          uint16_t msg_id, uint32_t *c_struct_len)
 {
-    int32_t r = check(svc, c_struct_len);
-    if (r) return r;
-    const qmi_idl_service_message_table_entry *m = qmi_idl_find_message(svc, type, msg_id);
-    if (!m) return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
-    *c_struct_len = m->c_struct_sz;
-    return 0;
+    const qmi_idl_service_message_table_entry *m = nullptr;
+    int32_t r = check_message(svc, type, msg_id, c_struct_len, &m);
+    if (r == 0) *c_struct_len = m->c_struct_sz;
+    return r;
 }
 
 int32_t qmi_idl_message_encode(const qmi_idl_service_object_type svc, qmi_idl_type_of_message_type type,

@@ -183,6 +183,22 @@ int wait_txn(const std::shared_ptr<client_state> &st, uint16_t txn, const std::s
     return p->error;
 }
 
+/* Encodes a request structure into its TLV area. */
+int encode_request(const std::shared_ptr<client_state> &st, unsigned int msg_id, const void *req,
+                   unsigned int req_len, std::vector<uint8_t> *tlvs)
+{
+    uint32_t max_len = 0;
+    if (qmi_idl_get_max_message_len(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), &max_len) != 0) {
+        return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
+    }
+    tlvs->resize(max_len ? max_len : 1);
+    uint32_t enc = 0;
+    int rc = qmi_idl_message_encode(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), req, req_len, tlvs->data(),
+                                    uint32_t(tlvs->size()), &enc);
+    tlvs->resize(enc);
+    return rc;
+}
+
 std::shared_ptr<client_state> state_of(qmi_client_type h)
 {
     return h && h->state && !h->state->notifier ? h->state : nullptr;
@@ -350,17 +366,11 @@ extern "C" qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_h
 {
     auto st = state_of(user_handle);
     if (!st) return QMI_CLIENT_INVALID_CLNT;
-    uint32_t max_len = 0;
-    if (qmi_idl_get_max_message_len(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), &max_len) != 0) {
-        return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
-    }
-    std::vector<uint8_t> tlvs(max_len ? max_len : 1);
-    uint32_t enc = 0;
-    int rc = qmi_idl_message_encode(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), req_c_struct, req_c_struct_len,
-                                    tlvs.data(), uint32_t(tlvs.size()), &enc);
+    std::vector<uint8_t> tlvs;
+    int rc = encode_request(st, msg_id, req_c_struct, req_c_struct_len, &tlvs);
     if (rc != 0) return rc;
     auto p = std::make_shared<pending_txn>();
-    int txn = send_request(st, msg_id, tlvs.data(), enc, p);
+    int txn = send_request(st, msg_id, tlvs.data(), tlvs.size(), p);
     if (txn < 0) return txn;
     rc = wait_txn(st, uint16_t(txn), p, timeout_msecs);
     if (rc != QMI_NO_ERR) return rc;
@@ -377,21 +387,15 @@ extern "C" qmi_client_error_type qmi_client_send_msg_async(qmi_client_type user_
     auto st = state_of(user_handle);
     if (!st) return QMI_CLIENT_INVALID_CLNT;
     if (!resp_cb) return QMI_CLIENT_PARAM_ERR;
-    uint32_t max_len = 0;
-    if (qmi_idl_get_max_message_len(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), &max_len) != 0) {
-        return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
-    }
-    std::vector<uint8_t> tlvs(max_len ? max_len : 1);
-    uint32_t enc = 0;
-    int rc = qmi_idl_message_encode(st->svc, QMI_IDL_REQUEST, uint16_t(msg_id), req_c_struct, req_c_struct_len,
-                                    tlvs.data(), uint32_t(tlvs.size()), &enc);
+    std::vector<uint8_t> tlvs;
+    int rc = encode_request(st, msg_id, req_c_struct, req_c_struct_len, &tlvs);
     if (rc != 0) return rc;
     auto p = std::make_shared<pending_txn>();
     p->async_cb = resp_cb;
     p->async_data = resp_cb_data;
     p->async_resp = resp_c_struct;
     p->async_resp_len = resp_c_struct_len;
-    int txn = send_request(st, msg_id, tlvs.data(), enc, p);
+    int txn = send_request(st, msg_id, tlvs.data(), tlvs.size(), p);
     if (txn < 0) return txn;
     if (txn_handle) *txn_handle = reinterpret_cast<qmi_txn_handle>(uintptr_t(txn));
     return QMI_NO_ERR;

@@ -41,9 +41,9 @@ bool read_initial_list(int fd, qmi_idl_service_object_type svc, std::vector<qmi_
     }
 }
 
-void signal_and_notify(const std::shared_ptr<client_state> &st, qmi_client_notify_event_type ev)
+/* Runs the notify callback on the handle's callback thread. */
+void queue_notify(const std::shared_ptr<client_state> &st, qmi_client_notify_event_type ev)
 {
-    if (st->os_params) qmi_cci_os_signal_set(st->os_params);
     std::weak_ptr<client_state> weak = st;
     st->callbacks.push([weak, ev] {
         auto s = weak.lock();
@@ -58,6 +58,12 @@ void signal_and_notify(const std::shared_ptr<client_state> &st, qmi_client_notif
         }
         if (cb) cb(s->handle, s->svc, ev, data);
     });
+}
+
+void signal_and_notify(const std::shared_ptr<client_state> &st, qmi_client_notify_event_type ev)
+{
+    if (st->os_params) qmi_cci_os_signal_set(st->os_params);
+    queue_notify(st, ev);
 }
 
 /* Applies one name-service packet to the notifier's list. */
@@ -245,22 +251,7 @@ extern "C" qmi_client_error_type qmi_client_register_notify_cb(qmi_client_type u
         present = st->servers.size();
     }
     /* A server that already exists is reported at once. */
-    if (present && notify_cb) {
-        std::weak_ptr<client_state> weak = st;
-        st->callbacks.push([weak] {
-            auto s = weak.lock();
-            if (!s) return;
-            qmi_client_notify_cb cb;
-            void *data;
-            {
-                std::lock_guard<std::mutex> g(s->mu);
-                if (s->closing) return;
-                cb = s->notify_cb;
-                data = s->notify_cb_data;
-            }
-            if (cb) cb(s->handle, s->svc, QMI_CLIENT_SERVICE_COUNT_INC, data);
-        });
-    }
+    if (present && notify_cb) queue_notify(st, QMI_CLIENT_SERVICE_COUNT_INC);
     return QMI_NO_ERR;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "qmi_client.h"
+#include "ext_request.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_service_v01.h"
 
@@ -73,15 +74,7 @@ std::vector<double> qmi_roundtrips()
         fprintf(stderr, "no extension service\n");
         return {};
     }
-    tolvek_extend_msg req, resp;
-    memset(&req, 0, sizeof(req));
-    req.msg_code = REQUEST_ID_EFS;
-    req.data_len = 512;
-    req.data_valid = 1;
-    const char path[] = "/nv/item_files/modem/antenna/ant_tx_config";
-    req.data[0] = 4; /* EFS read */
-    req.data[4] = sizeof(path) - 1;
-    memcpy(req.data + 5, path, sizeof(path) - 1);
+    tolvek_extend_msg req = make_efs_read_request(), resp;
     std::vector<double> t;
     for (int i = 0; i < k_rounds + k_warmup; i++) {
         double s = now_us();

@@ -17,6 +17,7 @@
 
 #include "cutils/properties.h"
 #include "qmi_client.h"
+#include "ext_request.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_service_v01.h"
 
@@ -93,7 +94,7 @@ TEST(Modemd, ServesManyClientsAtOnce)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
-    std::string expect = sim.ctl_ok("efs get /nv/item_files/modem/antenna/ant_tx_config");
+    std::string expect = sim.ctl_ok(std::string("efs get ") + k_seeded_efs_file);
     qmi_idl_service_object_type svc = tolvek_extend_get_service_object_v01();
     constexpr int k_clients = 24, k_requests = 40;
     std::atomic<int> good{0};
@@ -106,15 +107,7 @@ TEST(Modemd, ServesManyClientsAtOnce)
                 return;
             }
             for (int i = 0; i < k_requests; i++) {
-                tolvek_extend_msg req, resp;
-                memset(&req, 0, sizeof(req));
-                req.msg_code = REQUEST_ID_EFS;
-                req.data_len = 512;
-                req.data_valid = 1;
-                const char path[] = "/nv/item_files/modem/antenna/ant_tx_config";
-                req.data[0] = 4;
-                req.data[4] = sizeof(path) - 1;
-                memcpy(req.data + 5, path, sizeof(path) - 1);
+                tolvek_extend_msg req = make_efs_read_request(), resp;
                 if (qmi_client_send_msg_sync(client, 2, &req, sizeof(req), &resp, sizeof(resp), 3000) == 0 &&
                     resp.data[8] * 2 == expect.size()) {
                     good++;

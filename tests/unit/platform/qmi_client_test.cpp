@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "qmi_client.h"
+#include "ext_request.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_service_v01.h"
 
@@ -81,15 +82,7 @@ protected:
 
     int send_read(unsigned int timeout_ms, tolvek_extend_msg *resp)
     {
-        tolvek_extend_msg req;
-        memset(&req, 0, sizeof(req));
-        req.msg_code = REQUEST_ID_EFS;
-        req.data_len = 512;
-        req.data_valid = 1;
-        const char path[] = "/nv/item_files/modem/antenna/ant_tx_config";
-        req.data[0] = 4; /* EFS read */
-        req.data[4] = uint8_t(strlen(path));
-        memcpy(req.data + 5, path, strlen(path));
+        tolvek_extend_msg req = make_efs_read_request();
         return qmi_client_send_msg_sync(client, 0x0002, &req, sizeof(req), resp, sizeof(*resp), timeout_ms);
     }
 
