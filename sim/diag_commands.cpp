@@ -174,7 +174,7 @@ void cmd_nv(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uin
         memset(rsp->data() + k_data_offset, 0, k_nv_data_len);
         if (!m.store || m.store->efs_read(path, &data) != k_efs_ok) {
             status = k_nv_status_inactive;
-        } else {
+        } else if (!data.empty()) {
             memcpy(rsp->data() + k_data_offset, data.data(), data.size() < k_nv_data_len ? data.size() : k_nv_data_len);
         }
     } else {

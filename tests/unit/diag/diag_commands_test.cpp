@@ -42,7 +42,7 @@ protected:
         p[0] = code;
         p[1] = uint8_t(item);
         p[2] = uint8_t(item >> 8);
-        memcpy(p.data() + 3, data.data(), data.size());
+        if (!data.empty()) memcpy(p.data() + 3, data.data(), data.size());
         return p;
     }
     static uint16_t nv_status(const bytes &rsp) { return uint16_t(rsp[131] | rsp[132] << 8); }
