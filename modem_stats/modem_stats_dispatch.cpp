@@ -26,12 +26,18 @@ const uint8_t *scratch_copy(const uint8_t *payload, int32_t length)
 void call_parser(const modem_stats_parser_row &row, modem_stats_sub_id_e_type sub, modem_stats_data_id_e_type *data_id,
                  modem_stats_single_data_common_type **record)
 {
-    if (row.parse) {
-        row.parse(data_id, record);
-    } else if (row.parse_sub) {
-        row.parse_sub(sub, data_id, record);
-    } else if (row.parse_sub_only) {
-        row.parse_sub_only(sub);
+    switch (row.kind) {
+    case MODEM_STATS_PARSER_PLAIN:
+        if (row.parse) row.parse(data_id, record);
+        break;
+    case MODEM_STATS_PARSER_SUB:
+        if (row.parse_sub) row.parse_sub(sub, data_id, record);
+        break;
+    case MODEM_STATS_PARSER_SUB_ONLY:
+        if (row.parse_sub_only) row.parse_sub_only(sub);
+        break;
+    case MODEM_STATS_PARSER_NONE:
+        break;
     }
 }
 

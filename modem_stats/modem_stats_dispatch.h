@@ -35,10 +35,18 @@ typedef void (*modem_stats_parse_sub_fn)(modem_stats_sub_id_e_type sub, modem_st
  * its records itself. */
 typedef void (*modem_stats_parse_sub_only_fn)(modem_stats_sub_id_e_type sub);
 
-/* One registered parser: exactly one of the three function pointers is
- * set. */
+/* Calling form of a registered parser. */
+typedef enum : uint8_t {
+    MODEM_STATS_PARSER_NONE = 0,     /* no parser (table end marker) */
+    MODEM_STATS_PARSER_PLAIN = 1,    /* (data_id, record) */
+    MODEM_STATS_PARSER_SUB = 2,      /* (sub, data_id, record) */
+    MODEM_STATS_PARSER_SUB_ONLY = 3, /* (sub) */
+} modem_stats_parser_kind;
+
+/* One registered parser: `kind` says which one function pointer is set. */
 typedef struct {
     uint16_t code;                                /* log code or event id */
+    modem_stats_parser_kind kind;                 /* calling form */
     modem_stats_parse_fn parse;                   /* (data_id, record) */
     modem_stats_parse_sub_fn parse_sub;           /* (sub, data_id, record) */
     modem_stats_parse_sub_only_fn parse_sub_only; /* (sub) */
@@ -47,16 +55,16 @@ typedef struct {
 
 constexpr modem_stats_parser_row modem_stats_parser_row_of(uint16_t code, modem_stats_parse_fn fn)
 {
-    return {code, fn, nullptr, nullptr, true};
+    return {code, MODEM_STATS_PARSER_PLAIN, fn, nullptr, nullptr, true};
 }
 constexpr modem_stats_parser_row modem_stats_parser_row_of(uint16_t code, modem_stats_parse_sub_fn fn)
 {
-    return {code, nullptr, fn, nullptr, true};
+    return {code, MODEM_STATS_PARSER_SUB, nullptr, fn, nullptr, true};
 }
 /* A parser of the subscription alone keeps or releases its own records. */
 constexpr modem_stats_parser_row modem_stats_parser_row_of(uint16_t code, modem_stats_parse_sub_only_fn fn)
 {
-    return {code, nullptr, nullptr, fn, false};
+    return {code, MODEM_STATS_PARSER_SUB_ONLY, nullptr, nullptr, fn, false};
 }
 /* The same row, but the record stays with the parser. */
 constexpr modem_stats_parser_row modem_stats_parser_row_keep(modem_stats_parser_row row)
@@ -66,12 +74,12 @@ constexpr modem_stats_parser_row modem_stats_parser_row_keep(modem_stats_parser_
 }
 
 /* True when rows[0..count) are in strictly ascending code order (sorted and
- * unique) and each sets exactly one parser. */
+ * unique) and each has a parser.  (Only the kinds are compared: function
+ * addresses are not constant expressions in every build.) */
 constexpr bool modem_stats_parser_rows_valid(const modem_stats_parser_row *rows, size_t count)
 {
     for (size_t i = 0; i < count; i++) {
-        int set = (rows[i].parse != nullptr) + (rows[i].parse_sub != nullptr) + (rows[i].parse_sub_only != nullptr);
-        if (set != 1) return false;
+        if (rows[i].kind == MODEM_STATS_PARSER_NONE) return false;
         if (i > 0 && rows[i - 1].code >= rows[i].code) return false;
     }
     return true;

@@ -17,7 +17,7 @@ constexpr uint16_t LOG_CODE_NR5G_MAC_PDSCH_STATUS = 0xB887;
 constexpr uint16_t LOG_CODE_NR5G_ML1_MEAS_DATABASE_UPDATE = 0xB97F;
 
 /* Terminates the table so that it may be empty; not a row. */
-constexpr modem_stats_parser_row LOG_TABLE_END = {0, nullptr, nullptr, nullptr, false};
+constexpr modem_stats_parser_row LOG_TABLE_END = {0, MODEM_STATS_PARSER_NONE, nullptr, nullptr, nullptr, false};
 
 constexpr modem_stats_parser_row k_log_parsers[] = {
     LOG_TABLE_END,
@@ -35,9 +35,7 @@ constexpr bool release_rule_holds(const modem_stats_parser_row *rows, size_t cou
     return true;
 }
 
-static_assert(k_log_parsers[k_log_parser_count].code == 0 && !k_log_parsers[k_log_parser_count].parse &&
-                  !k_log_parsers[k_log_parser_count].parse_sub && !k_log_parsers[k_log_parser_count].parse_sub_only,
-              "the end marker closes the table");
+static_assert(k_log_parsers[k_log_parser_count].kind == MODEM_STATS_PARSER_NONE, "the end marker closes the table");
 static_assert(modem_stats_parser_rows_valid(k_log_parsers, k_log_parser_count),
               "log rows ascend by code, unique, one parser each");
 static_assert(release_rule_holds(k_log_parsers, k_log_parser_count),
