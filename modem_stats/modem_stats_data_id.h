@@ -18,6 +18,8 @@ typedef enum : uint8_t {
  * or event id whose parser produces it. */
 typedef enum : uint32_t {
     MODEM_STATS_DATA_ID_LTE_RRC_STATE = 5,                  /* event 1606, kept state */
+    MODEM_STATS_DATA_ID_NR5G_MEAS_SCC1 = 6,                 /* log 0xB97F, carrier 1 */
+    MODEM_STATS_DATA_ID_NR5G_MEAS_SCC2 = 7,                 /* log 0xB97F, carrier 2 */
     MODEM_STATS_DATA_ID_LTE_SRV_MEAS = 82,                  /* log 0xB193 */
     MODEM_STATS_DATA_ID_LTE_TX_POWER = 83,                  /* log 0xB16D */
     MODEM_STATS_DATA_ID_LTE_PUSCH_CSF = 84,                 /* log 0xB14E */
@@ -63,6 +65,7 @@ typedef enum : uint32_t {
     MODEM_STATS_DATA_ID_NR5G_RRC_SERVING_CELL_INFO = 130,   /* log 0xB823 */
     MODEM_STATS_DATA_ID_LTE_RRC_RLF_STATS = 131,            /* event 1995 */
     MODEM_STATS_DATA_ID_LTE_MAC_RACH_ATTEMPT = 132,         /* log 0xB062 */
+    MODEM_STATS_DATA_ID_NR5G_MEAS_PCC = 135,                /* log 0xB97F, carrier 0 */
     MODEM_STATS_DATA_ID_IMS_RTP_SN_AND_PAYLOAD = 136,       /* log 0x1568 */
     MODEM_STATS_DATA_ID_NR5G_LL1_SRV_SNR = 137,             /* log 0xB8D8 */
     MODEM_STATS_DATA_ID_NR5G_RRC_SCG_FAILURE = 138,         /* event 3243 */
