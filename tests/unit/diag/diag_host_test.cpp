@@ -354,6 +354,7 @@ TEST_F(DiagHostTest, StreamRecordsReachTheirCallbacksAndRaiseOnlyAHandledSignal)
     EXPECT_EQ(logs.calls[0].data, log);
     EXPECT_NE(logs.calls[0].thread, std::this_thread::get_id());
 
+    g_signals = 0;
     struct sigaction sa = {}, old = {};
     sa.sa_handler = count_signal;
     ASSERT_EQ(sigaction(SIGRTMIN + 30, &sa, &old), 0);
