@@ -70,11 +70,17 @@ void diag_register_remote_callback(int (*client_rmt_cb_func_ptr)(unsigned char *
 }
 
 /* Fills the mask from the simulator; 1 on success, 0 (mask 0) when no
- * session is open or the simulator did not answer. */
+ * session is open or the simulator did not answer.  From a callback, which
+ * cannot wait for the simulator, it gives the mask last learnt. */
 int diag_has_remote_device(uint16 *remote_mask)
 {
     if (!remote_mask) return 0;
     *remote_mask = 0;
+    if (on_reader_thread()) {
+        std::lock_guard<std::mutex> lk(g().mu);
+        *remote_mask = g().remote_mask;
+        return 1;
+    }
     uint32_t status = 0;
     std::vector<uint8_t> data;
     if (!session_request(DIAG_SESSION_REMOTE_MASK, MSM, &status, &data) || status != DIAG_SESSION_OK ||

@@ -81,11 +81,9 @@ struct state {
     std::condition_variable cv;
     std::shared_ptr<link> conn; /* null: no link */
 
-    /* Session op answers, one op at a time (session_mu). */
+    /* Session op answers by op, one op in flight at a time (session_mu). */
     std::mutex session_mu;
-    bool answer_ready = false;
-    uint32_t answer_op = 0;
-    std::vector<uint8_t> answer;
+    std::map<uint32_t, std::vector<uint8_t>> answers;
 
     int logging_mode = USB_MODE;
     uint16_t remote_mask = 0;
@@ -106,10 +104,14 @@ bool link_open();
 bool link_close();
 /* The current link, or null. */
 std::shared_ptr<link> link_get();
+/* True on the reader thread of the current link. */
+bool on_reader_thread();
 /* Sends one packet on the current link. */
 bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *data, size_t len);
 /* A session op and its answer; false when the link is down or the
- * simulator did not answer in time.  `data` gets what follows the status. */
+ * simulator did not answer in time.  `data` gets what follows the status.
+ * Called from a callback (on the reader thread, which alone could deliver
+ * the answer) it only sends the op and returns false. */
 bool session_request(uint32_t op, int32_t proc, uint32_t *status, std::vector<uint8_t> *data);
 
 /* Called by the reader thread for DCI packets (diag_host_dci.cpp). */

@@ -29,9 +29,7 @@ void on_raw_response(int32_t proc, std::vector<uint8_t> &payload)
 void on_session_answer(uint32_t op, const std::vector<uint8_t> &payload)
 {
     std::lock_guard<std::mutex> lk(g().mu);
-    g().answer_ready = true;
-    g().answer_op = op;
-    g().answer = payload;
+    g().answers[op] = payload;
     g().cv.notify_all();
 }
 
@@ -103,20 +101,34 @@ bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *da
     return modemd_send(l->fd, pkt.data(), pkt.size());
 }
 
+bool on_reader_thread()
+{
+    std::lock_guard<std::mutex> lk(g().mu);
+    return g().conn && g().conn->reader == std::this_thread::get_id();
+}
+
 bool session_request(uint32_t op, int32_t proc, uint32_t *status, std::vector<uint8_t> *data)
 {
+    if (on_reader_thread()) {
+        link_send(DCI_DATA_TYPE, proc, op, nullptr, 0);
+        return false;
+    }
     std::lock_guard<std::mutex> session(g().session_mu);
     {
         std::lock_guard<std::mutex> lk(g().mu);
-        g().answer_ready = false;
+        g().answers.erase(op);
     }
     if (!link_send(DCI_DATA_TYPE, proc, op, nullptr, 0)) return false;
     std::unique_lock<std::mutex> lk(g().mu);
-    bool answered = g().cv.wait_for(lk, std::chrono::milliseconds(k_session_timeout_ms),
-                                    [] { return g().answer_ready || !g().conn; });
-    if (!answered || !g().answer_ready || g().answer_op != op || g().answer.size() < 4) return false;
-    *status = diag_get_u32(g().answer.data());
-    if (data) data->assign(g().answer.begin() + 4, g().answer.end());
+    g().cv.wait_for(lk, std::chrono::milliseconds(k_session_timeout_ms),
+                    [op] { return g().answers.count(op) || !g().conn; });
+    auto it = g().answers.find(op);
+    if (it == g().answers.end()) return false;
+    std::vector<uint8_t> answer = std::move(it->second);
+    g().answers.erase(it);
+    if (answer.size() < 4) return false;
+    *status = diag_get_u32(answer.data());
+    if (data) data->assign(answer.begin() + 4, answer.end());
     return true;
 }
 

@@ -214,6 +214,37 @@ TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
     ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
 }
 
+TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
+{
+    register_dci();
+    static int *s_client = nullptr;
+    static std::atomic<int> s_released{0};
+    static std::atomic<int> s_mask_rc{0};
+    s_client = &client_id;
+    unsigned char cmd[] = {0x1c};
+    long long start = monotonic_ms();
+    ASSERT_EQ(diag_send_dci_async_req(
+                  client_id, cmd, 1, rsp, int(sizeof(rsp)),
+                  [](unsigned char *p, int len, void *data) {
+                      uint16 mask = 0;
+                      s_mask_rc = diag_has_remote_device(&mask);
+                      s_released = diag_release_dci_client(s_client);
+                      on_dci_response(p, len, data);
+                  },
+                  &marker),
+              DIAG_DCI_NO_ERROR);
+    ASSERT_TRUE(box.wait_count(1));
+    EXPECT_EQ(s_released.load(), DIAG_DCI_NO_ERROR);
+    EXPECT_EQ(s_mask_rc.load(), 1) << "the mask last learnt";
+    EXPECT_EQ(client_id, 0);
+    EXPECT_LT(monotonic_ms() - start, 1000) << "no session op waited for its own thread";
+    long long deadline = monotonic_ms() + k_wait_ms;
+    while (sim.ctl_ok("diag status").find("dci_clients=0") == std::string::npos && monotonic_ms() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0");
+}
+
 TEST(DiagHostNoSimulator, InitFailsAndDciCannotRegister)
 {
     const char *before = getenv("RLK_MODEMD_SOCKET");
