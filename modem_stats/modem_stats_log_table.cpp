@@ -9,6 +9,7 @@
  * keep them by their signature.  The static_asserts below check order,
  * uniqueness and the release rule at compile time. */
 #include "modem_stats_dispatch.h"
+#include "modem_stats_log_parsers.h"
 
 namespace {
 
@@ -20,6 +21,16 @@ constexpr uint16_t LOG_CODE_NR5G_ML1_MEAS_DATABASE_UPDATE = 0xB97F;
 constexpr modem_stats_parser_row LOG_TABLE_END = {0, MODEM_STATS_PARSER_NONE, nullptr, nullptr, nullptr, false};
 
 constexpr modem_stats_parser_row k_log_parsers[] = {
+    modem_stats_parser_row_of(0xB062, modem_stats_parse_b062_diag_log_lte_mac_rach_attempt),
+    modem_stats_parser_row_of(0xB064, modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block),
+    modem_stats_parser_row_of(0xB0C2, modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info),
+    modem_stats_parser_row_of(0xB111, modem_stats_parse_b111_diag_log_lte_ll1_rx_agc),
+    modem_stats_parser_row_of(0xB14E, modem_stats_parse_b14e_diag_log_lte_pusch_csf),
+    modem_stats_parser_row_of(0xB16D, modem_stats_parse_b16d_diag_log_lte_tx_power),
+    modem_stats_parser_row_of(0xB16E, modem_stats_parse_b16e_diag_log_lte_pusch_power_control),
+    modem_stats_parser_row_of(0xB16F, modem_stats_parse_b16f_diag_log_lte_pucch_power_control),
+    modem_stats_parser_row_of(0xB173, modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication),
+    modem_stats_parser_row_of(0xB193, modem_stats_parse_b193_diag_log_lte_srv_meas),
     LOG_TABLE_END,
 };
 constexpr size_t k_log_parser_count = sizeof(k_log_parsers) / sizeof(k_log_parsers[0]) - 1;
