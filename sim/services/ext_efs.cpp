@@ -9,25 +9,13 @@
 namespace modemd {
 namespace {
 
-enum : uint8_t { k_op_efs_read = 4, k_op_efs_write = 5, k_op_efs_delete = 6 };
+/* Instance ids a write transfer can get: 0..254 (255 asks for a new one). */
+constexpr int k_transfer_ids = TOLVEK_EFS_INSTANCE_MAX + 1;
+/* Bytes of the response record up to and including `result`. */
+constexpr uint32_t k_rsp_head_len = offsetof(tolvek_efs_rsp, data);
 
-constexpr size_t k_off_op = 0, k_off_sub = 1, k_off_instance = 2, k_off_path_len = 4, k_off_path = 5;
-constexpr size_t k_off_total = 76, k_off_chunk_len = 80, k_off_chunk_off = 84, k_off_chunk = 88;
-constexpr size_t k_resp_off_total = 4, k_resp_off_chunk_len = 8, k_resp_off_result = 16, k_resp_off_data = 20;
-constexpr uint8_t k_new_transfer = 255;
-constexpr uint32_t k_max_write_path = 70, k_max_read_path = 71;
-constexpr uint32_t k_max_write_chunk = 414, k_max_read_chunk = 424;
-constexpr uint32_t k_max_file = 102410;
-constexpr uint32_t k_subscriptions = 2;
-constexpr int k_max_transfers = 255;
-
-/* EFS error numbers of the answers (negative errno values). */
-constexpr int32_t k_err_badf = -9;       /* unknown transfer instance */
-constexpr int32_t k_err_inval = -22;     /* bad subscription, chunk out of order */
-constexpr int32_t k_err_fbig = -27;      /* chunk runs past the announced total */
-constexpr int32_t k_err_nametoolong = -36;
-
-/* An open write transfer; committed when its last byte arrives. */
+/* An open write transfer: its file is committed (atomically, as a whole)
+ * when the last byte arrives; until then the old file stays as it was. */
 struct transfer {
     std::string path;
     uint32_t total = 0;
@@ -39,121 +27,153 @@ std::map<uint8_t, transfer> g_transfers;
 uint64_t g_transfer_clock = 0;
 
 /* Takes a free instance id, evicting the oldest transfer when all are in
- * use (an abandoned transfer never blocks new ones). */
-uint8_t open_transfer()
+ * use, so that transfers abandoned by killed clients never block new
+ * ones. */
+uint8_t open_transfer(const std::string &path, uint32_t total)
 {
-    for (int id = 0; id < k_max_transfers; id++) {
-        if (!g_transfers.count(uint8_t(id))) return uint8_t(id);
+    uint8_t id = 0;
+    bool found = false;
+    for (int i = 0; i < k_transfer_ids && !found; i++) {
+        if (!g_transfers.count(uint8_t(i))) {
+            id = uint8_t(i);
+            found = true;
+        }
     }
-    auto oldest = g_transfers.begin();
-    for (auto it = g_transfers.begin(); it != g_transfers.end(); ++it) {
-        if (it->second.opened < oldest->second.opened) oldest = it;
+    if (!found) {
+        auto oldest = g_transfers.begin();
+        for (auto it = g_transfers.begin(); it != g_transfers.end(); ++it) {
+            if (it->second.opened < oldest->second.opened) oldest = it;
+        }
+        id = oldest->first;
     }
-    uint8_t id = oldest->first;
-    g_transfers.erase(oldest);
+    transfer &t = g_transfers[id];
+    t = transfer{path, total, {}, ++g_transfer_clock};
+    t.data.reserve(total);
     return id;
 }
 
-bool read_path(const uint8_t *p, uint32_t max_len, std::string *path)
+/* The modem takes the path as a C string: up to its first zero byte within
+ * the stated length (the tool counts the terminating zero of some paths). */
+int32_t read_path(const tolvek_efs_req &req, uint32_t max_len, std::string *path)
 {
-    uint32_t len = p[k_off_path_len];
-    if (len == 0 || len > max_len) return false;
-    path->assign(reinterpret_cast<const char *>(p + k_off_path), len);
-    return true;
+    uint32_t len = req.path_len;
+    if (len > max_len) return k_efs_enametoolong;
+    size_t n = strnlen(req.path, len);
+    if (n == 0) return k_efs_einval;
+    path->assign(req.path, n);
+    return k_efs_ok;
 }
 
-int32_t efs_write(qmi_call &call, const uint8_t *p)
+/* Paths the EFS accepts: absolute, no empty, "." or ".." component, no
+ * component starting with a dot, no trailing slash. */
+bool path_acceptable(const std::string &path)
+{
+    return path[0] == '/' && path.back() != '/' && path.find("//") == std::string::npos &&
+           path.find("/.") == std::string::npos;
+}
+
+int32_t efs_write(qmi_call &call, const tolvek_efs_req &req)
 {
     std::string path;
-    if (!read_path(p, k_max_write_path, &path)) return k_err_nametoolong;
-    uint32_t total = ext_get_u32(p + k_off_total);
-    uint32_t len = ext_get_u32(p + k_off_chunk_len);
-    uint32_t off = ext_get_u32(p + k_off_chunk_off);
-    if (len > k_max_write_chunk || total > k_max_file) return k_err_fbig;
-    uint8_t id = p[k_off_instance];
-    if (id == k_new_transfer) {
-        if (off != 0) return k_err_inval;
-        id = open_transfer();
-        transfer &t = g_transfers[id];
-        t = transfer{path, total, {}, ++g_transfer_clock};
-        t.data.reserve(total);
+    int32_t rc = read_path(req, TOLVEK_EFS_PATH_MAX, &path);
+    if (rc != k_efs_ok) return rc;
+    if (!path_acceptable(path)) return k_efs_einval;
+    uint32_t total = req.data_len_all, len = req.data_len_send, off = req.data_len_cur;
+    if (len > TOLVEK_EFS_WRITE_CHUNK_MAX) return k_efs_einval;
+    if (total > TOLVEK_EFS_FILE_MAX) return k_efs_efbig;
+
+    uint8_t id = req.instance;
+    if (id == TOLVEK_EFS_NEW_INSTANCE) {
+        if (off != 0) return k_efs_einval;
+        id = open_transfer(path, total);
     }
     auto it = g_transfers.find(id);
-    if (it == g_transfers.end() || it->second.path != path || it->second.total != total) return k_err_badf;
+    /* An id that is not open, or that belongs to another file, is refused
+     * without touching the transfer it names. */
+    if (it == g_transfers.end() || it->second.path != path || it->second.total != total) return k_efs_ebadf;
     transfer &t = it->second;
     if (off != t.data.size()) {
-        g_transfers.erase(it);
-        return k_err_inval;
+        g_transfers.erase(it); /* gap or repeated chunk: the transfer is lost */
+        return k_efs_einval;
     }
     if (uint64_t(off) + len > t.total) {
         g_transfers.erase(it);
-        return k_err_fbig;
+        return k_efs_efbig;
     }
-    t.data.insert(t.data.end(), p + k_off_chunk, p + k_off_chunk + len);
-    if (t.data.size() == t.total) {
-        int rc = call.d.store().efs_write(t.path, t.data);
-        g_transfers.erase(it);
-        if (rc != 0) return rc;
-    }
-    return id;
+    t.data.insert(t.data.end(), req.data, req.data + len);
+    if (t.data.size() < t.total) return id;
+    rc = call.d.store().efs_write(t.path, t.data);
+    g_transfers.erase(it);
+    return rc != k_efs_ok ? rc : id;
 }
 
-void efs_read(qmi_call &call, const uint8_t *p, tolvek_extend_msg &resp)
+void efs_read(qmi_call &call, const tolvek_efs_req &req, tolvek_extend_msg &resp)
 {
     std::string path;
-    if (!read_path(p, k_max_read_path, &path)) return ext_reply(resp, k_err_nametoolong, k_resp_off_data);
+    int32_t rc = read_path(req, TOLVEK_EFS_READ_PATH_MAX, &path);
     std::vector<uint8_t> data;
-    int rc = call.d.store().efs_read(path, &data);
-    if (rc != 0) return ext_reply(resp, rc, k_resp_off_data);
-    uint32_t off = ext_get_u32(p + k_off_chunk_off);
+    if (rc == k_efs_ok) rc = call.d.store().efs_read(path, &data);
+    if (rc != k_efs_ok) return ext_efs_reply_result(resp, rc);
+
+    tolvek_efs_rsp rsp;
+    memset(&rsp, 0, sizeof(rsp));
     uint32_t size = uint32_t(data.size());
+    uint32_t off = req.data_len_cur;
     uint32_t len = off >= size ? 0 : size - off;
-    if (len > k_max_read_chunk) len = k_max_read_chunk;
-    ext_put_u32(resp.data + k_resp_off_total, size);
-    ext_put_u32(resp.data + k_resp_off_chunk_len, len);
-    if (len) memcpy(resp.data + k_resp_off_data, data.data() + off, len);
-    ext_reply(resp, 0, k_resp_off_data + len);
+    if (len > TOLVEK_EFS_READ_CHUNK_MAX) len = TOLVEK_EFS_READ_CHUNK_MAX;
+    rsp.data_len_all = size;
+    rsp.data_len_send = len;
+    if (len) memcpy(rsp.data, data.data() + off, len);
+    ext_efs_reply(resp, rsp, k_rsp_head_len + len);
+}
+
+int32_t efs_delete(qmi_call &call, const tolvek_efs_req &req)
+{
+    std::string path;
+    int32_t rc = read_path(req, TOLVEK_EFS_PATH_MAX, &path);
+    return rc != k_efs_ok ? rc : call.d.store().efs_delete(path);
 }
 
 }  // namespace
 
-void ext_put_u32(uint8_t *p, uint32_t v)
+void ext_efs_reply(tolvek_extend_msg &resp, const tolvek_efs_rsp &rsp, uint32_t len)
 {
-    p[0] = uint8_t(v);
-    p[1] = uint8_t(v >> 8);
-    p[2] = uint8_t(v >> 16);
-    p[3] = uint8_t(v >> 24);
+    ext_reply_with(resp, rsp, len);
 }
 
-uint32_t ext_get_u32(const uint8_t *p)
+void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result)
 {
-    return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+    tolvek_efs_rsp rsp;
+    memset(&rsp, 0, sizeof(rsp));
+    rsp.result = result;
+    ext_efs_reply(resp, rsp, k_rsp_head_len);
 }
 
-void ext_reply(tolvek_extend_msg &resp, int32_t result, uint32_t len)
-{
-    ext_put_u32(resp.data + k_resp_off_result, uint32_t(result));
-    resp.msg_code = 0;
-    resp.data_len = len;
-    resp.data_valid = 1;
-}
+size_t ext_efs_open_transfers() { return g_transfers.size(); }
 
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp)
 {
-    const uint8_t *p = req.data;
-    if (p[k_off_sub] >= k_subscriptions) return ext_reply(resp, k_err_inval, k_resp_off_data);
-    switch (p[k_off_op]) {
-    case k_op_efs_read:
-        return efs_read(call, p, resp);
-    case k_op_efs_write:
-        return ext_reply(resp, efs_write(call, p), k_resp_off_data);
-    case k_op_efs_delete: {
-        std::string path;
-        if (!read_path(p, k_max_write_path, &path)) return ext_reply(resp, k_err_nametoolong, k_resp_off_data);
-        return ext_reply(resp, call.d.store().efs_delete(path), k_resp_off_data);
-    }
+    tolvek_efs_req efs = ext_payload_as<tolvek_efs_req>(req);
+    switch (efs.op) {
+    case TOLVEK_EFS_OP_NV_READ:
+        return ext_nv_read(call, req, resp);
+    case TOLVEK_EFS_OP_NV_WRITE:
+        return ext_nv_write(call, req, resp);
+    case TOLVEK_EFS_OP_NV_DELETE:
+        return ext_nv_delete(call, req, resp);
     default:
-        return ext_reply(resp, k_err_inval, k_resp_off_data);
+        break;
+    }
+    if (efs.sub_id >= TOLVEK_EFS_SUB_COUNT) return ext_efs_reply_result(resp, k_efs_einval);
+    switch (efs.op) {
+    case TOLVEK_EFS_OP_READ:
+        return efs_read(call, efs, resp);
+    case TOLVEK_EFS_OP_WRITE:
+        return ext_efs_reply_result(resp, efs_write(call, efs));
+    case TOLVEK_EFS_OP_DELETE:
+        return ext_efs_reply_result(resp, efs_delete(call, efs));
+    default:
+        return ext_efs_reply_result(resp, k_efs_einval);
     }
 }
 

@@ -1,29 +1,36 @@
-/* EFS requests of the extension service (request code 2, operations 4 read,
- * 5 write, 6 delete).
- *
- * Request payload: u8 operation, u8 subscription, u8 instance (writes: 255
- * opens a transfer, later chunks quote the id the modem returned), u8 0,
- * u8 path length (1..70; reads accept 71), path bytes from 5, u32 total
- * length at 76, u32 chunk length at 80, u32 chunk offset at 84, chunk data
- * from 88.
- * Response payload: u32 total length at 4 and u32 chunk length at 8
- * (reads), i32 result at 16 (write: the transfer's instance id 0..254;
- * failure: a negative EFS error number), read data from 20 (at most 424
- * bytes). */
+/* EFS and NV requests of the extension service (request code 2).  The
+ * operation byte selects NV read/write/delete (1, 2, 3, sim/services/
+ * ext_nv.cpp) or EFS read/write/delete (4, 5, 6).  Payload layouts are the
+ * shared tolvek_efs_req / tolvek_nv_req / tolvek_efs_rsp; error numbers and
+ * the transfer rules are in docs/extension-service.md. */
 #ifndef MODEMD_EXT_EFS_H
 #define MODEMD_EXT_EFS_H
+
+#include <stddef.h>
 
 #include "extension_service.h"
 
 namespace modemd {
 
+/* EFS error numbers of the answers besides the store's k_efs_* (negative
+ * errno values, as the modem's EFS layer reports them). */
+constexpr int32_t k_efs_ebadf = -9;  /* no open transfer with the quoted instance id */
+constexpr int32_t k_efs_efbig = -27; /* file above 102410 bytes, or a chunk past the announced total */
+
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 
-/* Writes a little-endian u32/i32 into a payload. */
-void ext_put_u32(uint8_t *p, uint32_t v);
-uint32_t ext_get_u32(const uint8_t *p);
-/* Finishes a response payload of `len` bytes with `result` at offset 16. */
-void ext_reply(tolvek_extend_msg &resp, int32_t result, uint32_t len);
+/* Answers an EFS/NV request with `rsp` (its first `len` bytes count). */
+void ext_efs_reply(tolvek_extend_msg &resp, const tolvek_efs_rsp &rsp, uint32_t len);
+/* Answers with only `result` (20-byte record). */
+void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result);
+
+/* Number of write transfers open now (opened, not yet committed). */
+size_t ext_efs_open_transfers();
+
+/* NV operations (sim/services/ext_nv.cpp). */
+void ext_nv_read(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
+void ext_nv_write(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
+void ext_nv_delete(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 
 }  // namespace modemd
 
