@@ -7,6 +7,7 @@
 #include <string.h>
 
 #include "daemon.h"
+#include "services/extension_service.h"
 
 namespace modemd {
 namespace {
@@ -49,6 +50,7 @@ const char k_help[] =
     "  last [n] [svc]\n"
     "  efs ls | efs get <path> | efs put <path> <hex> | efs rm <path>\n"
     "  counter get <name> | counter set <name> <value> | counters\n"
+    "  ext fail-efs <skip> result|msg_code <code> | ext transfers\n"
     "  diag ...";
 
 }  // namespace
@@ -269,6 +271,7 @@ std::string daemon::control(const std::string &request)
         return out;
     }
     if (cmd == "efs" || cmd == "counter" || cmd == "counters") return control_state(a);
+    if (cmd == "ext") return ext_control(*this, a);
     if (cmd == "diag") {
         std::string answer;
         if (diag_ && diag_->control(a, &answer)) return answer;

@@ -27,6 +27,10 @@ void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result);
 /* Number of write transfers open now (opened, not yet committed). */
 size_t ext_efs_open_transfers();
 
+/* Answers `resp` with the failure a test armed through the "ext fail-efs"
+ * control, when it is due (sim/services/ext_control.cpp); false otherwise. */
+bool ext_efs_take_failure(tolvek_extend_msg &resp);
+
 /* NV operations (sim/services/ext_nv.cpp). */
 void ext_nv_read(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 void ext_nv_write(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);

@@ -59,6 +59,10 @@ void ext_handle_version(qmi_call &call, const tolvek_extend_msg &req, tolvek_ext
 void ext_handle_status(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 void ext_handle_uptime(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 
+/* The "ext ..." control requests (sim/services/ext_control.cpp); `args[0]`
+ * is "ext". */
+std::string ext_control(daemon &d, const std::vector<std::string> &args);
+
 }  // namespace modemd
 
 #endif
