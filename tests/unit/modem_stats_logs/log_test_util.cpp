@@ -65,6 +65,35 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
     return result;
 }
 
+void expect_case(const log_case &c)
+{
+    SCOPED_TRACE(c.name);
+    run_result full = run_log(c.code, c.packet);
+    EXPECT_EQ(full.out, c.out);
+    ASSERT_EQ(full.records.size(), c.records.size());
+    for (size_t i = 0; i < c.records.size(); i++) {
+        EXPECT_EQ(full.records[i].id, c.records[i].id) << "record " << i;
+        EXPECT_EQ(full.records[i].bytes, c.records[i].bytes) << "record " << i;
+    }
+    if (c.cut_field.empty()) return;
+    run_result cut = run_log(c.code, c.packet, c.cut);
+    std::string line = not_enough_line(c.cut_left, c.cut_field, c.code);
+    ASSERT_GE(cut.out.size(), line.size()) << cut.out;
+    EXPECT_EQ(cut.out.substr(cut.out.size() - line.size()), line) << cut.out;
+    EXPECT_EQ(cut.out.find("not enough"), cut.out.size() - line.size() + line.find("not enough")) << cut.out;
+    EXPECT_TRUE(cut.records.empty());
+}
+
+void expect_refused(uint16_t code, const std::vector<uint8_t> &packet, int64_t version, const std::string &name,
+                    const std::string &lines_before)
+{
+    uint64_t before = g_pk_version_not_support_num;
+    run_result r = run_log(code, packet);
+    EXPECT_EQ(g_pk_version_not_support_num, before + 1);
+    EXPECT_EQ(r.out, lines_before + version_line(version, before + 1, name, code));
+    EXPECT_TRUE(r.records.empty());
+}
+
 std::string fmt(const char *format, ...)
 {
     char buf[1024];

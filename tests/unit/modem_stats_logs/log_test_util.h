@@ -121,6 +121,30 @@ std::string not_enough_line(int32_t left, const std::string &name, uint16_t code
 /* printf into a string. */
 std::string fmt(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
+/* One table row of a parser test: a packet built to one accepted version,
+ * every line it prints and the records it makes; and the same packet cut
+ * so that the field `cut_field` finds only `cut_left` bytes. */
+struct log_case {
+    const char *name;
+    uint16_t code;
+    std::vector<uint8_t> packet;
+    std::string out;
+    std::vector<made_record> records;
+    int32_t cut;
+    std::string cut_field;
+    int32_t cut_left;
+};
+
+/* Checks a case: the full packet, then the cut one (which prints the
+ * lines before the cut field, then the "not enough" line, and makes no
+ * record). */
+void expect_case(const log_case &c);
+
+/* Checks that `packet` (holding the unsupported `version`) is counted and
+ * refused under `name`, printing nothing but `lines_before` first. */
+void expect_refused(uint16_t code, const std::vector<uint8_t> &packet, int64_t version, const std::string &name,
+                    const std::string &lines_before = "");
+
 /* The name a parser gives itself in its messages. */
 std::string parser_name(uint16_t code);
 
