@@ -1,0 +1,133 @@
+/* Helpers of the extension-service end-to-end tests: the wire bytes of the
+ * requests the simulator received, runs of the library driver, and small
+ * output checks. */
+#ifndef RLK_TEST_EXT_TEST_UTIL_H
+#define RLK_TEST_EXT_TEST_UTIL_H
+
+#include <stdlib.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "process_runner.h"
+#include "sim_fixture.h"
+#include "tolvek_extend_payload.h"
+
+/* One extension request as the simulator received it. */
+struct ext_wire_request {
+    uint32_t msg_code = 0;
+    uint32_t data_len = 0;
+    std::vector<uint8_t> data; /* TLV 0x10, empty when absent */
+
+    uint32_t u32(size_t off) const
+    {
+        return uint32_t(data[off]) | uint32_t(data[off + 1]) << 8 | uint32_t(data[off + 2]) << 16 |
+               uint32_t(data[off + 3]) << 24;
+    }
+};
+
+inline std::vector<uint8_t> ext_unhex(const std::string &hex)
+{
+    std::vector<uint8_t> out;
+    for (size_t i = 0; i + 1 < hex.size(); i += 2) out.push_back(uint8_t(strtoul(hex.substr(i, 2).c_str(), nullptr, 16)));
+    return out;
+}
+
+/* Decodes the TLVs of one "last" line ("<svc> <msg> <txn> <packet hex>"). */
+inline ext_wire_request ext_decode_journal_line(const std::string &line)
+{
+    std::vector<uint8_t> pkt = ext_unhex(line.substr(line.rfind(' ') + 1));
+    ext_wire_request r;
+    constexpr size_t k_qmi_header = 7;
+    for (size_t pos = k_qmi_header; pos + 3 <= pkt.size();) {
+        uint8_t type = pkt[pos];
+        size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
+        std::vector<uint8_t> value(pkt.begin() + long(pos + 3), pkt.begin() + long(pos + 3 + len));
+        if (type == TOLVEK_EXTEND_TLV_MSG_CODE || type == TOLVEK_EXTEND_TLV_DATA_LEN) {
+            uint32_t v = uint32_t(value[0]) | uint32_t(value[1]) << 8 | uint32_t(value[2]) << 16 |
+                         uint32_t(value[3]) << 24;
+            (type == TOLVEK_EXTEND_TLV_MSG_CODE ? r.msg_code : r.data_len) = v;
+        } else if (type == TOLVEK_EXTEND_TLV_DATA) {
+            r.data = value;
+        }
+        pos += 3 + len;
+    }
+    return r;
+}
+
+/* The last `n` extension requests, oldest first. */
+inline std::vector<ext_wire_request> ext_last_requests(const sim_instance &sim, int n)
+{
+    std::istringstream in(sim.ctl_ok("last " + std::to_string(n) + " ext"));
+    std::vector<ext_wire_request> out;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty()) out.push_back(ext_decode_journal_line(line));
+    }
+    return out;
+}
+
+/* Requests the extension service has received since the simulator
+ * started. */
+inline long long ext_request_count(const sim_instance &sim)
+{
+    return atoll(sim.ctl_ok("counter get ext.requests").c_str());
+}
+
+/* One run of the library driver: its output and the fields of its final
+ * "PROBE ..." line. */
+struct probe_run {
+    run_result run;
+    int result = 9999;
+    size_t len = 0;
+    std::string fnv;
+    std::string head;
+};
+
+inline probe_run run_probe(const sim_instance &sim, const std::vector<std::string> &args,
+                           int timeout_ms = k_run_process_default_timeout_ms)
+{
+    std::vector<std::string> argv = {EXT_PROBE_BINARY};
+    argv.insert(argv.end(), args.begin(), args.end());
+    probe_run p;
+    p.run = run_process(argv, sim.env(), "", timeout_ms);
+    size_t at = p.run.out.rfind("PROBE result=");
+    if (at == std::string::npos) return p;
+    std::istringstream in(p.run.out.substr(at + 6));
+    std::string field;
+    while (in >> field) {
+        size_t eq = field.find('=');
+        std::string key = field.substr(0, eq), value = field.substr(eq + 1);
+        if (key == "result") p.result = atoi(value.c_str());
+        if (key == "len") p.len = size_t(atoll(value.c_str()));
+        if (key == "fnv") p.fnv = value;
+        if (key == "head") p.head = value;
+    }
+    return p;
+}
+
+inline bool has_text(const std::string &out, const std::string &text)
+{
+    return out.find(text) != std::string::npos;
+}
+
+/* True when one of the run's system-log lines ends with `text` (the
+ * message after the "SUB[...] <function>: " prefix). */
+inline bool has_syslog(const rlk_run &run, const std::string &text)
+{
+    for (const log_line &l : run.syslog) {
+        if (l.text.size() >= text.size() && l.text.compare(l.text.size() - text.size(), text.size(), text) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/* The group's error note for `code`. */
+inline std::string error_note(int code)
+{
+    return "\nnote: Error happen! error_code(" + std::to_string(code) + ")\n";
+}
+
+#endif
