@@ -95,9 +95,14 @@ constexpr b887_layout B887_LAYOUTS[] = {
 /* The record 0xB887 made last, kept until the next one. */
 modem_stats_single_data_common_type *g_b887_kept = nullptr;
 
+/* Keeps `made` and frees the record it replaces (which was never handed
+ * over). */
 void b887_keep(modem_stats_single_data_common_type *made)
 {
-    if (g_b887_kept) modem_stats_data_check_and_update_for_diag(MODEM_STATS_SUB_ID_0, g_b887_kept->data_id, g_b887_kept);
+    if (g_b887_kept) {
+        free(g_b887_kept->data);
+        free(g_b887_kept);
+    }
     g_b887_kept = made;
 }
 
