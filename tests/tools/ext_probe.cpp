@@ -58,7 +58,7 @@ int main(int argc, char **argv)
         std::vector<uint8_t> rsp(TOLVEK_EXTEND_DATA_MAX + 8, 0xEE);
         uint32_t rsp_len = arg_u32(argv[4]);
         int result = tolvek_extend_qmi_send_sync(arg_u32(argv[2]), req.data(), atoi(argv[3]), rsp.data(), &rsp_len);
-        report(result, rsp.data(), rsp_len <= rsp.size() ? rsp_len : 0);
+        report(result, rsp.data(), result == 0 && rsp_len <= rsp.size() ? rsp_len : 0);
         return 0;
     }
     if (cmd == "efs_write" && argc == 6) {
