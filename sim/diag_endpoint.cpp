@@ -1,6 +1,7 @@
 /* Packet handling of the simulator's diag channel; the control requests are
  * in diag_control.cpp. */
 #include "diag_endpoint.h"
+#include "services/ext_stats_debug.h"
 
 #include "diag_channel.h"
 #include "diag_lsm_dci.h"
@@ -158,6 +159,11 @@ size_t diag_endpoint_impl::send_stream_record(uint32_t tag, const std::vector<ui
             diag_packet_build(DCI_DATA_TYPE, proc, tag, record.data(), record.size(), &pkt);
             if (kv.second.c->send(pkt.data(), pkt.size())) sent++;
         }
+    }
+    /* The modem's statistics framework listens to the same stream: its
+     * listener counters follow what was delivered. */
+    if (sent) {
+        d_.counters()[tag == DIAG_STREAM_LOG_TAG ? k_stats_counter_log_records : k_stats_counter_event_records]++;
     }
     return sent;
 }

@@ -1,4 +1,5 @@
 #include "ext_common.h"
+#include "ext_stats_debug.h"
 
 #include <string.h>
 
@@ -77,9 +78,18 @@ const common_cmd_entry k_common_cmds[] = {
 
 }  // namespace
 
+/* Commands whose answer is not a typed record: their handler writes the
+ * whole payload. */
+const ext_request_entry k_common_raw_cmds[] = {
+    {TOLVEK_COMMON_CMD_STATS_DEBUG, ext_stats_debug_info},
+};
+
 void ext_handle_common_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp)
 {
     uint32_t cmd_code = ext_payload_as<uint32_t>(req);
+    for (const ext_request_entry &e : k_common_raw_cmds) {
+        if (e.request_code == cmd_code) return e.fn(call, req, resp);
+    }
     tolvek_common_rsp rsp;
     memset(&rsp, 0, sizeof(rsp));
     rsp.word = cmd_code;

@@ -1,7 +1,8 @@
 /* Common requests of the extension service (request code 4).  The payload
  * starts with a command code: 0 GPIO test set, 1 RF transmit test set
  * (both record their values in the test's EFS state file), 2 typed request
- * (type, length, value; answered by the table below).  The response is a
+ * (type, length, value; answered by the table below), 20 the statistics
+ * framework's debug counters (ext_stats_debug.h).  The response is a
  * tolvek_common_rsp: the command code echoed, the result (0 success, else a
  * negative errno value), then type, length and value of a typed answer. */
 #ifndef MODEMD_EXT_COMMON_H
