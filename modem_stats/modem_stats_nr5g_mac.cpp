@@ -19,8 +19,8 @@ constexpr int32_t NR_MAC_HEADER_RESERVED = 3;
 constexpr uint32_t NR_MAC_RECORDS_AT = 8;
 constexpr uint32_t TX_POWER_BITS = 8;
 
-/* Reads the version (refusing the others) and the number of records;
- * `index` is the version's place in `versions`. */
+/* Reads the version (refusing the others) and the number of records
+ * (refusing none); `index` is the version's place in `versions`. */
 template <size_t N>
 bool nr_mac_header(const uint32_t (&versions)[N], const char *parser, uint32_t *version, size_t *index,
                    uint8_t *num_records)
@@ -30,6 +30,11 @@ bool nr_mac_header(const uint32_t (&versions)[N], const char *parser, uint32_t *
     *index = modem_stats_log_version_index(*version, versions, N);
     if (!modem_stats_data_unpk("num_records", num_records)) return false;
     modem_stats_data_skip(NR_MAC_HEADER_RESERVED);
+    if (*num_records == 0) {
+        /* Nothing to record. */
+        modem_stats_data_not_valid(0, parser);
+        return false;
+    }
     return true;
 }
 
@@ -285,6 +290,10 @@ void modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(modem_stats_data_id_e_
     modem_stats_data_skip(static_cast<int32_t>(layout.num_records_at - sizeof(version)));
     uint8_t num_records = 0;
     if (!modem_stats_data_unpk("num_records", &num_records)) return;
+    if (num_records == 0) {
+        modem_stats_data_not_valid(0, __func__);
+        return;
+    }
     uint32_t num_pdcp_decode = 0, num_crc_fail = 0;
     uint64_t tb_bytes = 0;
     for (uint32_t r = 0; r < num_records; r++) {

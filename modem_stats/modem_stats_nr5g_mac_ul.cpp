@@ -127,6 +127,10 @@ void modem_stats_parse_b883_diag_log_nr5g_mac_ul_physical_channel_schedule_repor
     uint32_t pusch_bytes = B883_PUSCH_BYTES[modem_stats_log_version_index(version, B883_VERSIONS, 2)];
     uint8_t num_records = 0;
     if (!read_at(B883_NUM_RECORDS_AT, "num_records", &num_records)) return;
+    if (num_records == 0) {
+        modem_stats_data_not_valid(0, __func__);
+        return;
+    }
     uint32_t num_carrier = 0, phychan_bit_mask = MODEM_STATS_ABSENT_U8, tx_mode = MODEM_STATS_ABSENT_U8;
     uint32_t at = B883_RECORDS_AT;
     for (uint32_t r = 0; r < num_records; r++) {

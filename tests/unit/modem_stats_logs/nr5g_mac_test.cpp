@@ -248,6 +248,17 @@ TEST(Nr5gMacTest, UlPhysicalChannelScheduleReport)
     log_test::expect_refused(0xB883, packet().u32(0, 0x20008).size(16).bytes(), 0x20008, log_test::parser_name(0xB883));
 }
 
+TEST(Nr5gMacTest, NoRecordsCarryNothing)
+{
+    struct { uint16_t code; uint32_t version; } cases[] = {
+        {0xB885, 0x20007}, {0xB887, 0x20004}, {0xB888, 0x20002}, {0xB8A7, 0x20002}, {0xB884, 0x10003}, {0xB883, 0x2000B}};
+    for (const auto &c : cases) {
+        log_test::run_result r = log_test::run_log(c.code, packet().u32(0, c.version).size(32).bytes());
+        EXPECT_EQ(r.out, fmt("DATA_IS_NOT_VALID(0), name(%s), id(0x%x)\n", log_test::parser_name(c.code).c_str(), c.code));
+        EXPECT_TRUE(r.records.empty());
+    }
+}
+
 /* ---- 0xB872 ---------------------------------------------------------------- */
 
 /* TTI 0: a block with a short BSR, a long BSR (two indexes), a one-octet
