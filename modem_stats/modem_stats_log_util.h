@@ -1,7 +1,7 @@
 /* Small helpers shared by the diag log parsers: the version check against a
  * list of accepted versions, sign extension of bit fields, bit-field row
- * reading by record, and the two-decimal measurement lines formatted into
- * the record text buffer before printing. */
+ * reading by record, positioning and packing.  Lines are printed with
+ * modem_stats_log_format.h. */
 #ifndef MODEM_STATS_LOG_UTIL_H
 #define MODEM_STATS_LOG_UTIL_H
 
@@ -10,7 +10,6 @@
 #include <stdio.h>
 
 #include "modem_stats_unpack.h"
-#include "orvex_log.h"
 
 /* Markers of an absent value: 8-bit fields and wider fields. */
 constexpr uint32_t MODEM_STATS_ABSENT_U8 = 255;
@@ -75,15 +74,6 @@ bool modem_stats_log_seek(uint32_t byte);
  * a length field larger than the rest of the payload leaves nothing to read,
  * so the next field reports that there is not enough. */
 void modem_stats_log_skip_bounded(uint32_t n);
-
-/* Formats a measurement line into the 102-byte record text buffer with
- * orvex_log_buf and prints it followed by a newline. */
-#define MODEM_STATS_LOG_PRINT_BUF(...)                        \
-    do {                                                      \
-        char modem_stats_log_text_[ORVEX_LOG_BUF_LEN];        \
-        orvex_log_buf(modem_stats_log_text_, __VA_ARGS__);    \
-        printf("%s\n", modem_stats_log_text_);                \
-    } while (0)
 
 /* Packs values in order; stops at the first refusal.  Each entry is
  * {name, value, width}. */

@@ -10,6 +10,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -113,7 +114,7 @@ void add_bs_level(uint32_t tb, uint32_t lcg, uint32_t level, b064_stats *st)
 {
     st->phr_or_bsr = true;
     if (level >= BS_LEVEL_COUNT) {
-        printf("error, bsr_lcg3[%d][%d] = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n", static_cast<int>(tb),
+        modem_stats_log_printf("error, bsr_lcg3[%d][%d] = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n", static_cast<int>(tb),
                static_cast<int>(lcg), static_cast<int>(level), static_cast<int>(st->bsr_num),
                static_cast<int>(st->bsr_sum));
         return;
@@ -129,7 +130,7 @@ bool walk_subheaders(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt,
     uint8_t e_bit = 1;
     while (e_bit) {
         if (*hdr_bits_cnt + OCTET_BITS > hdr_bits_sum || *count >= MAX_SUBHEADERS) {
-            printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
+            modem_stats_log_printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
                    static_cast<int>(*hdr_bits_cnt + OCTET_BITS), static_cast<int>(hdr_bits_sum));
             return false;
         }
@@ -140,7 +141,7 @@ bool walk_subheaders(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt,
         modem_stats_bit_advance(OCTET_BITS);
         *hdr_bits_cnt += OCTET_BITS;
         if (!is_supported(lc_id)) {
-            printf("not support lcid_data_array[%d] = %d\n", static_cast<int>(*count), lc_id);
+            modem_stats_log_printf("not support lcid_data_array[%d] = %d\n", static_cast<int>(*count), lc_id);
             return false;
         }
         b064_subheader sh = {lc_id, 0};
@@ -150,7 +151,7 @@ bool walk_subheaders(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt,
             if (!modem_stats_unpk_at("f_bit", 7, 1, &f_bit)) return false;
             uint32_t len_bits = f_bit ? 2 * OCTET_BITS : OCTET_BITS;
             if (*hdr_bits_cnt + len_bits > hdr_bits_sum) {
-                printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
+                modem_stats_log_printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
                        static_cast<int>(*hdr_bits_cnt + len_bits), static_cast<int>(hdr_bits_sum));
                 return false;
             }
@@ -174,7 +175,7 @@ bool walk_elements(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt, c
         uint32_t bits = element_bits(subheaders[j], hdr_bits_sum - *hdr_bits_cnt);
         if (!bits) continue;
         if (*hdr_bits_cnt + bits > hdr_bits_sum) {
-            printf("count_tb_payloads[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
+            modem_stats_log_printf("count_tb_payloads[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
                    static_cast<int>(*hdr_bits_cnt + bits), static_cast<int>(hdr_bits_sum));
             return false;
         }
@@ -227,13 +228,13 @@ bool walk_header(uint32_t tb, uint8_t hdr_len, b064_stats *st)
     uint32_t hdr_bits_cnt = 0;
     st->phr_or_bsr = false;
     if (!walk_subheaders(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, &count)) return false;
-    printf("------ count_tb[%d], subheaders = %d, hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
+    modem_stats_log_printf("------ count_tb[%d], subheaders = %d, hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
            static_cast<int>(count), static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
     if (!walk_elements(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, count, st)) return false;
-    printf("------ count_tb_payloads[%d], hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
+    modem_stats_log_printf("------ count_tb_payloads[%d], hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
            static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
     if (st->phr_or_bsr) {
-        printf("------ PHR_IND and BSR_LCG[%d], phr_ind = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
+        modem_stats_log_printf("------ PHR_IND and BSR_LCG[%d], phr_ind = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
                static_cast<int>(tb), static_cast<int>(st->phr_ind), static_cast<int>(st->bsr_num),
                static_cast<int>(st->bsr_sum));
     }
@@ -266,7 +267,7 @@ bool read_sample(uint8_t version_sub, uint32_t subpacket, uint32_t sample, uint3
     uint32_t used = num_grant_bytes > num_padding_bytes ? num_grant_bytes - num_padding_bytes : 0;
     float sfn_grant = num_grant_bytes ? modem_stats_round_2_decimals(100.0f * used / num_grant_bytes) : 0.0f;
     float sfn_full = modem_stats_round_2_decimals(100.0f * st->full_grants / st->grants);
-    MODEM_STATS_LOG_PRINT_BUF("LTE FSSR: [%d][%d], pad = %d, grant = %d, sfn_grant = %.2f, sfn_full = %.2f",
+    modem_stats_log_print_buf("LTE FSSR: [%d][%d], pad = %d, grant = %d, sfn_grant = %.2f, sfn_full = %.2f",
                               static_cast<int>(subpacket), static_cast<int>(sample), num_padding_bytes,
                               num_grant_bytes, sfn_grant, sfn_full);
     return true;
@@ -313,7 +314,7 @@ void modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block(modem_stats_data
     }
     uint32_t bsr_lcg3_avg = st.bsr_num ? st.bsr_sum / st.bsr_num : 0;
     uint32_t bsr_lcg3_bytes = BS_LEVEL_BYTES[bsr_lcg3_avg < BS_LEVEL_COUNT ? bsr_lcg3_avg : BS_LEVEL_COUNT - 1];
-    printf("version = %d, phr_ind = %d, bsr_lcg3_avg = %d, bsr_lcg3_num = %d, bsr_lcg3_bytes = %d\n", version_sub,
+    modem_stats_log_printf("version = %d, phr_ind = %d, bsr_lcg3_avg = %d, bsr_lcg3_num = %d, bsr_lcg3_bytes = %d\n", version_sub,
            static_cast<int>(st.phr_ind), static_cast<int>(bsr_lcg3_avg), static_cast<int>(st.bsr_num),
            static_cast<int>(bsr_lcg3_bytes));
 

@@ -8,6 +8,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -208,7 +209,7 @@ void b193_decode_cell(uint8_t version, const b193_layout &layout, uint32_t earfc
         cell->snr[i] = valid ? modem_stats_i2f_snr(static_cast<int32_t>(raw[B193_SNR_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
     }
 
-    printf("version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n",
+    modem_stats_log_printf("version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n",
            version, static_cast<int>(earfcn), rx_valid, cell->pci, cell->is_srv_cell, cell->srv_cell_idx, num_cells);
     if (!cell->is_srv_cell) return;
 
@@ -219,15 +220,15 @@ void b193_decode_cell(uint8_t version, const b193_layout &layout, uint32_t earfc
     float avg_rsrq = b193_mean(cell->rsrq, cell->rx_valid, measured_rsrq);
 
     puts("Serving Cell Measurement Result");
-    MODEM_STATS_LOG_PRINT_BUF("rsrp_rx0 = %.2f, rsrp_rx1 = %.2f, rsrp_rx2 = %.2f, rsrp_rx3 = %.2f", cell->rsrp[0],
+    modem_stats_log_print_buf("rsrp_rx0 = %.2f, rsrp_rx1 = %.2f, rsrp_rx2 = %.2f, rsrp_rx3 = %.2f", cell->rsrp[0],
                               cell->rsrp[1], cell->rsrp[2], cell->rsrp[3]);
-    MODEM_STATS_LOG_PRINT_BUF("rsrq_rx0 = %.2f, rsrq_rx1 = %.2f, rsrq_rx2 = %.2f, rsrq_rx3 = %.2f", cell->rsrq[0],
+    modem_stats_log_print_buf("rsrq_rx0 = %.2f, rsrq_rx1 = %.2f, rsrq_rx2 = %.2f, rsrq_rx3 = %.2f", cell->rsrq[0],
                               cell->rsrq[1], cell->rsrq[2], cell->rsrq[3]);
-    MODEM_STATS_LOG_PRINT_BUF("rssi_rx0 = %.2f, rssi_rx1 = %.2f, rssi_rx2 = %.2f, rssi_rx3 = %.2f", cell->rssi[0],
+    modem_stats_log_print_buf("rssi_rx0 = %.2f, rssi_rx1 = %.2f, rssi_rx2 = %.2f, rssi_rx3 = %.2f", cell->rssi[0],
                               cell->rssi[1], cell->rssi[2], cell->rssi[3]);
-    MODEM_STATS_LOG_PRINT_BUF("snr_rx0 = %.2f, snr_rx1 = %.2f, snr_rx2 = %.2f, snr_rx3 = %.2f", cell->snr[0],
+    modem_stats_log_print_buf("snr_rx0 = %.2f, snr_rx1 = %.2f, snr_rx2 = %.2f, snr_rx3 = %.2f", cell->snr[0],
                               cell->snr[1], cell->snr[2], cell->snr[3]);
-    MODEM_STATS_LOG_PRINT_BUF("avg_rsrp = %.2f, avg_rsrq = %.2f, max_rssi = %.2f", avg_rsrp, avg_rsrq, max_rssi);
+    modem_stats_log_print_buf("avg_rsrp = %.2f, avg_rsrq = %.2f, max_rssi = %.2f", avg_rsrp, avg_rsrq, max_rssi);
 }
 
 /* Packs record 82 or 108 for `cell`. */
@@ -275,7 +276,7 @@ void modem_stats_parse_b193_diag_log_lte_srv_meas(modem_stats_data_id_e_type *da
         if (!modem_stats_data_unpk("subpacket_id", &subpacket_id)) return;
         if (!modem_stats_data_unpk("version_ssmr", &version_ssmr)) return;
         if (!modem_stats_data_unpk("subpacket_size", &subpacket_size)) return;
-        printf("subpacket_id = %d, version_ssmr = %d\n", subpacket_id, version_ssmr);
+        modem_stats_log_printf("subpacket_id = %d, version_ssmr = %d\n", subpacket_id, version_ssmr);
         uint32_t payload_at = subpacket_at + B193_SUBPACKET_HEADER_LEN;
         /* A size below its own header still moves on by the header. */
         uint32_t next_at = subpacket_at + (subpacket_size > B193_SUBPACKET_HEADER_LEN ? subpacket_size

@@ -7,6 +7,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -205,7 +206,7 @@ void power_control(uint8_t accepted, const modem_stats_bit_field_row (&rows)[2],
         modem_stats_bit_advance(POWER_CONTROL_RECORD_BITS);
     }
     int32_t tx_power = modem_stats_log_sign_extend(values[0], POWER_CONTROL_TX_POWER_BITS);
-    printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", version, num_records, power_name, tx_power,
+    modem_stats_log_printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", version, num_records, power_name, tx_power,
            static_cast<int>(values[1]));
 
     modem_stats_data_pk_begin();
@@ -252,7 +253,7 @@ void modem_stats_parse_b16d_diag_log_lte_tx_power(modem_stats_data_id_e_type *da
     b16d_values v = {MODEM_STATS_ABSENT_U8, MODEM_STATS_ABSENT_U8, MODEM_STATS_ABSENT_U16, MODEM_STATS_ABSENT_U16,
                      MODEM_STATS_ABSENT_U8};
     if (!b16d_read_records(version == B16D_VERSION_49 ? B16D_V49 : B16D_V48, num, &v)) return;
-    printf("version = %d, num = %d, pucch_tx_power %d, pusch_num_res_blocks = %d, pusch_modulation_type = %d, "
+    modem_stats_log_printf("version = %d, num = %d, pucch_tx_power %d, pusch_num_res_blocks = %d, pusch_modulation_type = %d, "
            "pusch_tx_power = %d, pusch_mcs = %d\n",
            version, num, static_cast<int>(v.pucch_tx_power), static_cast<int>(v.pusch_num_res_blocks),
            static_cast<int>(v.pusch_modulation_type), static_cast<int>(v.pusch_tx_power),
@@ -282,7 +283,7 @@ void modem_stats_parse_b14e_diag_log_lte_pusch_csf(modem_stats_data_id_e_type *d
     if (!modem_stats_base_with_bit()) return;
     uint64_t v[3];
     if (!modem_stats_log_read_rows(B14E_ROWS, v)) return;
-    printf("version = %d, rank_idx = %d, wideband_cqi_cw0 = %d\n", version, static_cast<int>(v[0]),
+    modem_stats_log_printf("version = %d, rank_idx = %d, wideband_cqi_cw0 = %d\n", version, static_cast<int>(v[0]),
            static_cast<int>(v[1]));
 
     modem_stats_data_pk_begin();
@@ -311,11 +312,11 @@ void modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication(modem_stats_data_
     for (uint32_t r = 0; r < num_records; r++) {
         if (!b173_read_record(layout, &v, __func__)) return;
     }
-    printf("version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, pdsch_mod_type = %d, pdsch_rnti_type = %d, "
+    modem_stats_log_printf("version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, pdsch_mod_type = %d, pdsch_rnti_type = %d, "
            "num_layers = %d\n",
            version, num_records, static_cast<int>(v.pdsch_mcs), static_cast<int>(v.pdsch_rb),
            static_cast<int>(v.pdsch_mod_type), static_cast<int>(v.pdsch_rnti_type), static_cast<int>(v.num_layers));
-    printf("tb_bytes = %d, num_layers_crnti %d, tb_bytes_crnti %lu, crc_result %d\n", static_cast<int>(v.tb_bytes),
+    modem_stats_log_printf("tb_bytes = %d, num_layers_crnti %d, tb_bytes_crnti %lu, crc_result %d\n", static_cast<int>(v.tb_bytes),
            static_cast<int>(v.num_layers_crnti), static_cast<unsigned long>(v.tb_bytes_crnti),
            static_cast<int>(v.crc_result));
 
@@ -377,10 +378,10 @@ void modem_stats_parse_b111_diag_log_lte_ll1_rx_agc(modem_stats_data_id_e_type *
     }
     float rssi[4];
     for (uint32_t i = 0; i < 4; i++) rssi[i] = modem_stats_lte_rssi(static_cast<int32_t>(v[1 + i]));
-    printf("version = %d, num_records = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n", version,
+    modem_stats_log_printf("version = %d, num_records = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n", version,
            num_records, static_cast<int>(v[1]), static_cast<int>(v[2]), static_cast<int>(v[3]),
            static_cast<int>(v[4]));
-    MODEM_STATS_LOG_PRINT_BUF("rssi0 = %.2f, rssi1 = %.2f, rssi2 = %.2f, rssi3 = %.2f", rssi[0], rssi[1], rssi[2],
+    modem_stats_log_print_buf("rssi0 = %.2f, rssi1 = %.2f, rssi2 = %.2f, rssi3 = %.2f", rssi[0], rssi[1], rssi[2],
                               rssi[3]);
 
     modem_stats_data_pk_begin();

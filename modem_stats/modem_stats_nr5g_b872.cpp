@@ -10,6 +10,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -69,7 +70,7 @@ typedef struct {
 bool take(b872_walk *w, const char *name, uint32_t width, uint32_t *value, bool *overrun)
 {
     if (w->bit_num_tb + width > w->mce_bits) {
-        printf("------ TB-Overrun[%d][%d][%d], bit_num_tb = %d, mce_bits = %d\n", static_cast<int>(w->tti),
+        modem_stats_log_printf("------ TB-Overrun[%d][%d][%d], bit_num_tb = %d, mce_bits = %d\n", static_cast<int>(w->tti),
                static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(w->bit_num_tb + width),
                static_cast<int>(w->mce_bits));
         *overrun = true;
@@ -88,7 +89,7 @@ bool mc_phr(b872_walk *w, const char *label, uint32_t ci_bits, const b872_stats 
 {
     uint32_t cxr = 0;
     if (!take(w, "cxr", ci_bits, &cxr, overrun)) return false;
-    printf("------ %s[%d][%d][%d], cxr = %d, bit_num_tb = %d\n", label, static_cast<int>(w->tti),
+    modem_stats_log_printf("------ %s[%d][%d][%d], cxr = %d, bit_num_tb = %d\n", label, static_cast<int>(w->tti),
            static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(cxr), static_cast<int>(w->bit_num_tb));
     uint32_t scells = static_cast<uint32_t>(__builtin_popcount(cxr & ~1u));
     const char *kinds[3 + 32];
@@ -105,7 +106,7 @@ bool mc_phr(b872_walk *w, const char *label, uint32_t ci_bits, const b872_stats 
             uint32_t pcmax = 0;
             if (!take(w, "pcmax", OCTET, &pcmax, overrun)) return false;
         }
-        printf("------ %s-%s[%d][%d][%d], v_val = %d, bit_num_tb = %d\n", label, kinds[e], static_cast<int>(w->tti),
+        modem_stats_log_printf("------ %s-%s[%d][%d][%d], v_val = %d, bit_num_tb = %d\n", label, kinds[e], static_cast<int>(w->tti),
                static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(v_val),
                static_cast<int>(w->bit_num_tb));
     }
@@ -125,7 +126,7 @@ bool long_bsr(b872_walk *w, const char *label, b872_stats *st, bool *overrun)
         st->bsr_idx_num++;
         st->bsr_idx_sum += value;
     }
-    printf("------ %s[%d][%d][%d], bsr_length = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
+    modem_stats_log_printf("------ %s[%d][%d][%d], bsr_length = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
            static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_length),
            static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
     return true;
@@ -138,7 +139,7 @@ bool short_bsr(b872_walk *w, const char *label, b872_stats *st, bool *overrun)
     if (!take(w, "lcg_id", OCTET - SHORT_BSR_IDX_BITS, &lcg, overrun)) return false;
     st->bsr_idx_num++;
     st->bsr_idx_sum += bsr_idx_tmp;
-    printf("------ %s[%d][%d][%d], bsr_idx_tmp = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
+    modem_stats_log_printf("------ %s[%d][%d][%d], bsr_idx_tmp = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
            static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_idx_tmp),
            static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
     return true;
@@ -151,7 +152,7 @@ bool skipped(b872_walk *w, const char *label, uint32_t bits, bool *overrun)
     for (uint32_t i = 0; i < bits / OCTET; i++) {
         if (!take(w, label, OCTET, &body, overrun)) return false;
     }
-    printf("------ %s[%d][%d][%d], bit_num_tb = %d\n", label, static_cast<int>(w->tti), static_cast<int>(w->tb),
+    modem_stats_log_printf("------ %s[%d][%d][%d], bit_num_tb = %d\n", label, static_cast<int>(w->tti), static_cast<int>(w->tb),
            static_cast<int>(w->mce), static_cast<int>(w->bit_num_tb));
     return true;
 }
@@ -182,7 +183,7 @@ bool walk_elements(b872_walk *w, uint32_t mce_len, uint32_t *bit_sum_tb, b872_st
         case LCID_RECOMMENDED_BIT_RATE: ok = skipped(w, "RecommendedBitRate", 2 * OCTET, &overrun); break;
         default:
             /* The size of an unknown element is unknown: the block ends here. */
-            printf("------ Unknown[%d][%d][%d], mce_type = %d, bit_num_tb = %d\n", static_cast<int>(w->tti),
+            modem_stats_log_printf("------ Unknown[%d][%d][%d], mce_type = %d, bit_num_tb = %d\n", static_cast<int>(w->tti),
                    static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(mce_type),
                    static_cast<int>(w->bit_num_tb));
             unknown = true;
@@ -193,7 +194,7 @@ bool walk_elements(b872_walk *w, uint32_t mce_len, uint32_t *bit_sum_tb, b872_st
         w->mce++;
     }
     *bit_sum_tb += w->bit_num_tb;
-    printf("------ TB-End[%d][%d][%d], mce_len = %d, mce_type = %d, bit_num_tb = %d, bit_sum_tb = %d\n",
+    modem_stats_log_printf("------ TB-End[%d][%d][%d], mce_len = %d, mce_type = %d, bit_num_tb = %d, bit_sum_tb = %d\n",
            static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(mce_len),
            static_cast<int>(mce_type), static_cast<int>(w->bit_num_tb), static_cast<int>(*bit_sum_tb));
     return true;
@@ -239,7 +240,7 @@ void modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(modem_stats_data_id_e_type *d
             if (bytes_built >= grant_size) st.full_tbs++;
             float sfn_grant = grant_size ? modem_stats_round_2_decimals(100.0f * bytes_built / grant_size) : 0.0f;
             float sfn_full = modem_stats_round_2_decimals(100.0f * st.full_tbs / st.tbs);
-            MODEM_STATS_LOG_PRINT_BUF("NR5G FSSR: [%d][%d], grant = %d, build = %d, sfn_grant = %.2f, sfn_full = %.2f",
+            modem_stats_log_print_buf("NR5G FSSR: [%d][%d], grant = %d, build = %d, sfn_grant = %.2f, sfn_full = %.2f",
                                       static_cast<int>(t), static_cast<int>(b), static_cast<int>(grant_size),
                                       static_cast<int>(bytes_built), sfn_grant, sfn_full);
         }
@@ -249,7 +250,7 @@ void modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(modem_stats_data_id_e_type *d
         return;
     }
     uint32_t bsr_idx = st.bsr_idx_num ? st.bsr_idx_sum / st.bsr_idx_num : 0;
-    printf("version = %d, bsr_idx = %d, bsr_idx_num = %d, bsr_idx_sum = %d\n", static_cast<int>(version),
+    modem_stats_log_printf("version = %d, bsr_idx = %d, bsr_idx_num = %d, bsr_idx_sum = %d\n", static_cast<int>(version),
            static_cast<int>(bsr_idx), static_cast<int>(st.bsr_idx_num), static_cast<int>(st.bsr_idx_sum));
 
     modem_stats_data_pk_begin();

@@ -9,6 +9,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -221,7 +222,7 @@ void modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(modem_stats_data_id_e_typ
             at += layout.dci_bytes + (v[B885_RAW_INCLUDED] ? B885_RAW_DCI_BYTES : 0);
         }
     }
-    printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n", static_cast<int>(version),
+    modem_stats_log_printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n", static_cast<int>(version),
            num_records, static_cast<int>(mcs_dl), static_cast<int>(mcs_ul), static_cast<int>(rb_assi_num));
 
     modem_stats_data_pk_begin();
@@ -259,11 +260,11 @@ void modem_stats_parse_b887_diag_log_nr5g_mac_pdsch_status(modem_stats_sub_id_e_
         return;
     }
     uint32_t mimo22_flag = v[B887_NUM_LAYERS] == MIMO_2X2 && v[B887_NUM_MIMO] == MIMO_2X2;
-    printf("version = %d, num_records = %d, num_pdsch_status = %d, mod_type = %d, mcs = %d, pdsch_rnti_type = %d, "
+    modem_stats_log_printf("version = %d, num_records = %d, num_pdsch_status = %d, mod_type = %d, mcs = %d, pdsch_rnti_type = %d, "
            "num_layers = %d\n",
            static_cast<int>(version), num_records, static_cast<int>(total), static_cast<int>(v[B887_MOD_TYPE]),
            static_cast<int>(v[B887_MCS]), static_cast<int>(v[B887_RNTI_TYPE]), static_cast<int>(v[B887_NUM_LAYERS]));
-    printf("sub_id = %d, num_layers = %d, num_mimo = %d, mimo22_flag = %d\n", sub,
+    modem_stats_log_printf("sub_id = %d, num_layers = %d, num_mimo = %d, mimo22_flag = %d\n", sub,
            static_cast<int>(v[B887_NUM_LAYERS]), static_cast<int>(v[B887_NUM_MIMO]), static_cast<int>(mimo22_flag));
 
     modem_stats_data_pk_begin();
@@ -309,7 +310,7 @@ void modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(modem_stats_data_id_e_
         num_crc_fail += crc_fail;
         tb_bytes += bytes;
     }
-    printf("version = %d, num_records = %d, num_pdcp_decode = %d, num_crc_fail = %d, tb_bytes = %lu\n",
+    modem_stats_log_printf("version = %d, num_records = %d, num_pdcp_decode = %d, num_crc_fail = %d, tb_bytes = %lu\n",
            static_cast<int>(version), num_records, static_cast<int>(num_pdcp_decode), static_cast<int>(num_crc_fail),
            static_cast<unsigned long>(tb_bytes));
 
@@ -341,7 +342,7 @@ void modem_stats_parse_b8a7_diag_log_nr5g_mac_csf_report(modem_stats_data_id_e_t
             if (!modem_stats_log_read_rows(B8A7_ROWS, v)) return;
         }
     }
-    printf("version = %d, num_records = %d, metrics_ri = %d, metrics_cqi = %d, bitwidth_ri = %d, bitwidth_cqi = %d\n",
+    modem_stats_log_printf("version = %d, num_records = %d, metrics_ri = %d, metrics_cqi = %d, bitwidth_ri = %d, bitwidth_cqi = %d\n",
            static_cast<int>(version), num_records, static_cast<int>(v[0]), static_cast<int>(v[1]),
            static_cast<int>(v[2]), static_cast<int>(v[3]));
 
@@ -372,7 +373,7 @@ void modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl(modem_stats_d
             if (!b884_read_carrier(layout, &at, power)) return;
         }
     }
-    printf("version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, tx_power_pucch = %d, "
+    modem_stats_log_printf("version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, tx_power_pucch = %d, "
            "tx_power_srs = %d, tx_power_prach = %d\n",
            static_cast<int>(version), num_records, static_cast<int>(num_carriers), power[B884_PUSCH],
            power[B884_PUCCH], power[B884_SRS], power[B884_PRACH]);

@@ -2,6 +2,7 @@
  * schedule report (0xB883).  Layouts: docs/diag-log-layouts.md. */
 #include <stdio.h>
 
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -106,7 +107,7 @@ void modem_stats_parse_b88a_diag_log_nr5g_mac_rach_attempt(modem_stats_sub_id_e_
         if (!read_at(msg2_at + B88A_MSG2_TA_AT, "ta", &ta)) return;
     }
     if (!read_at(layout.rach_result_at, "rach_result", &rach_result)) return;
-    printf("sub_id = %d, version = %d, rach_msg_bitmask = %d, t_rnti = %d, ta = %d, rach_result = %d\n", sub,
+    modem_stats_log_printf("sub_id = %d, version = %d, rach_msg_bitmask = %d, t_rnti = %d, ta = %d, rach_result = %d\n", sub,
            static_cast<int>(version), rach_msg_bitmask, t_rnti, ta, rach_result);
 
     modem_stats_data_pk_begin();
@@ -142,7 +143,7 @@ void modem_stats_parse_b883_diag_log_nr5g_mac_ul_physical_channel_schedule_repor
             if (!b883_read_carrier(pusch_bytes, &at, &phychan_bit_mask, &tx_mode, __func__)) return;
         }
     }
-    printf("version = %d, num_records = %d, num_carrier = %d, phychan_bit_mask = %d, tx_mode = %d\n",
+    modem_stats_log_printf("version = %d, num_records = %d, num_carrier = %d, phychan_bit_mask = %d, tx_mode = %d\n",
            static_cast<int>(version), num_records, static_cast<int>(num_carrier), static_cast<int>(phychan_bit_mask),
            static_cast<int>(tx_mode));
 

@@ -4,6 +4,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -86,7 +87,7 @@ bool b97f_read_cells(const b97f_layout &layout, uint32_t l, uint32_t num_cells, 
         if (!modem_stats_log_read_rows(B97F_CELL_ROWS, cell)) return false;
         if (!b97f_within(static_cast<uint32_t>(cell[1]), B97F_MAX_BEAMS, "b97f num_beams")) return false;
         int32_t rsrq_i = static_cast<int32_t>(cell[2]);
-        printf("cell[%d][%d]: pci_1 = %d, num_beams = %d, rsrq_i = %d\n", static_cast<int>(l), static_cast<int>(c),
+        modem_stats_log_printf("cell[%d][%d]: pci_1 = %d, num_beams = %d, rsrq_i = %d\n", static_cast<int>(l), static_cast<int>(c),
                static_cast<int>(cell[0]), static_cast<int>(cell[1]), rsrq_i);
         bool serving = !serving_seen && cell[0] == srv_pci;
         if (serving) {
@@ -98,7 +99,7 @@ bool b97f_read_cells(const b97f_layout &layout, uint32_t l, uint32_t num_cells, 
             if (!modem_stats_log_seek(*at)) return false;
             uint64_t beam[2];
             if (!modem_stats_log_read_rows(B97F_BEAM_ROWS, beam)) return false;
-            printf("beam[%d][%d][%d]: rsrp_i0 = %d, rsrp_i1 = %d\n", static_cast<int>(l), static_cast<int>(c),
+            modem_stats_log_printf("beam[%d][%d][%d]: rsrp_i0 = %d, rsrp_i1 = %d\n", static_cast<int>(l), static_cast<int>(c),
                    static_cast<int>(b), static_cast<int32_t>(beam[0]), static_cast<int32_t>(beam[1]));
             if (serving && b == 0) {
                 carrier->rsrp_i[0] = static_cast<int32_t>(beam[0]);
@@ -142,7 +143,7 @@ void modem_stats_parse_b975_diag_log_nr5g_mac_ml1_srv_beam(modem_stats_data_id_e
     int32_t rsrq_i = static_cast<int32_t>(rsrq_raw);
     float rsrp = modem_stats_nr5g_rsrp(rsrp_i);
     float rsrq = modem_stats_nr5g_rsrq(rsrq_i);
-    MODEM_STATS_LOG_PRINT_BUF("version = %d, rsrp_i = %d, rsrq_i = %d, rsrp = %.2f, rsrq = %.2f",
+    modem_stats_log_print_buf("version = %d, rsrp_i = %d, rsrq_i = %d, rsrp = %.2f, rsrq = %.2f",
                               static_cast<int>(version), rsrp_i, rsrq_i, rsrp, rsrq);
 
     modem_stats_data_pk_begin();
@@ -164,7 +165,7 @@ void modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(modem_sta
     modem_stats_data_skip(static_cast<int32_t>(layout->num_layers_at - sizeof(version)));
     uint8_t num_layers = 0;
     if (!modem_stats_data_unpk("num_layers", &num_layers)) return;
-    printf("version = %d, num_layers = %d\n", static_cast<int>(version), num_layers);
+    modem_stats_log_printf("version = %d, num_layers = %d\n", static_cast<int>(version), num_layers);
     if (!b97f_within(num_layers, B97F_MAX_LAYERS, "b97f num_layers")) return;
 
     b97f_carrier carriers[B97F_MAX_LAYERS];
@@ -173,7 +174,7 @@ void modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(modem_sta
         if (!modem_stats_log_seek(at)) return;
         uint64_t v[5];
         if (!modem_stats_log_read_rows(B97F_CARRIER_ROWS, v)) return;
-        printf("layer[%d]: cc_id = %d, num_cells = %d, srv_pci = %d, rsrp_i2 = %d, rsrp_i3 = %d\n",
+        modem_stats_log_printf("layer[%d]: cc_id = %d, num_cells = %d, srv_pci = %d, rsrp_i2 = %d, rsrp_i3 = %d\n",
                static_cast<int>(l), static_cast<int>(v[0]), static_cast<int>(v[1]), static_cast<int>(v[2]),
                static_cast<int32_t>(v[3]), static_cast<int32_t>(v[4]));
         if (!b97f_within(static_cast<uint32_t>(v[0]), B97F_MAX_CC_ID, "b97f cc_id")) return;
@@ -193,7 +194,7 @@ void modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(modem_sta
         float rsrp[4];
         for (uint32_t i = 0; i < 4; i++) rsrp[i] = modem_stats_nr5g_rsrp_ex(carrier.rsrp_i[i]);
         float rsrq = modem_stats_nr5g_rsrp_ex(carrier.rsrq_i);
-        MODEM_STATS_LOG_PRINT_BUF("pk[%d]: rsrp0 = %.2f, rsrp1 = %.2f, rsrp2 = %.2f, rsrp3 = %.2f, rsrq = %.2f",
+        modem_stats_log_print_buf("pk[%d]: rsrp0 = %.2f, rsrp1 = %.2f, rsrp2 = %.2f, rsrp3 = %.2f, rsrq = %.2f",
                                   static_cast<int>(pk), rsrp[0], rsrp[1], rsrp[2], rsrp[3], rsrq);
         pk++;
         modem_stats_data_pk_begin();
@@ -231,7 +232,7 @@ void modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(modem_stats_sub_id_
         if (!modem_stats_data_unpk("level_current", &level_current)) return;
         modem_stats_data_skip(B981_ACTION_RESERVED);
     }
-    printf("version = %d, state_last = %d, state_current = %d, num_action = %d, action_type = %d, level_last = %d, "
+    modem_stats_log_printf("version = %d, state_last = %d, state_current = %d, num_action = %d, action_type = %d, level_last = %d, "
            "level_current = %d\n",
            static_cast<int>(version), state_last, state_current, num_action, action_type, level_last, level_current);
 
@@ -257,11 +258,11 @@ void modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(modem_sta
     if (!modem_stats_base_with_bit()) return;
     uint64_t a[B98F_FIELDS];
     if (!modem_stats_log_read_rows(B98F_ROWS, a)) return;
-    printf("version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, ant_rx_2_old = "
+    modem_stats_log_printf("version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, ant_rx_2_old = "
            "%d, ant_rx_2_new = %d\n",
            static_cast<int>(version), static_cast<int>(a[0]), static_cast<int>(a[1]), static_cast<int>(a[2]),
            static_cast<int>(a[3]), static_cast<int>(a[4]), static_cast<int>(a[5]));
-    printf("ant_rx_3_old = %d, ant_rx_3_new = %d, ant_tx_0_old = %d, ant_tx_0_new = %d, ant_tx_1_old = %d, "
+    modem_stats_log_printf("ant_rx_3_old = %d, ant_rx_3_new = %d, ant_tx_0_old = %d, ant_tx_0_new = %d, ant_tx_1_old = %d, "
            "ant_tx_1_new = %d\n",
            static_cast<int>(a[6]), static_cast<int>(a[7]), static_cast<int>(a[8]), static_cast<int>(a[9]),
            static_cast<int>(a[10]), static_cast<int>(a[11]));

@@ -3,6 +3,7 @@
  * docs/diag-log-layouts.md. */
 #include <stdio.h>
 
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -63,7 +64,7 @@ bool b825_read_carrier(const b825_layout &layout, uint32_t at, b825_carrier *c)
     if (!modem_stats_data_unpk("band_type", &c->band_type)) return false;
     if (!modem_stats_data_unpk("bw_dl", &c->bw_dl)) return false;
     if (!modem_stats_data_unpk("bw_ul", &c->bw_ul)) return false;
-    printf("pci = %d, arfcn_dl = %d, arfcn_ul = %d, band = %d, band_type = %d, bw_dl = %d, bw_ul = %d\n", c->pci,
+    modem_stats_log_printf("pci = %d, arfcn_dl = %d, arfcn_ul = %d, band = %d, band_type = %d, bw_dl = %d, bw_ul = %d\n", c->pci,
            static_cast<int>(c->arfcn_dl), static_cast<int>(c->arfcn_ul), c->band, c->band_type, c->bw_dl, c->bw_ul);
     return true;
 }
@@ -78,7 +79,7 @@ bool b825_read_rb(uint32_t at)
     for (size_t i = 0; i < 6; i++) {
         if (!modem_stats_data_unpk(names[i], &v[i])) return false;
     }
-    printf("dl_rb_type = %d, dl_rb_path = %d, dl_rohc_enable = %d, ul_rb_type = %d, ul_rb_path = %d, "
+    modem_stats_log_printf("dl_rb_type = %d, dl_rb_path = %d, dl_rohc_enable = %d, ul_rb_type = %d, ul_rb_path = %d, "
            "ul_rohc_enable = %d\n",
            v[0], v[1], v[2], v[3], v[4], v[5]);
     return true;
@@ -111,9 +112,9 @@ void modem_stats_parse_b823_diag_log_nr5g_rrc_serving_cell_info(modem_stats_data
     if (!modem_stats_data_unpk("allowed_access", &allowed_access)) return;
     if (!modem_stats_data_unpk("tac", &tac)) return;
     if (!modem_stats_data_unpk("band", &band)) return;
-    printf("version = %d, pci = %d, dl_arfcn = %d, ul_arfcn = %d, dl_bw = %d, ul_bw = %d\n", static_cast<int>(version),
+    modem_stats_log_printf("version = %d, pci = %d, dl_arfcn = %d, ul_arfcn = %d, dl_bw = %d, ul_bw = %d\n", static_cast<int>(version),
            pci, static_cast<int>(dl_arfcn), static_cast<int>(ul_arfcn), dl_bw, ul_bw);
-    printf("cell_id = %lu, mcc = %d, mnc_digits = %d, mnc = %d, allowed_access = %d, tac = %d, band = %d\n",
+    modem_stats_log_printf("cell_id = %lu, mcc = %d, mnc_digits = %d, mnc = %d, allowed_access = %d, tac = %d, band = %d\n",
            static_cast<unsigned long>(cell_id), mcc, mnc_digits, mnc, allowed_access, static_cast<int>(tac), band);
 
     modem_stats_data_pk_begin();
@@ -140,7 +141,7 @@ void modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(modem_stats_dat
     if (!modem_stats_data_unpk("rrc_state", &rrc_state)) return;
     modem_stats_data_skip(1); /* configured flag */
     if (!modem_stats_data_unpk("conn_mode", &conn_mode)) return;
-    printf("rrc_state = %d, conn_mode = %d\n", rrc_state, conn_mode);
+    modem_stats_log_printf("rrc_state = %d, conn_mode = %d\n", rrc_state, conn_mode);
 
     if (!modem_stats_log_seek(static_cast<uint32_t>(layout.counts_at))) return;
     uint8_t groups = 0, nrdc_groups = 0, active_cc = 0, nrdc_active_cc = 0, active_rb = 0;
@@ -149,7 +150,7 @@ void modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(modem_stats_dat
     if (!modem_stats_data_unpk("num_active_cc", &active_cc)) return;
     if (layout.has_nrdc_counts && !modem_stats_data_unpk("num_nrdc_scg_active_cc", &nrdc_active_cc)) return;
     if (!modem_stats_data_unpk("num_active_rb", &active_rb)) return;
-    printf("version = %d, num_contiguous_cc_groups = %d, num_nrdc_scg_contiguous_cc_groups = %d, num_active_cc = %d, "
+    modem_stats_log_printf("version = %d, num_contiguous_cc_groups = %d, num_nrdc_scg_contiguous_cc_groups = %d, num_active_cc = %d, "
            "num_nrdc_scg_active_cc = %d, num_active_rb = %d\n",
            static_cast<int>(version), groups, nrdc_groups, active_cc, nrdc_active_cc, active_rb);
 

@@ -5,6 +5,7 @@
 #include <stdio.h>
 
 #include "modem_stats_convert.h"
+#include "modem_stats_log_format.h"
 #include "modem_stats_log_parsers.h"
 #include "modem_stats_log_util.h"
 
@@ -83,7 +84,7 @@ void volte_session(const char *outcome_name, modem_stats_data_id_e_type id, cons
     if (!modem_stats_data_unpk(outcome_name, &outcome)) return;
     if (!modem_stats_data_unpk("call_setup_delay", &call_setup_delay)) return;
     if (!modem_stats_data_unpk("rat", &rat)) return;
-    printf("version = %d, direction = %d, %s = %d, call_setup_delay = %d, rat = %d, originating_url_len = %d, "
+    modem_stats_log_printf("version = %d, direction = %d, %s = %d, call_setup_delay = %d, rat = %d, originating_url_len = %d, "
            "terminating_url_len = %d\n",
            version, direction, outcome_name, outcome, static_cast<int>(call_setup_delay), rat, originating_url_len,
            terminating_url_len);
@@ -113,7 +114,7 @@ void modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2(modem_stats_data_i
     if (!read_two_levels(W4179_FIRST_SKIP_BITS, "rx_agc_old_0", "rx_agc_old_1", &rx_agc_old_0, &rx_agc_old_1)) return;
     float rx_agc_0 = modem_stats_wcdma_rssi(rx_agc_old_0);
     float rx_agc_1 = modem_stats_wcdma_rssi(rx_agc_old_1);
-    MODEM_STATS_LOG_PRINT_BUF("version = %d, rx_agc_old_0 = %d, rx_agc_old_1 = %d, rx_agc_0 = %.2f, rx_agc_1 = %.2f",
+    modem_stats_log_print_buf("version = %d, rx_agc_old_0 = %d, rx_agc_old_1 = %d, rx_agc_0 = %.2f, rx_agc_1 = %.2f",
                               version, rx_agc_old_0, rx_agc_old_1, rx_agc_0, rx_agc_1);
     pack_two_levels(version, "rx_agc_0", rx_agc_0, "rx_agc_1", rx_agc_1, MODEM_STATS_DATA_ID_WCDMA_PN_SEARCH, data_id,
                     record);
@@ -132,7 +133,7 @@ void modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics(modem_stats_dat
     if (!read_two_levels(G5096_FIRST_SKIP_BITS, "rx_prx_old", "rx_drx_old", &rx_prx_old, &rx_drx_old)) return;
     float rx_prx = modem_stats_gsm_rssi(rx_prx_old);
     float rx_drx = modem_stats_gsm_rssi(rx_drx_old);
-    MODEM_STATS_LOG_PRINT_BUF("version = %d, rx_prx_old = %d, rx_drx_old = %d, rx_prx = %.2f, rx_drx = %.2f", version,
+    modem_stats_log_print_buf("version = %d, rx_prx_old = %d, rx_drx_old = %d, rx_prx = %.2f, rx_drx = %.2f", version,
                               rx_prx_old, rx_drx_old, rx_prx, rx_drx);
     pack_two_levels(version, "rx_prx", rx_prx, "rx_drx", rx_drx, MODEM_STATS_DATA_ID_GSM_L1_RX_DIVERSITY, data_id,
                     record);
@@ -170,10 +171,10 @@ void modem_stats_parse_156e_diag_log_ims_sip_message(modem_stats_data_id_e_type 
     if (!modem_stats_data_unpk("msg_id", &msg_id)) return;
     if (!modem_stats_data_unpk("response_code", &response_code)) return;
     if (!modem_stats_data_unpk("cm_call_id", &cm_call_id)) return;
-    printf("version = %d, direction = %d, sdp_presence = %d, sip_call_id_len = %d, sip_msg_len = %d, "
+    modem_stats_log_printf("version = %d, direction = %d, sdp_presence = %d, sip_call_id_len = %d, sip_msg_len = %d, "
            "sip_msg_logged_bytes = %d, msg_id = %d\n",
            version, direction, sdp_presence, sip_call_id_len, sip_msg_len, sip_msg_logged_bytes, msg_id);
-    printf("response_code = %d, cm_call_id = %d\n", response_code, static_cast<int>(cm_call_id));
+    modem_stats_log_printf("response_code = %d, cm_call_id = %d\n", response_code, static_cast<int>(cm_call_id));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
@@ -204,7 +205,7 @@ void modem_stats_parse_1568_diag_log_ims_rtp_sn_and_payload(modem_stats_data_id_
     if (!modem_stats_data_unpk("codec_type", &codec_type)) return;
     modem_stats_data_skip(IMS_RTP_BEFORE_FRAME);
     if (!modem_stats_data_unpk("frame_type", &frame_type)) return;
-    printf("version = %d, codec_type = %d, frame_type = %d\n", version, codec_type, frame_type);
+    modem_stats_log_printf("version = %d, codec_type = %d, frame_type = %d\n", version, codec_type, frame_type);
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {

@@ -1,0 +1,100 @@
+/* The parsers' line formatter against the C library: the same bytes for
+ * every conversion the parsers use, including the float cases where a
+ * faster two-decimal conversion could differ (exact ties, negative zero,
+ * values that round to zero, huge and non-finite values). */
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <math.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <random>
+#include <string>
+
+#include "../modem_stats/stats_test_util.h"
+#include "modem_stats_log_format.h"
+#include "orvex_log.h"
+
+namespace {
+
+/* Formats with both and returns true when they agree (reporting the
+ * difference otherwise). */
+bool same(const char *fmt, ...)
+{
+    char ours[MODEM_STATS_LOG_LINE_MAX], libc[MODEM_STATS_LOG_LINE_MAX];
+    va_list a, b;
+    va_start(a, fmt);
+    va_copy(b, a);
+    int n1 = modem_stats_log_vformat(ours, sizeof(ours), fmt, a);
+    int n2 = vsnprintf(libc, sizeof(libc), fmt, b);
+    va_end(b);
+    va_end(a);
+    EXPECT_EQ(n1, n2) << fmt;
+    EXPECT_STREQ(ours, libc) << fmt;
+    return n1 == n2 && strcmp(ours, libc) == 0;
+}
+
+TEST(LogFormatTest, TwoDecimalsMatchPrintf)
+{
+    /* Exact binary ties round to even, as printf does. */
+    const float specials[] = {0.125f,  0.375f,     -0.125f,   2.675f,    -0.0f,   -0.001f, 0.004999f,
+                              65535.0f, -180.0f,   -179.94f,  9.9e12f,   1.1e13f, 1e30f,   -1e30f,
+                              INFINITY, -INFINITY, NAN,       1e-40f,    -3.01f,  99.995f, -8.99f};
+    for (float f : specials) EXPECT_TRUE(same("x = %.2f, y = %.2f", f, -f)) << f;
+    std::mt19937 rng(7);
+    std::uniform_int_distribution<uint32_t> bits;
+    for (int i = 0; i < 200000; i++) {
+        uint32_t raw = bits(rng);
+        float f = 0;
+        memcpy(&f, &raw, sizeof(f));
+        if (!same("%.2f", static_cast<double>(f))) break;
+    }
+    /* Every hundredth the conversions produce, and its neighbours. */
+    for (int i = -200000; i < 200000; i++) {
+        float f = static_cast<float>(i) / 100.0f;
+        if (!same("%.2f %.2f %.2f", f, nextafterf(f, -INFINITY), nextafterf(f, INFINITY))) break;
+    }
+}
+
+TEST(LogFormatTest, IntegersStringsAndTheRest)
+{
+    EXPECT_TRUE(same("%d %d %d %d", INT_MIN, INT_MAX, 0, -1));
+    EXPECT_TRUE(same("%u %x %lu %ld %lx", UINT_MAX, 0xb193u, ULONG_MAX, LONG_MIN, 0xdeadbeeful));
+    EXPECT_TRUE(same("id(0x%x), name(%s), %c%%", 0xb97fu, "b97f num_layers", 'z'));
+    /* Conversions it does not make itself go to the C library. */
+    EXPECT_TRUE(same("%5d|%-8s|%08.3f|%e|%.1f|%p", 42, "ab", 3.14159, 2.5, 0.25, static_cast<void *>(nullptr)));
+    EXPECT_TRUE(same("%s", ""));
+}
+
+TEST(LogFormatTest, TruncatesLikeVsnprintf)
+{
+    std::string long_text(300, 'a');
+    for (size_t size : {1u, 2u, 10u, 102u}) {
+        char ours[400], libc[400];
+        memset(ours, '#', sizeof(ours));
+        memset(libc, '#', sizeof(libc));
+        auto call = [&](char *out, bool fast, const char *fmt, ...) {
+            va_list ap;
+            va_start(ap, fmt);
+            int n = fast ? modem_stats_log_vformat(out, size, fmt, ap) : vsnprintf(out, size, fmt, ap);
+            va_end(ap);
+            return n;
+        };
+        EXPECT_EQ(call(ours, true, "%s = %.2f", long_text.c_str(), 1.5), call(libc, false, "%s = %.2f", long_text.c_str(), 1.5));
+        EXPECT_EQ(memcmp(ours, libc, sizeof(ours)), 0) << size;
+    }
+}
+
+/* A measurement line keeps what orvex_log_buf keeps: 101 characters. */
+TEST(LogFormatTest, MeasurementLineKeepsTheRecordTextBound)
+{
+    std::string name(120, 'n');
+    char expected[ORVEX_LOG_BUF_LEN];
+    orvex_log_buf(expected, "%s = %.2f", name.c_str(), -99.5);
+    std::string out = stats_test::captured_stdout([&] { modem_stats_log_print_buf("%s = %.2f", name.c_str(), -99.5); });
+    EXPECT_EQ(out, std::string(expected) + "\n");
+    EXPECT_EQ(out.size(), ORVEX_LOG_BUF_LEN);
+}
+
+}  // namespace
