@@ -129,36 +129,25 @@ bool fast_format(sink *s, const char *fmt, va_list ap)
         }
         if (two_decimals && *p != 'f') return false;
         switch (*p) {
-        case '%':
-            s->put('%');
-            break;
-        case 'd':
-        case 'i':
-            put_signed(s, is_long ? va_arg(ap, long) : va_arg(ap, int));
-            break;
-        case 'u':
-            put_decimal(s, is_long ? va_arg(ap, unsigned long) : va_arg(ap, unsigned));
-            break;
-        case 'x':
-            put_hex(s, is_long ? va_arg(ap, unsigned long) : va_arg(ap, unsigned));
-            break;
-        case 'c':
-            s->put(static_cast<char>(va_arg(ap, int)));
-            break;
-        case 's': {
-            const char *str = va_arg(ap, const char *);
-            if (!str || is_long) return false;
-            s->put(str, strlen(str));
-            break;
-        }
-        case 'f': {
-            double v = va_arg(ap, double);
-            if (!two_decimals || is_long || !isfinite(v) || fabs(v) >= F2_DIRECT_LIMIT) return false;
-            put_fixed2(s, v);
-            break;
-        }
-        default:
-            return false;
+            case '%': s->put('%'); break;
+            case 'd':
+            case 'i': put_signed(s, is_long ? va_arg(ap, long) : va_arg(ap, int)); break;
+            case 'u': put_decimal(s, is_long ? va_arg(ap, unsigned long) : va_arg(ap, unsigned)); break;
+            case 'x': put_hex(s, is_long ? va_arg(ap, unsigned long) : va_arg(ap, unsigned)); break;
+            case 'c': s->put(static_cast<char>(va_arg(ap, int))); break;
+            case 's': {
+                const char *str = va_arg(ap, const char *);
+                if (!str || is_long) return false;
+                s->put(str, strlen(str));
+                break;
+            }
+            case 'f': {
+                double v = va_arg(ap, double);
+                if (!two_decimals || is_long || !isfinite(v) || fabs(v) >= F2_DIRECT_LIMIT) return false;
+                put_fixed2(s, v);
+                break;
+            }
+            default: return false;
         }
     }
     return true;

@@ -78,7 +78,7 @@ void modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(modem_stats_sub_id_
                                                              modem_stats_data_id_e_type *data_id,
                                                              modem_stats_single_data_common_type **record);
 void modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(modem_stats_data_id_e_type *data_id,
-                                                                      modem_stats_single_data_common_type **record);
+                                                                       modem_stats_single_data_common_type **record);
 
 /* The record 0xB887 made last: the dispatcher does not release it, the
  * parser keeps it here and releases it when it makes the next one.  Null

@@ -94,19 +94,14 @@ bool is_supported(uint8_t lcid)
 uint32_t element_bits(const b064_subheader &sh, uint32_t bits_rest)
 {
     switch (sh.lc_id) {
-    case LCID_PHR:
-    case LCID_TRUNCATED_BSR:
-    case LCID_SHORT_BSR:
-        return OCTET_BITS;
-    case LCID_C_RNTI:
-        return 2 * OCTET_BITS;
-    case LCID_LONG_BSR:
-        return LONG_BSR_LEVELS * BS_LEVEL_BITS;
-    case LCID_DC_PHR:
-    case LCID_EXT_PHR:
-        return sh.len == LEN_REST ? bits_rest : sh.len * OCTET_BITS;
-    default:
-        return 0; /* SDUs and padding are not logged */
+        case LCID_PHR:
+        case LCID_TRUNCATED_BSR:
+        case LCID_SHORT_BSR: return OCTET_BITS;
+        case LCID_C_RNTI: return 2 * OCTET_BITS;
+        case LCID_LONG_BSR: return LONG_BSR_LEVELS * BS_LEVEL_BITS;
+        case LCID_DC_PHR:
+        case LCID_EXT_PHR: return sh.len == LEN_REST ? bits_rest : sh.len * OCTET_BITS;
+        default: return 0; /* SDUs and padding are not logged */
     }
 }
 
@@ -114,9 +109,9 @@ void add_bs_level(uint32_t tb, uint32_t lcg, uint32_t level, b064_stats *st)
 {
     st->phr_or_bsr = true;
     if (level >= BS_LEVEL_COUNT) {
-        modem_stats_log_printf("error, bsr_lcg3[%d][%d] = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n", static_cast<int>(tb),
-               static_cast<int>(lcg), static_cast<int>(level), static_cast<int>(st->bsr_num),
-               static_cast<int>(st->bsr_sum));
+        modem_stats_log_printf("error, bsr_lcg3[%d][%d] = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
+                               static_cast<int>(tb), static_cast<int>(lcg), static_cast<int>(level),
+                               static_cast<int>(st->bsr_num), static_cast<int>(st->bsr_sum));
         return;
     }
     st->bsr_num++;
@@ -131,7 +126,7 @@ bool walk_subheaders(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt,
     while (e_bit) {
         if (*hdr_bits_cnt + OCTET_BITS > hdr_bits_sum || *count >= MAX_SUBHEADERS) {
             modem_stats_log_printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
-                   static_cast<int>(*hdr_bits_cnt + OCTET_BITS), static_cast<int>(hdr_bits_sum));
+                                   static_cast<int>(*hdr_bits_cnt + OCTET_BITS), static_cast<int>(hdr_bits_sum));
             return false;
         }
         uint8_t lcid_data = 0, lc_id = 0;
@@ -151,8 +146,9 @@ bool walk_subheaders(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt,
             if (!modem_stats_unpk_at("f_bit", 7, 1, &f_bit)) return false;
             uint32_t len_bits = f_bit ? 2 * OCTET_BITS : OCTET_BITS;
             if (*hdr_bits_cnt + len_bits > hdr_bits_sum) {
-                modem_stats_log_printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
-                       static_cast<int>(*hdr_bits_cnt + len_bits), static_cast<int>(hdr_bits_sum));
+                modem_stats_log_printf("count_tb[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n",
+                                       static_cast<int>(tb), static_cast<int>(*hdr_bits_cnt + len_bits),
+                                       static_cast<int>(hdr_bits_sum));
                 return false;
             }
             /* The length is sent most significant octet first. */
@@ -175,8 +171,9 @@ bool walk_elements(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt, c
         uint32_t bits = element_bits(subheaders[j], hdr_bits_sum - *hdr_bits_cnt);
         if (!bits) continue;
         if (*hdr_bits_cnt + bits > hdr_bits_sum) {
-            modem_stats_log_printf("count_tb_payloads[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n", static_cast<int>(tb),
-                   static_cast<int>(*hdr_bits_cnt + bits), static_cast<int>(hdr_bits_sum));
+            modem_stats_log_printf("count_tb_payloads[%d] error, hdr_bits_cnt(%d) > hdr_bits_sum(%d)\n",
+                                   static_cast<int>(tb), static_cast<int>(*hdr_bits_cnt + bits),
+                                   static_cast<int>(hdr_bits_sum));
             return false;
         }
         uint8_t lcid = subheaders[j].lc_id;
@@ -228,15 +225,16 @@ bool walk_header(uint32_t tb, uint8_t hdr_len, b064_stats *st)
     uint32_t hdr_bits_cnt = 0;
     st->phr_or_bsr = false;
     if (!walk_subheaders(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, &count)) return false;
-    modem_stats_log_printf("------ count_tb[%d], subheaders = %d, hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
-           static_cast<int>(count), static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
+    modem_stats_log_printf("------ count_tb[%d], subheaders = %d, hdr_bits_cnt = %d, hdr_bits_sum = %d\n",
+                           static_cast<int>(tb), static_cast<int>(count), static_cast<int>(hdr_bits_cnt),
+                           static_cast<int>(hdr_bits_sum));
     if (!walk_elements(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, count, st)) return false;
     modem_stats_log_printf("------ count_tb_payloads[%d], hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
-           static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
+                           static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
     if (st->phr_or_bsr) {
         modem_stats_log_printf("------ PHR_IND and BSR_LCG[%d], phr_ind = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
-               static_cast<int>(tb), static_cast<int>(st->phr_ind), static_cast<int>(st->bsr_num),
-               static_cast<int>(st->bsr_sum));
+                               static_cast<int>(tb), static_cast<int>(st->phr_ind), static_cast<int>(st->bsr_num),
+                               static_cast<int>(st->bsr_sum));
     }
     return true;
 }
@@ -268,8 +266,8 @@ bool read_sample(uint8_t version_sub, uint32_t subpacket, uint32_t sample, uint3
     float sfn_grant = num_grant_bytes ? modem_stats_round_2_decimals(100.0f * used / num_grant_bytes) : 0.0f;
     float sfn_full = modem_stats_round_2_decimals(100.0f * st->full_grants / st->grants);
     modem_stats_log_print_buf("LTE FSSR: [%d][%d], pad = %d, grant = %d, sfn_grant = %.2f, sfn_full = %.2f",
-                              static_cast<int>(subpacket), static_cast<int>(sample), num_padding_bytes,
-                              num_grant_bytes, sfn_grant, sfn_full);
+                              static_cast<int>(subpacket), static_cast<int>(sample), num_padding_bytes, num_grant_bytes,
+                              sfn_grant, sfn_full);
     return true;
 }
 
@@ -314,9 +312,9 @@ void modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block(modem_stats_data
     }
     uint32_t bsr_lcg3_avg = st.bsr_num ? st.bsr_sum / st.bsr_num : 0;
     uint32_t bsr_lcg3_bytes = BS_LEVEL_BYTES[bsr_lcg3_avg < BS_LEVEL_COUNT ? bsr_lcg3_avg : BS_LEVEL_COUNT - 1];
-    modem_stats_log_printf("version = %d, phr_ind = %d, bsr_lcg3_avg = %d, bsr_lcg3_num = %d, bsr_lcg3_bytes = %d\n", version_sub,
-           static_cast<int>(st.phr_ind), static_cast<int>(bsr_lcg3_avg), static_cast<int>(st.bsr_num),
-           static_cast<int>(bsr_lcg3_bytes));
+    modem_stats_log_printf("version = %d, phr_ind = %d, bsr_lcg3_avg = %d, bsr_lcg3_num = %d, bsr_lcg3_bytes = %d\n",
+                           version_sub, static_cast<int>(st.phr_ind), static_cast<int>(bsr_lcg3_avg),
+                           static_cast<int>(st.bsr_num), static_cast<int>(bsr_lcg3_bytes));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {

@@ -55,9 +55,9 @@ enum b193_field {
 };
 
 const char *const B193_FIELD_NAMES[B193_FIELD_COUNT] = {
-    "pci",       "is_srv_cell", "srv_cell_idx", "rsrp_rx0",      "rsrp_rx1", "rsrp_rx2", "rsrp_rx3", "measured_rsrp",
-    "rsrq_rx0",  "rsrq_rx1",    "rsrq_rx2",     "rsrq_rx3",      "measured_rsrq", "rssi_rx0", "rssi_rx1", "rssi_rx2",
-    "rssi_rx3",  "max_rssi",    "snr_rx0",      "snr_rx1",       "snr_rx2",  "snr_rx3",
+    "pci",      "is_srv_cell", "srv_cell_idx", "rsrp_rx0", "rsrp_rx1",      "rsrp_rx2", "rsrp_rx3", "measured_rsrp",
+    "rsrq_rx0", "rsrq_rx1",    "rsrq_rx2",     "rsrq_rx3", "measured_rsrq", "rssi_rx0", "rssi_rx1", "rssi_rx2",
+    "rssi_rx3", "max_rssi",    "snr_rx0",      "snr_rx1",  "snr_rx2",       "snr_rx3",
 };
 
 /* A field's first bit from the cell's start and its width; width 0: the
@@ -70,11 +70,11 @@ typedef struct {
 /* One sub-packet layout. */
 typedef struct {
     uint8_t version;
-    uint8_t earfcn_bytes;        /* 2 or 4 */
-    bool has_num_cells;          /* u16 number of cells after the EARFCN, then two bytes */
-    bool has_rx_valid;           /* those two bytes are the valid-Rx bitmap */
-    uint16_t cells_at;           /* first cell, bytes from the sub-packet payload */
-    uint16_t cell_bytes;         /* cell stride; 0: the layout holds one cell */
+    uint8_t earfcn_bytes;         /* 2 or 4 */
+    bool has_num_cells;           /* u16 number of cells after the EARFCN, then two bytes */
+    bool has_rx_valid;            /* those two bytes are the valid-Rx bitmap */
+    uint16_t cells_at;            /* first cell, bytes from the sub-packet payload */
+    uint16_t cell_bytes;          /* cell stride; 0: the layout holds one cell */
     int32_t measured_rsrp_offset; /* raw offset of the combined RSRP */
     b193_pos pos[B193_FIELD_COUNT];
 } b193_layout;
@@ -82,6 +82,7 @@ typedef struct {
 constexpr b193_pos NONE = {0, 0};
 
 /* Two-chain layouts: the cell starts with the sub-packet payload. */
+// clang-format off
 constexpr b193_layout B193_LAYOUTS[] = {
     {4, 2, false, false, 0, 0, 0,
      {{16, 9}, NONE, {25, 3}, {106, 12}, {140, 12}, NONE, NONE, {172, 12}, {204, 10}, {224, 10}, NONE, NONE,
@@ -123,6 +124,7 @@ constexpr b193_layout B193_LAYOUTS[] = {
       {330, 10}, {340, 10}, {352, 10}, {384, 11}, {395, 11}, {416, 11}, {427, 11}, {448, 11}, {736, 9}, {745, 9},
       {768, 9}, {777, 9}}},
 };
+// clang-format on
 constexpr size_t B193_LAYOUT_COUNT = sizeof(B193_LAYOUTS) / sizeof(B193_LAYOUTS[0]);
 
 constexpr bool b193_layouts_fit()
@@ -171,8 +173,7 @@ bool b193_read_cell(const b193_layout &layout, uint32_t raw[B193_FIELD_COUNT])
     for (size_t f = 0; f < B193_FIELD_COUNT; f++) {
         raw[f] = 0;
         if (!layout.pos[f].width) continue;
-        if (!modem_stats_unpk_at(B193_FIELD_NAMES[f], layout.pos[f].offset, layout.pos[f].width, &raw[f]))
-            return false;
+        if (!modem_stats_unpk_at(B193_FIELD_NAMES[f], layout.pos[f].offset, layout.pos[f].width, &raw[f])) return false;
     }
     return true;
 }
@@ -203,17 +204,23 @@ void b193_decode_cell(uint8_t version, const b193_layout &layout, uint32_t earfc
     cell->srv_cell_idx = static_cast<uint8_t>(raw[B193_SRV_CELL_IDX]);
     for (uint32_t i = 0; i < B193_RX_CHAINS; i++) {
         bool valid = rx_valid & (1u << i);
-        cell->rsrp[i] = valid ? modem_stats_i2f_rsrp(static_cast<int32_t>(raw[B193_RSRP_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
-        cell->rsrq[i] = valid ? modem_stats_i2f_rsrq(static_cast<int32_t>(raw[B193_RSRQ_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
-        cell->rssi[i] = valid ? modem_stats_i2f_rssi(static_cast<int32_t>(raw[B193_RSSI_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
-        cell->snr[i] = valid ? modem_stats_i2f_snr(static_cast<int32_t>(raw[B193_SNR_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
+        cell->rsrp[i] =
+            valid ? modem_stats_i2f_rsrp(static_cast<int32_t>(raw[B193_RSRP_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
+        cell->rsrq[i] =
+            valid ? modem_stats_i2f_rsrq(static_cast<int32_t>(raw[B193_RSRQ_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
+        cell->rssi[i] =
+            valid ? modem_stats_i2f_rssi(static_cast<int32_t>(raw[B193_RSSI_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
+        cell->snr[i] =
+            valid ? modem_stats_i2f_snr(static_cast<int32_t>(raw[B193_SNR_RX0 + i])) : MODEM_STATS_NO_VALUE_F;
     }
 
-    modem_stats_log_printf("version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n",
-           version, static_cast<int>(earfcn), rx_valid, cell->pci, cell->is_srv_cell, cell->srv_cell_idx, num_cells);
+    modem_stats_log_printf(
+        "version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n",
+        version, static_cast<int>(earfcn), rx_valid, cell->pci, cell->is_srv_cell, cell->srv_cell_idx, num_cells);
     if (!cell->is_srv_cell) return;
 
-    float measured_rsrp = modem_stats_i2f_rsrp(static_cast<int32_t>(raw[B193_MEASURED_RSRP]) + layout.measured_rsrp_offset);
+    float measured_rsrp =
+        modem_stats_i2f_rsrp(static_cast<int32_t>(raw[B193_MEASURED_RSRP]) + layout.measured_rsrp_offset);
     float measured_rsrq = modem_stats_i2f_rsrq(static_cast<int32_t>(raw[B193_MEASURED_RSRQ]));
     float max_rssi = modem_stats_i2f_rssi(static_cast<int32_t>(raw[B193_MAX_RSSI]));
     float avg_rsrp = b193_mean(cell->rsrp, cell->rx_valid, measured_rsrp);
@@ -247,8 +254,8 @@ void b193_make_record(const b193_cell &cell, modem_stats_data_id_e_type *data_id
         if (!modem_stats_data_pk("snr", modem_stats_log_float_bits(cell.snr[i]), sizeof(float))) return;
     }
     bool primary = cell.is_srv_cell && cell.srv_cell_idx == 0;
-    modem_stats_data_pk_finish(primary ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS : MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT, data_id,
-                               record);
+    modem_stats_data_pk_finish(primary ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS : MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT,
+                               data_id, record);
 }
 
 }  // namespace
@@ -279,8 +286,8 @@ void modem_stats_parse_b193_diag_log_lte_srv_meas(modem_stats_data_id_e_type *da
         modem_stats_log_printf("subpacket_id = %d, version_ssmr = %d\n", subpacket_id, version_ssmr);
         uint32_t payload_at = subpacket_at + B193_SUBPACKET_HEADER_LEN;
         /* A size below its own header still moves on by the header. */
-        uint32_t next_at = subpacket_at + (subpacket_size > B193_SUBPACKET_HEADER_LEN ? subpacket_size
-                                                                                        : B193_SUBPACKET_HEADER_LEN);
+        uint32_t next_at =
+            subpacket_at + (subpacket_size > B193_SUBPACKET_HEADER_LEN ? subpacket_size : B193_SUBPACKET_HEADER_LEN);
         if (subpacket_id == B193_SUBPACKET_SERVING_MEAS) {
             const b193_layout *layout = b193_find_layout(version_ssmr);
             if (!layout) {

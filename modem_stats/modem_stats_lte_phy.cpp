@@ -31,14 +31,20 @@ typedef struct {
     modem_stats_bit_field_row pusch[4]; /* tx power, resource blocks, MCS, modulation */
 } b16d_layout;
 
-constexpr b16d_layout B16D_V48 = {
-    416, 0, {"pucch_tx_power", 14, 8, 8},
-    {{"pusch_tx_power", 223, 8, 8}, {"pusch_num_res_blocks", 243, 7, 16}, {"pusch_mcs", 292, 5, 16},
-     {"pusch_modulation_type", 311, 3, 8}}};
-constexpr b16d_layout B16D_V49 = {
-    448, 7, {"pucch_tx_power", 15, 8, 8},
-    {{"pusch_tx_power", 223, 8, 8}, {"pusch_num_res_blocks", 247, 9, 16}, {"pusch_mcs", 295, 5, 16},
-     {"pusch_modulation_type", 319, 3, 8}}};
+constexpr b16d_layout B16D_V48 = {416,
+                                  0,
+                                  {"pucch_tx_power", 14, 8, 8},
+                                  {{"pusch_tx_power", 223, 8, 8},
+                                   {"pusch_num_res_blocks", 243, 7, 16},
+                                   {"pusch_mcs", 292, 5, 16},
+                                   {"pusch_modulation_type", 311, 3, 8}}};
+constexpr b16d_layout B16D_V49 = {448,
+                                  7,
+                                  {"pucch_tx_power", 15, 8, 8},
+                                  {{"pusch_tx_power", 223, 8, 8},
+                                   {"pusch_num_res_blocks", 247, 9, 16},
+                                   {"pusch_mcs", 295, 5, 16},
+                                   {"pusch_modulation_type", 319, 3, 8}}};
 static_assert(modem_stats_log_rows_fit(B16D_V48.pusch) && modem_stats_log_rows_fit(B16D_V49.pusch),
               "0xB16D rows fit their destinations");
 static_assert(modem_stats_log_rows_within(B16D_V48.pusch, B16D_V48.record_bits - B16D_CHAN_TYPE_AT - 1) &&
@@ -109,12 +115,28 @@ typedef struct {
 } b173_layout;
 
 constexpr b173_layout B173_LAYOUTS[] = {
-    {48, 320, 96, 96, {{"srv_cell_idx", 40, 3, 8}, {"num_transports", 32, 8, 8}, {"num_layers", 24, 8, 8}},
-     {{"tb_bytes", 32, 16, 16}, {"pdsch_mcs", 48, 8, 8}, {"pdsch_rb", 56, 8, 8}, {"pdsch_mod_type", 64, 8, 8},
-      {"pdsch_rnti_type", 8, 4, 8}, {"crc_result", 7, 1, 8}}},
-    {49, 384, 96, 128, {{"srv_cell_idx", 40, 3, 8}, {"num_transports", 32, 8, 8}, {"num_layers", 24, 8, 8}},
-     {{"tb_bytes", 48, 16, 16}, {"pdsch_mcs", 64, 8, 8}, {"pdsch_rb", 72, 8, 8}, {"pdsch_mod_type", 80, 8, 8},
-      {"pdsch_rnti_type", 8, 4, 8}, {"crc_result", 7, 1, 8}}},
+    {48,
+     320,
+     96,
+     96,
+     {{"srv_cell_idx", 40, 3, 8}, {"num_transports", 32, 8, 8}, {"num_layers", 24, 8, 8}},
+     {{"tb_bytes", 32, 16, 16},
+      {"pdsch_mcs", 48, 8, 8},
+      {"pdsch_rb", 56, 8, 8},
+      {"pdsch_mod_type", 64, 8, 8},
+      {"pdsch_rnti_type", 8, 4, 8},
+      {"crc_result", 7, 1, 8}}},
+    {49,
+     384,
+     96,
+     128,
+     {{"srv_cell_idx", 40, 3, 8}, {"num_transports", 32, 8, 8}, {"num_layers", 24, 8, 8}},
+     {{"tb_bytes", 48, 16, 16},
+      {"pdsch_mcs", 64, 8, 8},
+      {"pdsch_rb", 72, 8, 8},
+      {"pdsch_mod_type", 80, 8, 8},
+      {"pdsch_rnti_type", 8, 4, 8},
+      {"crc_result", 7, 1, 8}}},
 };
 constexpr uint32_t B173_VERSIONS[] = {48, 49};
 static_assert(modem_stats_log_rows_fit(B173_LAYOUTS[0].tb) && modem_stats_log_rows_fit(B173_LAYOUTS[1].tb) &&
@@ -122,7 +144,7 @@ static_assert(modem_stats_log_rows_fit(B173_LAYOUTS[0].tb) && modem_stats_log_ro
                   modem_stats_log_rows_within(B173_LAYOUTS[1].tb, B173_LAYOUTS[1].tb_slot_bits),
               "0xB173 transport block rows fit and end inside their slot");
 static_assert(B173_LAYOUTS[0].tb_at_bits + B173_MAX_TRANSPORTS * B173_LAYOUTS[0].tb_slot_bits <=
-                  B173_LAYOUTS[0].record_bits &&
+                      B173_LAYOUTS[0].record_bits &&
                   B173_LAYOUTS[1].tb_at_bits + B173_MAX_TRANSPORTS * B173_LAYOUTS[1].tb_slot_bits <=
                       B173_LAYOUTS[1].record_bits,
               "0xB173 slots end inside their record");
@@ -206,8 +228,8 @@ void power_control(uint8_t accepted, const modem_stats_bit_field_row (&rows)[2],
         modem_stats_bit_advance(POWER_CONTROL_RECORD_BITS);
     }
     int32_t tx_power = modem_stats_log_sign_extend(values[0], POWER_CONTROL_TX_POWER_BITS);
-    modem_stats_log_printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", version, num_records, power_name, tx_power,
-           static_cast<int>(values[1]));
+    modem_stats_log_printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", version, num_records, power_name,
+                           tx_power, static_cast<int>(values[1]));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
@@ -253,11 +275,11 @@ void modem_stats_parse_b16d_diag_log_lte_tx_power(modem_stats_data_id_e_type *da
     b16d_values v = {MODEM_STATS_ABSENT_U8, MODEM_STATS_ABSENT_U8, MODEM_STATS_ABSENT_U16, MODEM_STATS_ABSENT_U16,
                      MODEM_STATS_ABSENT_U8};
     if (!b16d_read_records(version == B16D_VERSION_49 ? B16D_V49 : B16D_V48, num, &v)) return;
-    modem_stats_log_printf("version = %d, num = %d, pucch_tx_power %d, pusch_num_res_blocks = %d, pusch_modulation_type = %d, "
-           "pusch_tx_power = %d, pusch_mcs = %d\n",
-           version, num, static_cast<int>(v.pucch_tx_power), static_cast<int>(v.pusch_num_res_blocks),
-           static_cast<int>(v.pusch_modulation_type), static_cast<int>(v.pusch_tx_power),
-           static_cast<int>(v.pusch_mcs));
+    modem_stats_log_printf(
+        "version = %d, num = %d, pucch_tx_power %d, pusch_num_res_blocks = %d, pusch_modulation_type = %d, "
+        "pusch_tx_power = %d, pusch_mcs = %d\n",
+        version, num, static_cast<int>(v.pucch_tx_power), static_cast<int>(v.pusch_num_res_blocks),
+        static_cast<int>(v.pusch_modulation_type), static_cast<int>(v.pusch_tx_power), static_cast<int>(v.pusch_mcs));
     if (num == 0) return;
 
     /* Fixed layout: the first ten bytes go in directly. */
@@ -284,7 +306,7 @@ void modem_stats_parse_b14e_diag_log_lte_pusch_csf(modem_stats_data_id_e_type *d
     uint64_t v[3];
     if (!modem_stats_log_read_rows(B14E_ROWS, v)) return;
     modem_stats_log_printf("version = %d, rank_idx = %d, wideband_cqi_cw0 = %d\n", version, static_cast<int>(v[0]),
-           static_cast<int>(v[1]));
+                           static_cast<int>(v[1]));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
@@ -312,13 +334,14 @@ void modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication(modem_stats_data_
     for (uint32_t r = 0; r < num_records; r++) {
         if (!b173_read_record(layout, &v, __func__)) return;
     }
-    modem_stats_log_printf("version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, pdsch_mod_type = %d, pdsch_rnti_type = %d, "
-           "num_layers = %d\n",
-           version, num_records, static_cast<int>(v.pdsch_mcs), static_cast<int>(v.pdsch_rb),
-           static_cast<int>(v.pdsch_mod_type), static_cast<int>(v.pdsch_rnti_type), static_cast<int>(v.num_layers));
-    modem_stats_log_printf("tb_bytes = %d, num_layers_crnti %d, tb_bytes_crnti %lu, crc_result %d\n", static_cast<int>(v.tb_bytes),
-           static_cast<int>(v.num_layers_crnti), static_cast<unsigned long>(v.tb_bytes_crnti),
-           static_cast<int>(v.crc_result));
+    modem_stats_log_printf(
+        "version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, pdsch_mod_type = %d, pdsch_rnti_type = %d, "
+        "num_layers = %d\n",
+        version, num_records, static_cast<int>(v.pdsch_mcs), static_cast<int>(v.pdsch_rb),
+        static_cast<int>(v.pdsch_mod_type), static_cast<int>(v.pdsch_rnti_type), static_cast<int>(v.num_layers));
+    modem_stats_log_printf("tb_bytes = %d, num_layers_crnti %d, tb_bytes_crnti %lu, crc_result %d\n",
+                           static_cast<int>(v.tb_bytes), static_cast<int>(v.num_layers_crnti),
+                           static_cast<unsigned long>(v.tb_bytes_crnti), static_cast<int>(v.crc_result));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
@@ -378,9 +401,9 @@ void modem_stats_parse_b111_diag_log_lte_ll1_rx_agc(modem_stats_data_id_e_type *
     }
     float rssi[4];
     for (uint32_t i = 0; i < 4; i++) rssi[i] = modem_stats_lte_rssi(static_cast<int32_t>(v[1 + i]));
-    modem_stats_log_printf("version = %d, num_records = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n", version,
-           num_records, static_cast<int>(v[1]), static_cast<int>(v[2]), static_cast<int>(v[3]),
-           static_cast<int>(v[4]));
+    modem_stats_log_printf("version = %d, num_records = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n",
+                           version, num_records, static_cast<int>(v[1]), static_cast<int>(v[2]), static_cast<int>(v[3]),
+                           static_cast<int>(v[4]));
     modem_stats_log_print_buf("rssi0 = %.2f, rssi1 = %.2f, rssi2 = %.2f, rssi3 = %.2f", rssi[0], rssi[1], rssi[2],
                               rssi[3]);
 

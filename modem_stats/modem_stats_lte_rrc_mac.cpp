@@ -46,18 +46,26 @@ void modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info(modem_stats_data_
     if (!modem_stats_data_unpk("mnc_num", &mnc_num)) return;
     if (!modem_stats_data_unpk("mnc", &mnc)) return;
     if (!modem_stats_data_unpk("allow_access", &allow_access)) return;
-    modem_stats_log_printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %d, pci %d\n", version, mcc, mnc_num, mnc, tac,
-           static_cast<int>(cgi), pci);
+    modem_stats_log_printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %d, pci %d\n", version, mcc,
+                           mnc_num, mnc, tac, static_cast<int>(cgi), pci);
     modem_stats_log_printf("freq_band_ind = %d, dl_earfcn = %d, dl_bw %d, ul_earfcn %d, ul_bw %d, allow_access %d\n",
-           static_cast<int>(freq_band_ind), static_cast<int>(dl_earfcn), dl_bw, static_cast<int>(ul_earfcn), ul_bw,
-           allow_access);
+                           static_cast<int>(freq_band_ind), static_cast<int>(dl_earfcn), dl_bw,
+                           static_cast<int>(ul_earfcn), ul_bw, allow_access);
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
-        {"version", version, 1},     {"pci", pci, 2},   {"dl_earfcn", dl_earfcn, 4},
-        {"ul_earfcn", ul_earfcn, 4}, {"dl_bw", dl_bw, 1}, {"ul_bw", ul_bw, 1},
-        {"cgi", cgi, 4},             {"tac", tac, 2},   {"freq_band_ind", freq_band_ind, 4},
-        {"mcc", mcc, 2},             {"mnc_num", mnc_num, 1}, {"mnc", mnc, 2},
+        {"version", version, 1},
+        {"pci", pci, 2},
+        {"dl_earfcn", dl_earfcn, 4},
+        {"ul_earfcn", ul_earfcn, 4},
+        {"dl_bw", dl_bw, 1},
+        {"ul_bw", ul_bw, 1},
+        {"cgi", cgi, 4},
+        {"tac", tac, 2},
+        {"freq_band_ind", freq_band_ind, 4},
+        {"mcc", mcc, 2},
+        {"mnc_num", mnc_num, 1},
+        {"mnc", mnc, 2},
         {"allow_access", allow_access, 1},
     };
     if (!modem_stats_log_pk_fields(fields)) return;
@@ -92,8 +100,8 @@ void modem_stats_parse_b062_diag_log_lte_mac_rach_attempt(modem_stats_sub_id_e_t
     modem_stats_data_skip(B062_SUBPACKET_SIZE_BYTES + B062_BEFORE_RESULT);
     int8_t rach_result = 0;
     if (!modem_stats_data_unpk("rach_result", &rach_result)) return;
-    modem_stats_log_printf("sub_id = %d, version = %d, num_records = %d, version_sub = %d, rach_result = %d\n", sub, version,
-           num_records, version_sub, rach_result);
+    modem_stats_log_printf("sub_id = %d, version = %d, num_records = %d, version_sub = %d, rach_result = %d\n", sub,
+                           version, num_records, version_sub, rach_result);
     if (rach_result == B062_RACH_SUCCESS) {
         puts("rach is success, do nothing");
         return;

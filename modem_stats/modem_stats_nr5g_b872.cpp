@@ -70,9 +70,9 @@ typedef struct {
 bool take(b872_walk *w, const char *name, uint32_t width, uint32_t *value, bool *overrun)
 {
     if (w->bit_num_tb + width > w->mce_bits) {
-        modem_stats_log_printf("------ TB-Overrun[%d][%d][%d], bit_num_tb = %d, mce_bits = %d\n", static_cast<int>(w->tti),
-               static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(w->bit_num_tb + width),
-               static_cast<int>(w->mce_bits));
+        modem_stats_log_printf("------ TB-Overrun[%d][%d][%d], bit_num_tb = %d, mce_bits = %d\n",
+                               static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce),
+                               static_cast<int>(w->bit_num_tb + width), static_cast<int>(w->mce_bits));
         *overrun = true;
         return false;
     }
@@ -90,7 +90,8 @@ bool mc_phr(b872_walk *w, const char *label, uint32_t ci_bits, const b872_stats 
     uint32_t cxr = 0;
     if (!take(w, "cxr", ci_bits, &cxr, overrun)) return false;
     modem_stats_log_printf("------ %s[%d][%d][%d], cxr = %d, bit_num_tb = %d\n", label, static_cast<int>(w->tti),
-           static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(cxr), static_cast<int>(w->bit_num_tb));
+                           static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(cxr),
+                           static_cast<int>(w->bit_num_tb));
     uint32_t scells = static_cast<uint32_t>(__builtin_popcount(cxr & ~1u));
     const char *kinds[3 + 32];
     uint32_t n = 0;
@@ -106,9 +107,9 @@ bool mc_phr(b872_walk *w, const char *label, uint32_t ci_bits, const b872_stats 
             uint32_t pcmax = 0;
             if (!take(w, "pcmax", OCTET, &pcmax, overrun)) return false;
         }
-        modem_stats_log_printf("------ %s-%s[%d][%d][%d], v_val = %d, bit_num_tb = %d\n", label, kinds[e], static_cast<int>(w->tti),
-               static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(v_val),
-               static_cast<int>(w->bit_num_tb));
+        modem_stats_log_printf("------ %s-%s[%d][%d][%d], v_val = %d, bit_num_tb = %d\n", label, kinds[e],
+                               static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce),
+                               static_cast<int>(v_val), static_cast<int>(w->bit_num_tb));
     }
     return true;
 }
@@ -126,9 +127,10 @@ bool long_bsr(b872_walk *w, const char *label, b872_stats *st, bool *overrun)
         st->bsr_idx_num++;
         st->bsr_idx_sum += value;
     }
-    modem_stats_log_printf("------ %s[%d][%d][%d], bsr_length = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
-           static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_length),
-           static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
+    modem_stats_log_printf(
+        "------ %s[%d][%d][%d], bsr_length = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
+        static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_length),
+        static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
     return true;
 }
 
@@ -139,9 +141,10 @@ bool short_bsr(b872_walk *w, const char *label, b872_stats *st, bool *overrun)
     if (!take(w, "lcg_id", OCTET - SHORT_BSR_IDX_BITS, &lcg, overrun)) return false;
     st->bsr_idx_num++;
     st->bsr_idx_sum += bsr_idx_tmp;
-    modem_stats_log_printf("------ %s[%d][%d][%d], bsr_idx_tmp = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
-           static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_idx_tmp),
-           static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
+    modem_stats_log_printf(
+        "------ %s[%d][%d][%d], bsr_idx_tmp = %d, bsr_idx_num = %d, bsr_idx_sum = %d, bit_num_tb = %d\n", label,
+        static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(bsr_idx_tmp),
+        static_cast<int>(st->bsr_idx_num), static_cast<int>(st->bsr_idx_sum), static_cast<int>(w->bit_num_tb));
     return true;
 }
 
@@ -152,8 +155,8 @@ bool skipped(b872_walk *w, const char *label, uint32_t bits, bool *overrun)
     for (uint32_t i = 0; i < bits / OCTET; i++) {
         if (!take(w, label, OCTET, &body, overrun)) return false;
     }
-    modem_stats_log_printf("------ %s[%d][%d][%d], bit_num_tb = %d\n", label, static_cast<int>(w->tti), static_cast<int>(w->tb),
-           static_cast<int>(w->mce), static_cast<int>(w->bit_num_tb));
+    modem_stats_log_printf("------ %s[%d][%d][%d], bit_num_tb = %d\n", label, static_cast<int>(w->tti),
+                           static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(w->bit_num_tb));
     return true;
 }
 
@@ -172,22 +175,22 @@ bool walk_elements(b872_walk *w, uint32_t mce_len, uint32_t *bit_sum_tb, b872_st
         mce_type &= (1u << MCE_TYPE_BITS) - 1;
         bool unknown = false;
         switch (mce_type) {
-        case LCID_LONG_TRUNC_BSR: ok = long_bsr(w, "LongTruncBsr", st, &overrun); break;
-        case LCID_LONG_BSR: ok = long_bsr(w, "LongBsr", st, &overrun); break;
-        case LCID_SHORT_TRUNC_BSR: ok = short_bsr(w, "ShortTruncBsr", st, &overrun); break;
-        case LCID_SHORT_BSR: ok = short_bsr(w, "ShortBsr", st, &overrun); break;
-        case LCID_SINGLE_PHR: ok = skipped(w, "SinglePhr", 2 * OCTET, &overrun); break;
-        case LCID_MC1_PHR: ok = mc_phr(w, "Mc1Phr", OCTET, *st, &overrun); break;
-        case LCID_MC4_PHR: ok = mc_phr(w, "Mc4Phr", 4 * OCTET, *st, &overrun); break;
-        case LCID_C_RNTI: ok = skipped(w, "CRnti", 2 * OCTET, &overrun); break;
-        case LCID_RECOMMENDED_BIT_RATE: ok = skipped(w, "RecommendedBitRate", 2 * OCTET, &overrun); break;
-        default:
-            /* The size of an unknown element is unknown: the block ends here. */
-            modem_stats_log_printf("------ Unknown[%d][%d][%d], mce_type = %d, bit_num_tb = %d\n", static_cast<int>(w->tti),
-                   static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(mce_type),
-                   static_cast<int>(w->bit_num_tb));
-            unknown = true;
-            break;
+            case LCID_LONG_TRUNC_BSR: ok = long_bsr(w, "LongTruncBsr", st, &overrun); break;
+            case LCID_LONG_BSR: ok = long_bsr(w, "LongBsr", st, &overrun); break;
+            case LCID_SHORT_TRUNC_BSR: ok = short_bsr(w, "ShortTruncBsr", st, &overrun); break;
+            case LCID_SHORT_BSR: ok = short_bsr(w, "ShortBsr", st, &overrun); break;
+            case LCID_SINGLE_PHR: ok = skipped(w, "SinglePhr", 2 * OCTET, &overrun); break;
+            case LCID_MC1_PHR: ok = mc_phr(w, "Mc1Phr", OCTET, *st, &overrun); break;
+            case LCID_MC4_PHR: ok = mc_phr(w, "Mc4Phr", 4 * OCTET, *st, &overrun); break;
+            case LCID_C_RNTI: ok = skipped(w, "CRnti", 2 * OCTET, &overrun); break;
+            case LCID_RECOMMENDED_BIT_RATE: ok = skipped(w, "RecommendedBitRate", 2 * OCTET, &overrun); break;
+            default:
+                /* The size of an unknown element is unknown: the block ends here. */
+                modem_stats_log_printf("------ Unknown[%d][%d][%d], mce_type = %d, bit_num_tb = %d\n",
+                                       static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce),
+                                       static_cast<int>(mce_type), static_cast<int>(w->bit_num_tb));
+                unknown = true;
+                break;
         }
         if (unknown || overrun) break;
         if (!ok) return false; /* the unpacker refused a read */
@@ -195,8 +198,9 @@ bool walk_elements(b872_walk *w, uint32_t mce_len, uint32_t *bit_sum_tb, b872_st
     }
     *bit_sum_tb += w->bit_num_tb;
     modem_stats_log_printf("------ TB-End[%d][%d][%d], mce_len = %d, mce_type = %d, bit_num_tb = %d, bit_sum_tb = %d\n",
-           static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce), static_cast<int>(mce_len),
-           static_cast<int>(mce_type), static_cast<int>(w->bit_num_tb), static_cast<int>(*bit_sum_tb));
+                           static_cast<int>(w->tti), static_cast<int>(w->tb), static_cast<int>(w->mce),
+                           static_cast<int>(mce_len), static_cast<int>(mce_type), static_cast<int>(w->bit_num_tb),
+                           static_cast<int>(*bit_sum_tb));
     return true;
 }
 
@@ -250,8 +254,9 @@ void modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(modem_stats_data_id_e_type *d
         return;
     }
     uint32_t bsr_idx = st.bsr_idx_num ? st.bsr_idx_sum / st.bsr_idx_num : 0;
-    modem_stats_log_printf("version = %d, bsr_idx = %d, bsr_idx_num = %d, bsr_idx_sum = %d\n", static_cast<int>(version),
-           static_cast<int>(bsr_idx), static_cast<int>(st.bsr_idx_num), static_cast<int>(st.bsr_idx_sum));
+    modem_stats_log_printf("version = %d, bsr_idx = %d, bsr_idx_num = %d, bsr_idx_sum = %d\n",
+                           static_cast<int>(version), static_cast<int>(bsr_idx), static_cast<int>(st.bsr_idx_num),
+                           static_cast<int>(st.bsr_idx_sum));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {{"version", version, 4},

@@ -99,17 +99,18 @@ void modem_stats_parse_b8c9_diag_log_nr5g_ll1_fw_rx_control_agc(modem_stats_data
     if (!modem_stats_log_version_check(version_agc_sub, B8C9_AGC_SUB_VERSIONS, B8C9_AGC_SUB_NAME)) return;
     if (!modem_stats_data_unpk("code", &code)) return;
     if (code != B8C9_CODE_RSSI) {
-        modem_stats_log_printf("version = %d, version_agc_sub = %d, code = %d, only support code - 4\n", static_cast<int>(version),
-               version_agc_sub, code);
+        modem_stats_log_printf("version = %d, version_agc_sub = %d, code = %d, only support code - 4\n",
+                               static_cast<int>(version), version_agc_sub, code);
         return;
     }
     modem_stats_data_skip(B8C9_BEFORE_RSSI);
     if (!modem_stats_base_with_bit()) return;
     uint64_t raw[RX_CHAINS];
     if (!modem_stats_log_read_rows(B8C9_ROWS, raw)) return;
-    modem_stats_log_printf("version = %d, version_agc_sub = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n",
-           static_cast<int>(version), version_agc_sub, static_cast<int>(raw[0]), static_cast<int>(raw[1]),
-           static_cast<int>(raw[2]), static_cast<int>(raw[3]));
+    modem_stats_log_printf(
+        "version = %d, version_agc_sub = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n",
+        static_cast<int>(version), version_agc_sub, static_cast<int>(raw[0]), static_cast<int>(raw[1]),
+        static_cast<int>(raw[2]), static_cast<int>(raw[3]));
     if (raw[0] == 0 && raw[1] == 0 && raw[2] == 0 && raw[3] == 0) {
         puts("rssi is invalid, do nothing");
         return;
@@ -160,10 +161,12 @@ void modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(modem_stats_dat
         }
         modem_stats_bit_advance(layout.entry_bits);
     }
-    modem_stats_log_printf("version = %d, version_power = %d, loop_num = %d, pusch_tx = %d, pusch_path_loss = %d, pusch_mtpl = %d\n",
-           static_cast<int>(version), version_power, loop_num, v[0][0], v[0][1], v[0][2]);
-    modem_stats_log_printf("pucch_tx = %d, pucch_path_loss = %d, pucch_mtpl = %d, srs_tx = %d, srs_path_loss = %d, srs_mtpl = %d\n",
-           v[1][0], v[1][1], v[1][2], v[2][0], v[2][1], v[2][2]);
+    modem_stats_log_printf(
+        "version = %d, version_power = %d, loop_num = %d, pusch_tx = %d, pusch_path_loss = %d, pusch_mtpl = %d\n",
+        static_cast<int>(version), version_power, loop_num, v[0][0], v[0][1], v[0][2]);
+    modem_stats_log_printf(
+        "pucch_tx = %d, pucch_path_loss = %d, pucch_mtpl = %d, srs_tx = %d, srs_path_loss = %d, srs_mtpl = %d\n",
+        v[1][0], v[1][1], v[1][2], v[2][0], v[2][1], v[2][2]);
     modem_stats_log_printf("prach_tx = %d, prach_path_loss = %d, prach_mtpl = %d\n", v[3][0], v[3][1], v[3][2]);
 
     modem_stats_data_pk_begin();
@@ -190,7 +193,8 @@ void modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(modem_stats_data_i
     float snr[RX_CHAINS];
     for (uint32_t i = 0; i < RX_CHAINS; i++) snr[i] = modem_stats_nr5g_snr(raw[i]);
     modem_stats_log_printf("version = %d, snr0 = %d, snr1 = %d, snr2 = %d, snr3 = %d\n", static_cast<int>(version),
-           static_cast<int>(raw[0]), static_cast<int>(raw[1]), static_cast<int>(raw[2]), static_cast<int>(raw[3]));
+                           static_cast<int>(raw[0]), static_cast<int>(raw[1]), static_cast<int>(raw[2]),
+                           static_cast<int>(raw[3]));
     modem_stats_log_print_buf("snr0_f = %.2f, snr1_f = %.2f, snr2_f = %.2f, snr3_f = %.2f", snr[0], snr[1], snr[2],
                               snr[3]);
     pack_four_floats(version, SNR_NAMES, snr, MODEM_STATS_DATA_ID_NR5G_LL1_SRV_SNR, data_id, record);

@@ -51,7 +51,7 @@ bool read_count(uint32_t at, const modem_stats_bit_field_row &row, uint32_t *cou
 constexpr uint32_t B885_VERSIONS[] = {0x20007, 0x2000A, 0x2000C};
 enum { B885_FORMAT, B885_RAW_INCLUDED, B885_MCS_UL, B885_RB, B885_MCS_DL, B885_ROWS };
 constexpr modem_stats_bit_field_row B885_DCI_ROWS[] = {
-    {"dci_format", 0, 4, 8},   {"raw_dci_included", 4, 1, 8}, {"mcs_ul", 8, 5, 8},
+    {"dci_format", 0, 4, 8},    {"raw_dci_included", 4, 1, 8}, {"mcs_ul", 8, 5, 8},
     {"rb_assi_num", 16, 9, 16}, {"mcs_dl", 32, 5, 8},
 };
 static_assert(modem_stats_log_rows_fit(B885_DCI_ROWS) && modem_stats_log_rows_within(B885_DCI_ROWS, 12 * 8),
@@ -87,14 +87,29 @@ typedef struct {
 } b887_layout;
 
 constexpr b887_layout B887_LAYOUTS[] = {
-    {4, {"num_pdsch_status", 16, 4, 8}, 8,
-     {{"mod_type", 4, 3, 8}, {"mcs", 8, 5, 8}, {"pdsch_rnti_type", 13, 3, 8}, {"num_layers", 16, 3, 8},
+    {4,
+     {"num_pdsch_status", 16, 4, 8},
+     8,
+     {{"mod_type", 4, 3, 8},
+      {"mcs", 8, 5, 8},
+      {"pdsch_rnti_type", 13, 3, 8},
+      {"num_layers", 16, 3, 8},
       {"num_mimo", 19, 3, 8}}},
-    {4, {"num_pdsch_status", 16, 4, 8}, 12,
-     {{"mod_type", 4, 3, 8}, {"mcs", 8, 5, 8}, {"pdsch_rnti_type", 13, 3, 8}, {"num_layers", 16, 3, 8},
+    {4,
+     {"num_pdsch_status", 16, 4, 8},
+     12,
+     {{"mod_type", 4, 3, 8},
+      {"mcs", 8, 5, 8},
+      {"pdsch_rnti_type", 13, 3, 8},
+      {"num_layers", 16, 3, 8},
       {"num_mimo", 19, 3, 8}}},
-    {8, {"num_pdsch_status", 32, 4, 8}, 12,
-     {{"mod_type", 4, 4, 8}, {"mcs", 8, 5, 8}, {"pdsch_rnti_type", 13, 3, 8}, {"num_layers", 16, 4, 8},
+    {8,
+     {"num_pdsch_status", 32, 4, 8},
+     12,
+     {{"mod_type", 4, 4, 8},
+      {"mcs", 8, 5, 8},
+      {"pdsch_rnti_type", 13, 3, 8},
+      {"num_layers", 16, 4, 8},
       {"num_mimo", 20, 4, 8}}},
 };
 
@@ -222,12 +237,15 @@ void modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(modem_stats_data_id_e_typ
             at += layout.dci_bytes + (v[B885_RAW_INCLUDED] ? B885_RAW_DCI_BYTES : 0);
         }
     }
-    modem_stats_log_printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n", static_cast<int>(version),
-           num_records, static_cast<int>(mcs_dl), static_cast<int>(mcs_ul), static_cast<int>(rb_assi_num));
+    modem_stats_log_printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n",
+                           static_cast<int>(version), num_records, static_cast<int>(mcs_dl), static_cast<int>(mcs_ul),
+                           static_cast<int>(rb_assi_num));
 
     modem_stats_data_pk_begin();
-    const modem_stats_log_pk_field fields[] = {{"version", version, 4}, {"num_records", num_records, 1},
-                                               {"mcs_dl", mcs_dl, 1},   {"mcs_ul", mcs_ul, 1},
+    const modem_stats_log_pk_field fields[] = {{"version", version, 4},
+                                               {"num_records", num_records, 1},
+                                               {"mcs_dl", mcs_dl, 1},
+                                               {"mcs_ul", mcs_ul, 1},
                                                {"rb_assi_num", rb_assi_num, 2}};
     if (!modem_stats_log_pk_fields(fields)) return;
     modem_stats_data_pk_finish(MODEM_STATS_DATA_ID_NR5G_MAC_DCI_INFO, data_id, record);
@@ -260,18 +278,25 @@ void modem_stats_parse_b887_diag_log_nr5g_mac_pdsch_status(modem_stats_sub_id_e_
         return;
     }
     uint32_t mimo22_flag = v[B887_NUM_LAYERS] == MIMO_2X2 && v[B887_NUM_MIMO] == MIMO_2X2;
-    modem_stats_log_printf("version = %d, num_records = %d, num_pdsch_status = %d, mod_type = %d, mcs = %d, pdsch_rnti_type = %d, "
-           "num_layers = %d\n",
-           static_cast<int>(version), num_records, static_cast<int>(total), static_cast<int>(v[B887_MOD_TYPE]),
-           static_cast<int>(v[B887_MCS]), static_cast<int>(v[B887_RNTI_TYPE]), static_cast<int>(v[B887_NUM_LAYERS]));
+    modem_stats_log_printf(
+        "version = %d, num_records = %d, num_pdsch_status = %d, mod_type = %d, mcs = %d, pdsch_rnti_type = %d, "
+        "num_layers = %d\n",
+        static_cast<int>(version), num_records, static_cast<int>(total), static_cast<int>(v[B887_MOD_TYPE]),
+        static_cast<int>(v[B887_MCS]), static_cast<int>(v[B887_RNTI_TYPE]), static_cast<int>(v[B887_NUM_LAYERS]));
     modem_stats_log_printf("sub_id = %d, num_layers = %d, num_mimo = %d, mimo22_flag = %d\n", sub,
-           static_cast<int>(v[B887_NUM_LAYERS]), static_cast<int>(v[B887_NUM_MIMO]), static_cast<int>(mimo22_flag));
+                           static_cast<int>(v[B887_NUM_LAYERS]), static_cast<int>(v[B887_NUM_MIMO]),
+                           static_cast<int>(mimo22_flag));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
-        {"version", version, 4},           {"num_pdsch_status", total, 1},       {"mod_type", v[B887_MOD_TYPE], 1},
-        {"mcs", v[B887_MCS], 1},           {"pdsch_rnti_type", v[B887_RNTI_TYPE], 1},
-        {"num_layers", v[B887_NUM_LAYERS], 1}, {"num_mimo", v[B887_NUM_MIMO], 1}, {"mimo22_flag", mimo22_flag, 1},
+        {"version", version, 4},
+        {"num_pdsch_status", total, 1},
+        {"mod_type", v[B887_MOD_TYPE], 1},
+        {"mcs", v[B887_MCS], 1},
+        {"pdsch_rnti_type", v[B887_RNTI_TYPE], 1},
+        {"num_layers", v[B887_NUM_LAYERS], 1},
+        {"num_mimo", v[B887_NUM_MIMO], 1},
+        {"mimo22_flag", mimo22_flag, 1},
     };
     if (!modem_stats_log_pk_fields(fields)) return;
     modem_stats_single_data_common_type *made = nullptr;
@@ -303,16 +328,15 @@ void modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(modem_stats_data_id_e_
         uint64_t bytes = 0;
         if (!modem_stats_log_seek(at + layout.pdcp_decode_at) || !modem_stats_data_unpk("num_pdcp_decode", &decode))
             return;
-        if (!modem_stats_log_seek(at + layout.crc_fail_at) || !modem_stats_data_unpk("num_crc_fail", &crc_fail))
-            return;
+        if (!modem_stats_log_seek(at + layout.crc_fail_at) || !modem_stats_data_unpk("num_crc_fail", &crc_fail)) return;
         if (!modem_stats_log_seek(at + layout.tb_bytes_at) || !modem_stats_data_unpk("tb_bytes", &bytes)) return;
         num_pdcp_decode += decode;
         num_crc_fail += crc_fail;
         tb_bytes += bytes;
     }
     modem_stats_log_printf("version = %d, num_records = %d, num_pdcp_decode = %d, num_crc_fail = %d, tb_bytes = %lu\n",
-           static_cast<int>(version), num_records, static_cast<int>(num_pdcp_decode), static_cast<int>(num_crc_fail),
-           static_cast<unsigned long>(tb_bytes));
+                           static_cast<int>(version), num_records, static_cast<int>(num_pdcp_decode),
+                           static_cast<int>(num_crc_fail), static_cast<unsigned long>(tb_bytes));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {{"version", version, 4},
@@ -342,13 +366,16 @@ void modem_stats_parse_b8a7_diag_log_nr5g_mac_csf_report(modem_stats_data_id_e_t
             if (!modem_stats_log_read_rows(B8A7_ROWS, v)) return;
         }
     }
-    modem_stats_log_printf("version = %d, num_records = %d, metrics_ri = %d, metrics_cqi = %d, bitwidth_ri = %d, bitwidth_cqi = %d\n",
-           static_cast<int>(version), num_records, static_cast<int>(v[0]), static_cast<int>(v[1]),
-           static_cast<int>(v[2]), static_cast<int>(v[3]));
+    modem_stats_log_printf(
+        "version = %d, num_records = %d, metrics_ri = %d, metrics_cqi = %d, bitwidth_ri = %d, bitwidth_cqi = %d\n",
+        static_cast<int>(version), num_records, static_cast<int>(v[0]), static_cast<int>(v[1]), static_cast<int>(v[2]),
+        static_cast<int>(v[3]));
 
     modem_stats_data_pk_begin();
-    const modem_stats_log_pk_field fields[] = {{"version", version, 4}, {"metrics_ri", v[0], 1},
-                                               {"metrics_cqi", v[1], 1}, {"bitwidth_ri", v[2], 1},
+    const modem_stats_log_pk_field fields[] = {{"version", version, 4},
+                                               {"metrics_ri", v[0], 1},
+                                               {"metrics_cqi", v[1], 1},
+                                               {"bitwidth_ri", v[2], 1},
                                                {"bitwidth_cqi", v[3], 1}};
     if (!modem_stats_log_pk_fields(fields)) return;
     modem_stats_data_pk_finish(MODEM_STATS_DATA_ID_NR5G_MAC_CSF_REPORT, data_id, record);
@@ -373,10 +400,11 @@ void modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl(modem_stats_d
             if (!b884_read_carrier(layout, &at, power)) return;
         }
     }
-    modem_stats_log_printf("version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, tx_power_pucch = %d, "
-           "tx_power_srs = %d, tx_power_prach = %d\n",
-           static_cast<int>(version), num_records, static_cast<int>(num_carriers), power[B884_PUSCH],
-           power[B884_PUCCH], power[B884_SRS], power[B884_PRACH]);
+    modem_stats_log_printf(
+        "version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, tx_power_pucch = %d, "
+        "tx_power_srs = %d, tx_power_prach = %d\n",
+        static_cast<int>(version), num_records, static_cast<int>(num_carriers), power[B884_PUSCH], power[B884_PUCCH],
+        power[B884_SRS], power[B884_PRACH]);
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {

@@ -107,12 +107,14 @@ void modem_stats_parse_b88a_diag_log_nr5g_mac_rach_attempt(modem_stats_sub_id_e_
         if (!read_at(msg2_at + B88A_MSG2_TA_AT, "ta", &ta)) return;
     }
     if (!read_at(layout.rach_result_at, "rach_result", &rach_result)) return;
-    modem_stats_log_printf("sub_id = %d, version = %d, rach_msg_bitmask = %d, t_rnti = %d, ta = %d, rach_result = %d\n", sub,
-           static_cast<int>(version), rach_msg_bitmask, t_rnti, ta, rach_result);
+    modem_stats_log_printf("sub_id = %d, version = %d, rach_msg_bitmask = %d, t_rnti = %d, ta = %d, rach_result = %d\n",
+                           sub, static_cast<int>(version), rach_msg_bitmask, t_rnti, ta, rach_result);
 
     modem_stats_data_pk_begin();
-    const modem_stats_log_pk_field fields[] = {{"version", version, 4}, {"rach_msg_bitmask", rach_msg_bitmask, 1},
-                                               {"t_rnti", t_rnti, 2},   {"ta", ta, 2},
+    const modem_stats_log_pk_field fields[] = {{"version", version, 4},
+                                               {"rach_msg_bitmask", rach_msg_bitmask, 1},
+                                               {"t_rnti", t_rnti, 2},
+                                               {"ta", ta, 2},
                                                {"rach_result", rach_result, 1}};
     if (!modem_stats_log_pk_fields(fields)) return;
     modem_stats_data_pk_finish(MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, data_id, record);
@@ -144,8 +146,8 @@ void modem_stats_parse_b883_diag_log_nr5g_mac_ul_physical_channel_schedule_repor
         }
     }
     modem_stats_log_printf("version = %d, num_records = %d, num_carrier = %d, phychan_bit_mask = %d, tx_mode = %d\n",
-           static_cast<int>(version), num_records, static_cast<int>(num_carrier), static_cast<int>(phychan_bit_mask),
-           static_cast<int>(tx_mode));
+                           static_cast<int>(version), num_records, static_cast<int>(num_carrier),
+                           static_cast<int>(phychan_bit_mask), static_cast<int>(tx_mode));
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {{"version", version, 4},

@@ -40,9 +40,11 @@ constexpr uint8_t B97F_MAX_CC_ID = 15;
 constexpr size_t B97F_RECORD_CARRIERS = sizeof(MODEM_STATS_B97F_RECORD_IDS) / sizeof(MODEM_STATS_B97F_RECORD_IDS[0]);
 
 /* Carrier fields, in reading order. */
-constexpr modem_stats_bit_field_row B97F_CARRIER_ROWS[] = {
-    {"cc_id", 40, 8, 8}, {"num_cells", 32, 8, 8}, {"srv_pci", 48, 16, 16}, {"rsrp_i2", 96, 32, 32},
-    {"rsrp_i3", 128, 32, 32}};
+constexpr modem_stats_bit_field_row B97F_CARRIER_ROWS[] = {{"cc_id", 40, 8, 8},
+                                                           {"num_cells", 32, 8, 8},
+                                                           {"srv_pci", 48, 16, 16},
+                                                           {"rsrp_i2", 96, 32, 32},
+                                                           {"rsrp_i3", 128, 32, 32}};
 constexpr modem_stats_bit_field_row B97F_CELL_ROWS[] = {
     {"pci_1", 0, 16, 16}, {"num_beams", 32, 4, 8}, {"rsrq_i", 96, 32, 32}};
 constexpr modem_stats_bit_field_row B97F_BEAM_ROWS[] = {{"rsrp_i0", 160, 32, 32}, {"rsrp_i1", 192, 32, 32}};
@@ -87,8 +89,8 @@ bool b97f_read_cells(const b97f_layout &layout, uint32_t l, uint32_t num_cells, 
         if (!modem_stats_log_read_rows(B97F_CELL_ROWS, cell)) return false;
         if (!b97f_within(static_cast<uint32_t>(cell[1]), B97F_MAX_BEAMS, "b97f num_beams")) return false;
         int32_t rsrq_i = static_cast<int32_t>(cell[2]);
-        modem_stats_log_printf("cell[%d][%d]: pci_1 = %d, num_beams = %d, rsrq_i = %d\n", static_cast<int>(l), static_cast<int>(c),
-               static_cast<int>(cell[0]), static_cast<int>(cell[1]), rsrq_i);
+        modem_stats_log_printf("cell[%d][%d]: pci_1 = %d, num_beams = %d, rsrq_i = %d\n", static_cast<int>(l),
+                               static_cast<int>(c), static_cast<int>(cell[0]), static_cast<int>(cell[1]), rsrq_i);
         bool serving = !serving_seen && cell[0] == srv_pci;
         if (serving) {
             serving_seen = true;
@@ -99,8 +101,9 @@ bool b97f_read_cells(const b97f_layout &layout, uint32_t l, uint32_t num_cells, 
             if (!modem_stats_log_seek(*at)) return false;
             uint64_t beam[2];
             if (!modem_stats_log_read_rows(B97F_BEAM_ROWS, beam)) return false;
-            modem_stats_log_printf("beam[%d][%d][%d]: rsrp_i0 = %d, rsrp_i1 = %d\n", static_cast<int>(l), static_cast<int>(c),
-                   static_cast<int>(b), static_cast<int32_t>(beam[0]), static_cast<int32_t>(beam[1]));
+            modem_stats_log_printf("beam[%d][%d][%d]: rsrp_i0 = %d, rsrp_i1 = %d\n", static_cast<int>(l),
+                                   static_cast<int>(c), static_cast<int>(b), static_cast<int32_t>(beam[0]),
+                                   static_cast<int32_t>(beam[1]));
             if (serving && b == 0) {
                 carrier->rsrp_i[0] = static_cast<int32_t>(beam[0]);
                 carrier->rsrp_i[1] = static_cast<int32_t>(beam[1]);
@@ -175,8 +178,8 @@ void modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(modem_sta
         uint64_t v[5];
         if (!modem_stats_log_read_rows(B97F_CARRIER_ROWS, v)) return;
         modem_stats_log_printf("layer[%d]: cc_id = %d, num_cells = %d, srv_pci = %d, rsrp_i2 = %d, rsrp_i3 = %d\n",
-               static_cast<int>(l), static_cast<int>(v[0]), static_cast<int>(v[1]), static_cast<int>(v[2]),
-               static_cast<int32_t>(v[3]), static_cast<int32_t>(v[4]));
+                               static_cast<int>(l), static_cast<int>(v[0]), static_cast<int>(v[1]),
+                               static_cast<int>(v[2]), static_cast<int32_t>(v[3]), static_cast<int32_t>(v[4]));
         if (!b97f_within(static_cast<uint32_t>(v[0]), B97F_MAX_CC_ID, "b97f cc_id")) return;
         if (!b97f_within(static_cast<uint32_t>(v[1]), B97F_MAX_CELLS, "b97f num_cells")) return;
         b97f_carrier &carrier = carriers[l];
@@ -232,14 +235,19 @@ void modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(modem_stats_sub_id_
         if (!modem_stats_data_unpk("level_current", &level_current)) return;
         modem_stats_data_skip(B981_ACTION_RESERVED);
     }
-    modem_stats_log_printf("version = %d, state_last = %d, state_current = %d, num_action = %d, action_type = %d, level_last = %d, "
-           "level_current = %d\n",
-           static_cast<int>(version), state_last, state_current, num_action, action_type, level_last, level_current);
+    modem_stats_log_printf(
+        "version = %d, state_last = %d, state_current = %d, num_action = %d, action_type = %d, level_last = %d, "
+        "level_current = %d\n",
+        static_cast<int>(version), state_last, state_current, num_action, action_type, level_last, level_current);
 
     modem_stats_data_pk_begin();
     const modem_stats_log_pk_field fields[] = {
-        {"version", version, 4},         {"state_last", state_last, 1}, {"state_current", state_current, 1},
-        {"num_action", num_action, 1},   {"action_type", action_type, 1}, {"level_last", level_last, 1},
+        {"version", version, 4},
+        {"state_last", state_last, 1},
+        {"state_current", state_current, 1},
+        {"num_action", num_action, 1},
+        {"action_type", action_type, 1},
+        {"level_last", level_last, 1},
         {"level_current", level_current, 1},
     };
     if (!modem_stats_log_pk_fields(fields)) return;
@@ -247,7 +255,7 @@ void modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(modem_stats_sub_id_
 }
 
 void modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(modem_stats_data_id_e_type *data_id,
-                                                                      modem_stats_single_data_common_type **record)
+                                                                       modem_stats_single_data_common_type **record)
 {
     uint32_t version = 0;
     if (!modem_stats_data_unpk("version", &version)) return;
@@ -258,14 +266,16 @@ void modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(modem_sta
     if (!modem_stats_base_with_bit()) return;
     uint64_t a[B98F_FIELDS];
     if (!modem_stats_log_read_rows(B98F_ROWS, a)) return;
-    modem_stats_log_printf("version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, ant_rx_2_old = "
-           "%d, ant_rx_2_new = %d\n",
-           static_cast<int>(version), static_cast<int>(a[0]), static_cast<int>(a[1]), static_cast<int>(a[2]),
-           static_cast<int>(a[3]), static_cast<int>(a[4]), static_cast<int>(a[5]));
-    modem_stats_log_printf("ant_rx_3_old = %d, ant_rx_3_new = %d, ant_tx_0_old = %d, ant_tx_0_new = %d, ant_tx_1_old = %d, "
-           "ant_tx_1_new = %d\n",
-           static_cast<int>(a[6]), static_cast<int>(a[7]), static_cast<int>(a[8]), static_cast<int>(a[9]),
-           static_cast<int>(a[10]), static_cast<int>(a[11]));
+    modem_stats_log_printf(
+        "version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, ant_rx_2_old = "
+        "%d, ant_rx_2_new = %d\n",
+        static_cast<int>(version), static_cast<int>(a[0]), static_cast<int>(a[1]), static_cast<int>(a[2]),
+        static_cast<int>(a[3]), static_cast<int>(a[4]), static_cast<int>(a[5]));
+    modem_stats_log_printf(
+        "ant_rx_3_old = %d, ant_rx_3_new = %d, ant_tx_0_old = %d, ant_tx_0_new = %d, ant_tx_1_old = %d, "
+        "ant_tx_1_new = %d\n",
+        static_cast<int>(a[6]), static_cast<int>(a[7]), static_cast<int>(a[8]), static_cast<int>(a[9]),
+        static_cast<int>(a[10]), static_cast<int>(a[11]));
 
     modem_stats_data_pk_begin();
     if (!modem_stats_data_pk("version", version, sizeof(uint32_t))) return;

@@ -72,8 +72,8 @@ void volte_session(const char *outcome_name, modem_stats_data_id_e_type id, cons
         modem_stats_version_not_support(version, parser);
         return;
     }
-    uint8_t dialled_string_len = 0, direction = 0, call_id_len = 0, originating_url_len = 0,
-            terminating_url_len = 0, rat = 0;
+    uint8_t dialled_string_len = 0, direction = 0, call_id_len = 0, originating_url_len = 0, terminating_url_len = 0,
+            rat = 0;
     uint16_t outcome = 0;
     uint32_t call_setup_delay = 0;
     if (!skip_string("dialled_string_len", &dialled_string_len)) return;
@@ -84,10 +84,11 @@ void volte_session(const char *outcome_name, modem_stats_data_id_e_type id, cons
     if (!modem_stats_data_unpk(outcome_name, &outcome)) return;
     if (!modem_stats_data_unpk("call_setup_delay", &call_setup_delay)) return;
     if (!modem_stats_data_unpk("rat", &rat)) return;
-    modem_stats_log_printf("version = %d, direction = %d, %s = %d, call_setup_delay = %d, rat = %d, originating_url_len = %d, "
-           "terminating_url_len = %d\n",
-           version, direction, outcome_name, outcome, static_cast<int>(call_setup_delay), rat, originating_url_len,
-           terminating_url_len);
+    modem_stats_log_printf(
+        "version = %d, direction = %d, %s = %d, call_setup_delay = %d, rat = %d, originating_url_len = %d, "
+        "terminating_url_len = %d\n",
+        version, direction, outcome_name, outcome, static_cast<int>(call_setup_delay), rat, originating_url_len,
+        terminating_url_len);
 
     /* Fixed layout of records 125 and 126: the version is always 3. */
     modem_stats_data_pk_begin();
@@ -171,9 +172,10 @@ void modem_stats_parse_156e_diag_log_ims_sip_message(modem_stats_data_id_e_type 
     if (!modem_stats_data_unpk("msg_id", &msg_id)) return;
     if (!modem_stats_data_unpk("response_code", &response_code)) return;
     if (!modem_stats_data_unpk("cm_call_id", &cm_call_id)) return;
-    modem_stats_log_printf("version = %d, direction = %d, sdp_presence = %d, sip_call_id_len = %d, sip_msg_len = %d, "
-           "sip_msg_logged_bytes = %d, msg_id = %d\n",
-           version, direction, sdp_presence, sip_call_id_len, sip_msg_len, sip_msg_logged_bytes, msg_id);
+    modem_stats_log_printf(
+        "version = %d, direction = %d, sdp_presence = %d, sip_call_id_len = %d, sip_msg_len = %d, "
+        "sip_msg_logged_bytes = %d, msg_id = %d\n",
+        version, direction, sdp_presence, sip_call_id_len, sip_msg_len, sip_msg_logged_bytes, msg_id);
     modem_stats_log_printf("response_code = %d, cm_call_id = %d\n", response_code, static_cast<int>(cm_call_id));
 
     modem_stats_data_pk_begin();

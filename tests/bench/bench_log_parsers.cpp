@@ -30,8 +30,10 @@ struct bytes {
         if (b.size() < (bit + width + 7) / 8) b.resize((bit + width + 7) / 8, 0);
         for (uint32_t i = 0; i < width; i++) {
             uint8_t m = static_cast<uint8_t>(1u << ((bit + i) % 8));
-            if ((v >> i) & 1) b[(bit + i) / 8] |= m;
-            else b[(bit + i) / 8] &= static_cast<uint8_t>(~m);
+            if ((v >> i) & 1)
+                b[(bit + i) / 8] |= m;
+            else
+                b[(bit + i) / 8] &= static_cast<uint8_t>(~m);
         }
         return *this;
     }

@@ -116,7 +116,8 @@ TEST_F(CaptureTest, AttRrcServingCellInfoVersion3)
     log_test::run_result r = run_log(0xB0C2, b0c2[0].payload);
     EXPECT_TRUE(contains(r.out, "version = 3, mcc = 310, mnc_num 3, mnc 410, ")) << r.out;
     EXPECT_TRUE(contains(r.out, ", pci 185\n")) << r.out;
-    EXPECT_TRUE(contains(r.out, "freq_band_ind = 17, dl_earfcn = 5780, dl_bw 50, ul_earfcn 23780, ul_bw 50, ")) << r.out;
+    EXPECT_TRUE(contains(r.out, "freq_band_ind = 17, dl_earfcn = 5780, dl_bw 50, ul_earfcn 23780, ul_bw 50, "))
+        << r.out;
     ASSERT_EQ(r.records.size(), 1u);
     EXPECT_EQ(r.records[0].id, MODEM_STATS_DATA_ID_LTE_RRC_SERVING_CELL_INFO);
     EXPECT_EQ(r.records[0].bytes.size(), 29u);

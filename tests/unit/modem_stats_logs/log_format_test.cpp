@@ -38,9 +38,9 @@ bool same(const char *fmt, ...)
 TEST(LogFormatTest, TwoDecimalsMatchPrintf)
 {
     /* Exact binary ties round to even, as printf does. */
-    const float specials[] = {0.125f,  0.375f,     -0.125f,   2.675f,    -0.0f,   -0.001f, 0.004999f,
-                              65535.0f, -180.0f,   -179.94f,  9.9e12f,   1.1e13f, 1e30f,   -1e30f,
-                              INFINITY, -INFINITY, NAN,       1e-40f,    -3.01f,  99.995f, -8.99f};
+    const float specials[] = {0.125f,   0.375f,    -0.125f,  2.675f,  -0.0f,   -0.001f, 0.004999f,
+                              65535.0f, -180.0f,   -179.94f, 9.9e12f, 1.1e13f, 1e30f,   -1e30f,
+                              INFINITY, -INFINITY, NAN,      1e-40f,  -3.01f,  99.995f, -8.99f};
     for (float f : specials) EXPECT_TRUE(same("x = %.2f, y = %.2f", f, -f)) << f;
     std::mt19937 rng(7);
     std::uniform_int_distribution<uint32_t> bits;
@@ -81,7 +81,8 @@ TEST(LogFormatTest, TruncatesLikeVsnprintf)
             va_end(ap);
             return n;
         };
-        EXPECT_EQ(call(ours, true, "%s = %.2f", long_text.c_str(), 1.5), call(libc, false, "%s = %.2f", long_text.c_str(), 1.5));
+        EXPECT_EQ(call(ours, true, "%s = %.2f", long_text.c_str(), 1.5),
+                  call(libc, false, "%s = %.2f", long_text.c_str(), 1.5));
         EXPECT_EQ(memcmp(ours, libc, sizeof(ours)), 0) << size;
     }
 }

@@ -40,17 +40,10 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
         modem_stats_data_id_e_type id = MODEM_STATS_DATA_ID_NONE;
         modem_stats_single_data_common_type *made = nullptr;
         switch (row->kind) {
-        case MODEM_STATS_PARSER_PLAIN:
-            row->parse(&id, &made);
-            break;
-        case MODEM_STATS_PARSER_SUB:
-            row->parse_sub(MODEM_STATS_SUB_ID_0, &id, &made);
-            break;
-        case MODEM_STATS_PARSER_SUB_ONLY:
-            row->parse_sub_only(MODEM_STATS_SUB_ID_0);
-            break;
-        default:
-            break;
+            case MODEM_STATS_PARSER_PLAIN: row->parse(&id, &made); break;
+            case MODEM_STATS_PARSER_SUB: row->parse_sub(MODEM_STATS_SUB_ID_0, &id, &made); break;
+            case MODEM_STATS_PARSER_SUB_ONLY: row->parse_sub_only(MODEM_STATS_SUB_ID_0); break;
+            default: break;
         }
         if (made && made->data_id != id) ADD_FAILURE() << "record id differs from the reported id";
         if (made && !row->release) {

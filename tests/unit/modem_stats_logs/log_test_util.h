@@ -32,8 +32,10 @@ public:
         for (uint32_t i = 0; i < width; i++) {
             uint32_t b = bit + i;
             uint8_t mask = static_cast<uint8_t>(1u << (b % 8));
-            if ((v >> i) & 1) bytes_[b / 8] |= mask;
-            else bytes_[b / 8] &= static_cast<uint8_t>(~mask);
+            if ((v >> i) & 1)
+                bytes_[b / 8] |= mask;
+            else
+                bytes_[b / 8] &= static_cast<uint8_t>(~mask);
         }
         return *this;
     }

@@ -29,15 +29,16 @@ constexpr int FIELDS = 19;
 struct layout {
     int version;
     int earfcn_bytes;
-    bool num_cells;     /* u16 @4 */
-    bool rx_valid;      /* u16 @6 */
-    int cells_at;       /* 0: one cell at the payload */
+    bool num_cells; /* u16 @4 */
+    bool rx_valid;  /* u16 @6 */
+    int cells_at;   /* 0: one cell at the payload */
     int cell_bytes;
-    uint16_t pci_word;  /* pci 0-8, serving index 9-11, serving flag 12 */
+    uint16_t pci_word; /* pci 0-8, serving index 9-11, serving flag 12 */
     bool has_srv_flag;
     pos f[FIELDS];
 };
 
+// clang-format off
 const layout LAYOUTS[] = {
     {4, 2, false, false, 0, 0, 2, false,
      {{12, 10, 12}, {16, 12, 12}, NO, NO, {20, 12, 12}, {24, 12, 10}, {28, 0, 10}, NO, NO, {28, 20, 10},
@@ -79,6 +80,7 @@ const layout LAYOUTS[] = {
       {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11},
       {92, 0, 9}, {92, 9, 9}, {96, 0, 9}, {96, 9, 9}}},
 };
+// clang-format on
 
 /* Raw values: RSRP -100, -99.5, -99, -98.5 dBm (combined -99.5); RSRQ -10,
  * -10.5, -11, -11.5 dB (combined -10.25); RSSI -70, -70.5, -71, -71.5 dBm
@@ -122,8 +124,10 @@ log_test::packet build(const layout &l)
     p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, l.version);
     uint32_t size = 4 + (l.cell_bytes ? l.cells_at + 2 * l.cell_bytes : 100);
     p.u16(6, size);
-    if (l.earfcn_bytes == 2) p.u16(PAYLOAD_AT, EARFCN_16);
-    else p.u32(PAYLOAD_AT, EARFCN);
+    if (l.earfcn_bytes == 2)
+        p.u16(PAYLOAD_AT, EARFCN_16);
+    else
+        p.u32(PAYLOAD_AT, EARFCN);
     if (l.num_cells) p.u16(PAYLOAD_AT + 4, l.cell_bytes ? 2 : 1);
     if (l.rx_valid) p.u16(PAYLOAD_AT + 6, 0xF);
     if (!l.cell_bytes) {
@@ -142,22 +146,25 @@ std::string expected_out(const layout &l)
     uint32_t earfcn = l.earfcn_bytes == 2 ? EARFCN_16 : EARFCN;
     int cells = l.cell_bytes ? 2 : 1;
     std::string out = fmt("subpacket_id = 25, version_ssmr = %d\n", l.version);
-    const char *head = "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, "
-                       "num_cells = %d\n";
+    const char *head =
+        "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, "
+        "num_cells = %d\n";
     if (l.cell_bytes) out += fmt(head, earfcn, 15, NEIGHBOUR_PCI, 0, 0, cells);
     out += fmt(head, earfcn, four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells);
     out += "Serving Cell Measurement Result\n";
     if (four) {
-        out += "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
-               "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
-               "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
-               "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
-               "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
+        out +=
+            "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
+            "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
+            "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
+            "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
+            "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
     } else {
-        out += "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
-               "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
-               "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
-               "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n";
+        out +=
+            "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
+            "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
+            "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
+            "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n";
         out += fmt("avg_rsrp = -99.75, avg_rsrq = -10.25, max_rssi = %s\n", l.version == 18 ? "-70.50" : "-69.50");
     }
     return out;
@@ -183,8 +190,8 @@ TEST(LteB193Test, EveryLayoutDecodesItsValues)
     for (const layout &l : LAYOUTS) {
         std::string name = fmt("sub-packet version %d", l.version);
         /* Cut inside the sub-packet size: two bytes needed, one left. */
-        log_test::expect_case({name.c_str(), CODE, build(l).bytes(), expected_out(l), {expected_record(l)}, 7,
-                               "subpacket_size", 1});
+        log_test::expect_case(
+            {name.c_str(), CODE, build(l).bytes(), expected_out(l), {expected_record(l)}, 7, "subpacket_size", 1});
     }
 }
 
@@ -217,8 +224,8 @@ TEST(LteB193Test, NoCellMakesNoRecord)
     log_test::packet p = build(LAYOUTS[6]);
     p.u16(PAYLOAD_AT + 4, 0);
     log_test::run_result r = log_test::run_log(CODE, p.bytes());
-    EXPECT_EQ(r.out, "subpacket_id = 25, version_ssmr = 35\nDATA_IS_NOT_VALID(0), name(" +
-                         log_test::parser_name(CODE) + "), id(0xb193)\n");
+    EXPECT_EQ(r.out, "subpacket_id = 25, version_ssmr = 35\nDATA_IS_NOT_VALID(0), name(" + log_test::parser_name(CODE) +
+                         "), id(0xb193)\n");
     EXPECT_TRUE(r.records.empty());
 }
 

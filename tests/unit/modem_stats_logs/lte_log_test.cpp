@@ -49,19 +49,37 @@ TEST(LteLogTest, TransmitPower)
 {
     const uint32_t v48[5] = {14, 223, 243, 292, 311};
     const uint32_t v49[5] = {15, 223, 247, 295, 319};
-    const char *line = "version = %d, num = 3, pucch_tx_power 23, pusch_num_res_blocks = %d, pusch_modulation_type = 2, "
-                       "pusch_tx_power = 20, pusch_mcs = 17\n";
+    const char *line =
+        "version = %d, num = 3, pucch_tx_power 23, pusch_num_res_blocks = %d, pusch_modulation_type = 2, "
+        "pusch_tx_power = 20, pusch_mcs = 17\n";
     /* 273 needs 9 bits: version 48's 7-bit field keeps 273 mod 128. */
-    log_test::expect_case({"v48", 0xB16D, b16d(48, 416, v48, 7).bytes(), fmt(line, 48, 17),
-                           {{MODEM_STATS_DATA_ID_LTE_TX_POWER, record().u8(48).u32(23).u32(20).u8(2).u16(17).u16(17).bytes()}},
-                           3, "num", 0});
-    log_test::expect_case({"v49", 0xB16D, b16d(49, 448, v49, 9).bytes(), fmt(line, 49, 273),
-                           {{MODEM_STATS_DATA_ID_LTE_TX_POWER, record().u8(49).u32(23).u32(20).u8(2).u16(273).u16(17).bytes()}},
-                           0, "version", 0});
-    log_test::expect_case({"no records", 0xB16D, packet().u8(0, 48).size(8).bytes(),
+    log_test::expect_case(
+        {"v48",
+         0xB16D,
+         b16d(48, 416, v48, 7).bytes(),
+         fmt(line, 48, 17),
+         {{MODEM_STATS_DATA_ID_LTE_TX_POWER, record().u8(48).u32(23).u32(20).u8(2).u16(17).u16(17).bytes()}},
+         3,
+         "num",
+         0});
+    log_test::expect_case(
+        {"v49",
+         0xB16D,
+         b16d(49, 448, v49, 9).bytes(),
+         fmt(line, 49, 273),
+         {{MODEM_STATS_DATA_ID_LTE_TX_POWER, record().u8(49).u32(23).u32(20).u8(2).u16(273).u16(17).bytes()}},
+         0,
+         "version",
+         0});
+    log_test::expect_case({"no records",
+                           0xB16D,
+                           packet().u8(0, 48).size(8).bytes(),
                            "version = 48, num = 0, pucch_tx_power 255, pusch_num_res_blocks = 65535, "
                            "pusch_modulation_type = 255, pusch_tx_power = 255, pusch_mcs = 65535\n",
-                           {}, 0, "", 0});
+                           {},
+                           0,
+                           "",
+                           0});
     log_test::expect_refused(0xB16D, packet().u8(0, 50).size(8).bytes(), 50, log_test::parser_name(0xB16D));
 }
 
@@ -71,9 +89,14 @@ TEST(LteLogTest, PuschCsf)
 {
     packet p;
     p.u8(0, 163).bits(36, 2, 1).bits(47, 4, 12).bits(51, 4, 9).size(40);
-    log_test::expect_case({"v163", 0xB14E, p.bytes(), "version = 163, rank_idx = 1, wideband_cqi_cw0 = 12\n",
-                           {{MODEM_STATS_DATA_ID_LTE_PUSCH_CSF, record().u8(163).u8(1).u8(12).u8(9).bytes()}}, 0,
-                           "version", 0});
+    log_test::expect_case({"v163",
+                           0xB14E,
+                           p.bytes(),
+                           "version = 163, rank_idx = 1, wideband_cqi_cw0 = 12\n",
+                           {{MODEM_STATS_DATA_ID_LTE_PUSCH_CSF, record().u8(163).u8(1).u8(12).u8(9).bytes()}},
+                           0,
+                           "version",
+                           0});
     log_test::expect_refused(0xB14E, packet(p).u8(0, 42).bytes(), 42, log_test::parser_name(0xB14E));
 }
 
@@ -81,17 +104,30 @@ TEST(LteLogTest, PowerControl)
 {
     /* Two 12-byte records; the second, with a negative power, is reported. */
     packet pusch;
-    pusch.u8(0, 48).u8(3, 2).bits_at(4, 17, 8, 10).bits_at(4, 54, 8, 90).bits_at(16, 17, 8, 0xFB).bits_at(16, 54, 8, 120);
-    log_test::expect_case({"0xB16E v48", 0xB16E, pusch.bytes(),
+    pusch.u8(0, 48)
+        .u8(3, 2)
+        .bits_at(4, 17, 8, 10)
+        .bits_at(4, 54, 8, 90)
+        .bits_at(16, 17, 8, 0xFB)
+        .bits_at(16, 54, 8, 120);
+    log_test::expect_case({"0xB16E v48",
+                           0xB16E,
+                           pusch.bytes(),
                            "version = 48, num_records = 2, pusch_tx_power -5, dl_path_loss 120\n",
                            {{MODEM_STATS_DATA_ID_LTE_PUSCH_POWER_CTRL, record().u8(48).u8(2).u8(0xFB).u8(120).bytes()}},
-                           3, "num_records", 0});
+                           3,
+                           "num_records",
+                           0});
     packet pucch;
     pucch.u8(0, 49).u8(3, 1).bits_at(4, 14, 8, 7).bits_at(4, 43, 8, 101);
-    log_test::expect_case({"0xB16F v49", 0xB16F, pucch.bytes(),
+    log_test::expect_case({"0xB16F v49",
+                           0xB16F,
+                           pucch.bytes(),
                            "version = 49, num_records = 1, pucch_tx_power 7, dl_path_loss 101\n",
                            {{MODEM_STATS_DATA_ID_LTE_PUCCH_POWER_CTRL, record().u8(49).u8(1).u8(7).u8(101).bytes()}},
-                           3, "num_records", 0});
+                           3,
+                           "num_records",
+                           0});
     log_test::expect_refused(0xB16E, packet(pusch).u8(0, 25).bytes(), 25, log_test::parser_name(0xB16E));
     log_test::expect_refused(0xB16F, packet(pucch).u8(0, 24).bytes(), 24, log_test::parser_name(0xB16F));
     log_test::run_result none = log_test::run_log(0xB16E, packet().u8(0, 48).size(8).bytes());
@@ -105,11 +141,15 @@ TEST(LteLogTest, ReceiveAgc)
     p.bits_at(12, 0, 4, 2).bits_at(12, 16, 12, 784).bits_at(12, 28, 12, 800).bits_at(12, 40, 12, 1024);
     p.bits_at(12, 52, 12, 1026);
     log_test::expect_case(
-        {"v162", 0xB111, p.bytes(),
+        {"v162",
+         0xB111,
+         p.bytes(),
          "version = 162, num_records = 2, rssi0_i = 784, rssi1_i = 800, rssi2_i = 1024, rssi3_i = 1026\n"
          "rssi0 = -60.00, rssi1 = -56.00, rssi2 = 0.00, rssi3 = 0.50\n",
-         {{MODEM_STATS_DATA_ID_LTE_LL1_RX_AGC, record().u8(162).u8(2).f32(-60).f32(-56).f32(0).f32(0.5f).bytes()}}, 1,
-         "num_records", 0});
+         {{MODEM_STATS_DATA_ID_LTE_LL1_RX_AGC, record().u8(162).u8(2).f32(-60).f32(-56).f32(0).f32(0.5f).bytes()}},
+         1,
+         "num_records",
+         0});
     log_test::expect_refused(0xB111, packet(p).u8(0, 21).bytes(), 21, log_test::parser_name(0xB111));
 }
 
@@ -121,7 +161,9 @@ packet b173(int version, uint32_t record_bytes, uint32_t slot_bytes, uint32_t si
 {
     packet p;
     p.u8(0, version).u8(1, 2);
-    struct tb { uint32_t crc, rnti, bytes, mcs, rb, mod; };
+    struct tb {
+        uint32_t crc, rnti, bytes, mcs, rb, mod;
+    };
     const tb tbs[3] = {{1, 0, 1000, 20, 50, 6}, {0, 0, 500, 21, 40, 4}, {1, 5, 300, 5, 10, 2}};
     const uint32_t layers[2] = {2, 1}, count[2] = {2, 1}, cell[2] = {0, 1};
     int t = 0;
@@ -139,16 +181,23 @@ packet b173(int version, uint32_t record_bytes, uint32_t slot_bytes, uint32_t si
 
 TEST(LteLogTest, PdschStatIndication)
 {
-    const char *lines = "version = %d, num_records = 2, pdsch_mcs = 5, pdsch_rb = 10, pdsch_mod_type = 2, "
-                        "pdsch_rnti_type = 5, num_layers = 1\n"
-                        "tb_bytes = 1800, num_layers_crnti 2, tb_bytes_crnti 1000, crc_result 1\n";
+    const char *lines =
+        "version = %d, num_records = 2, pdsch_mcs = 5, pdsch_rb = 10, pdsch_mod_type = 2, "
+        "pdsch_rnti_type = 5, num_layers = 1\n"
+        "tb_bytes = 1800, num_layers_crnti 2, tb_bytes_crnti 1000, crc_result 1\n";
     for (int v : {48, 49}) {
         packet p = v == 48 ? b173(48, 40, 12, 4) : b173(49, 48, 16, 6);
         record r;
         r.u8(v).u8(2).u8(5).u8(10).u8(2).u8(5).u8(1).u8(1).u32(1800).u8(2).u64(1000);
         std::string name = fmt("v%d", v);
-        log_test::expect_case({name.c_str(), 0xB173, p.bytes(), fmt(lines, v),
-                               {{MODEM_STATS_DATA_ID_LTE_PDSCH_STAT_IND, r.bytes()}}, 1, "num_records", 0});
+        log_test::expect_case({name.c_str(),
+                               0xB173,
+                               p.bytes(),
+                               fmt(lines, v),
+                               {{MODEM_STATS_DATA_ID_LTE_PDSCH_STAT_IND, r.bytes()}},
+                               1,
+                               "num_records",
+                               0});
     }
     /* Three transport blocks cannot fit the two slots. */
     packet three = b173(48, 40, 12, 4);
@@ -167,11 +216,16 @@ TEST(LteLogTest, RrcServingCellInfo)
     record r;
     r.u8(3).u16(405).u32(66486).u32(132022).u8(100).u8(75).u32(0x88a4d0f).u16(34624).u32(66).u16(310).u8(3);
     r.u16(260).u8(1);
-    log_test::expect_case({"v3", 0xB0C2, p.bytes(),
+    log_test::expect_case({"v3",
+                           0xB0C2,
+                           p.bytes(),
                            "version = 3, mcc = 310, mnc_num 3, mnc 260, tac 34624, cgi 143281423, pci 405\n"
                            "freq_band_ind = 66, dl_earfcn = 66486, dl_bw 100, ul_earfcn 132022, ul_bw 75, "
                            "allow_access 1\n",
-                           {{MODEM_STATS_DATA_ID_LTE_RRC_SERVING_CELL_INFO, r.bytes()}}, 27, "mnc", 1});
+                           {{MODEM_STATS_DATA_ID_LTE_RRC_SERVING_CELL_INFO, r.bytes()}},
+                           27,
+                           "mnc",
+                           1});
     log_test::expect_refused(0xB0C2, packet(p).u8(0, 2).bytes(), 2, log_test::parser_name(0xB0C2));
 }
 
@@ -179,14 +233,23 @@ TEST(LteLogTest, MacRachAttempt)
 {
     packet p;
     p.u8(0, 1).u8(1, 1).u8(4, 6).u8(5, 49).u16(6, 48).u8(11, 0xFF);
-    log_test::expect_case({"failed attempt", 0xB062, p.bytes(),
+    log_test::expect_case({"failed attempt",
+                           0xB062,
+                           p.bytes(),
                            "sub_id = 0, version = 1, num_records = 1, version_sub = 49, rach_result = -1\n",
-                           {{MODEM_STATS_DATA_ID_LTE_MAC_RACH_ATTEMPT, record().u8(1).u8(49).u8(0xFF).bytes()}}, 11,
-                           "rach_result", 0});
-    log_test::expect_case({"success", 0xB062, packet(p).u8(11, 0).bytes(),
+                           {{MODEM_STATS_DATA_ID_LTE_MAC_RACH_ATTEMPT, record().u8(1).u8(49).u8(0xFF).bytes()}},
+                           11,
+                           "rach_result",
+                           0});
+    log_test::expect_case({"success",
+                           0xB062,
+                           packet(p).u8(11, 0).bytes(),
                            "sub_id = 0, version = 1, num_records = 1, version_sub = 49, rach_result = 0\n"
                            "rach is success, do nothing\n",
-                           {}, 0, "", 0});
+                           {},
+                           0,
+                           "",
+                           0});
     EXPECT_EQ(log_test::run_log(0xB062, packet(p).u8(4, 7).bytes()).out, not_valid(7, "sub_packet_id", 0xB062));
     log_test::expect_refused(0xB062, packet(p).u8(5, 50).bytes(), 50, "lte_mac_rach_attempt");
     log_test::expect_refused(0xB062, packet(p).u8(0, 2).bytes(), 2, log_test::parser_name(0xB062));
@@ -199,8 +262,7 @@ TEST(LteLogTest, MacRachAttempt)
  * length (150) and a last SDU; a full 100-byte grant.  Sample 1: long BSR
  * (levels 1, 2, 3 and the unbounded 63), truncated BSR (LCG 3, level 5),
  * padding; 25 of 50 bytes padded. */
-const std::vector<uint8_t> B064_HDR0 = {0x3D, 0x3B, 0x39, 0x02, 0x21, 0x80, 0x96, 0x03,
-                                        0x4A, 0x12, 0x34, 0x0A, 0xA1};
+const std::vector<uint8_t> B064_HDR0 = {0x3D, 0x3B, 0x39, 0x02, 0x21, 0x80, 0x96, 0x03, 0x4A, 0x12, 0x34, 0x0A, 0xA1};
 const std::vector<uint8_t> B064_HDR1 = {0x3E, 0x3C, 0x1F, 0x04, 0x20, 0xFF, 0xC5};
 
 packet b064(int version_sub, const std::vector<std::vector<uint8_t>> &headers, const uint16_t grant[],
@@ -234,10 +296,14 @@ TEST(LteLogTest, MacUlTransportBlockEverySubPacketVersion)
     for (int v : {1, 2, 3, 5, 8}) {
         std::string name = fmt("sub-packet v%d", v);
         log_test::expect_case(
-            {name.c_str(), 0xB064, b064(v, {B064_HDR0, B064_HDR1}, grant, pad).bytes(),
+            {name.c_str(),
+             0xB064,
+             b064(v, {B064_HDR0, B064_HDR1}, grant, pad).bytes(),
              lines + fmt("version = %d, phr_ind = 33, bsr_lcg3_avg = 4, bsr_lcg3_num = 5, bsr_lcg3_bytes = 17\n", v),
              {{MODEM_STATS_DATA_ID_LTE_MAC_UL_TB, record().u8(v).u8(33).u8(4).u16(5).u32(17).u32(150).u32(25).bytes()}},
-             8, "num_samples", 0});
+             8,
+             "num_samples",
+             0});
     }
 }
 

@@ -44,15 +44,20 @@ packet b885(uint32_t version, uint32_t header_bytes, uint32_t count_bit, uint32_
 
 TEST(Nr5gMacTest, DciInfo)
 {
-    struct { uint32_t version, header, count_bit, dci; } layouts[] = {
-        {0x20007, 4, 8, 12}, {0x2000A, 8, 32, 12}, {0x2000C, 8, 32, 16}};
+    struct {
+        uint32_t version, header, count_bit, dci;
+    } layouts[] = {{0x20007, 4, 8, 12}, {0x2000A, 8, 32, 12}, {0x2000C, 8, 32, 16}};
     for (const auto &l : layouts) {
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB885, b885(l.version, l.header, l.count_bit, l.dci).bytes(),
+            {name.c_str(),
+             0xB885,
+             b885(l.version, l.header, l.count_bit, l.dci).bytes(),
              fmt("version = %u, num_records = 2, mcs_dl = 27, mcs_ul = 9, rb_assi_num = 12\n", l.version),
-             {{MODEM_STATS_DATA_ID_NR5G_MAC_DCI_INFO, record().u32(l.version).u8(2).u8(27).u8(9).u16(12).bytes()}}, 4,
-             "num_records", 0});
+             {{MODEM_STATS_DATA_ID_NR5G_MAC_DCI_INFO, record().u32(l.version).u8(2).u8(27).u8(9).u16(12).bytes()}},
+             4,
+             "num_records",
+             0});
     }
     log_test::expect_refused(0xB885, nr_header(0x20008, 0).bytes(), 0x20008, log_test::parser_name(0xB885));
 }
@@ -76,7 +81,9 @@ packet b887(const b887_layout &l)
         at += l.header;
         for (uint32_t s = 0; s < count[r]; s++, at += l.status) {
             bool last = r == 1;
-            p.bits_at(at, 4, l.mod_width, last ? 3 : 1).bits_at(at, 8, 5, last ? 27 : 4).bits_at(at, 13, 3, last ? 1 : 0);
+            p.bits_at(at, 4, l.mod_width, last ? 3 : 1)
+                .bits_at(at, 8, 5, last ? 27 : 4)
+                .bits_at(at, 13, 3, last ? 1 : 0);
             p.bits_at(at, l.layers_at, 3, last ? 2 : 4).bits_at(at, l.mimo_at, 3, last ? 2 : 4);
         }
     }
@@ -85,18 +92,22 @@ packet b887(const b887_layout &l)
 
 TEST(Nr5gMacTest, PdschStatusKeepsItsRecord)
 {
-    const b887_layout layouts[] = {{0x20004, 4, 16, 8, 3, 16, 19}, {0x20005, 4, 16, 12, 3, 16, 19},
-                                   {0x30002, 8, 32, 12, 4, 16, 20}};
+    const b887_layout layouts[] = {
+        {0x20004, 4, 16, 8, 3, 16, 19}, {0x20005, 4, 16, 12, 3, 16, 19}, {0x30002, 8, 32, 12, 4, 16, 20}};
     for (const b887_layout &l : layouts) {
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB887, b887(l).bytes(),
+            {name.c_str(),
+             0xB887,
+             b887(l).bytes(),
              fmt("version = %u, num_records = 2, num_pdsch_status = 3, mod_type = 3, mcs = 27, pdsch_rnti_type = 1, "
                  "num_layers = 2\nsub_id = 0, num_layers = 2, num_mimo = 2, mimo22_flag = 1\n",
                  l.version),
              {{MODEM_STATS_DATA_ID_NR5G_MAC_PDSCH_STATUS,
                record().u32(l.version).u8(3).u8(3).u8(27).u8(1).u8(2).u8(2).u8(1).bytes()}},
-             4, "num_records", 0});
+             4,
+             "num_records",
+             0});
         /* The record stays with the parser until the next one replaces it. */
         const modem_stats_single_data_common_type *kept = modem_stats_b887_kept_record();
         ASSERT_NE(kept, nullptr);
@@ -112,8 +123,9 @@ TEST(Nr5gMacTest, PdschStatusKeepsItsRecord)
 
 TEST(Nr5gMacTest, PdschStats)
 {
-    struct { uint32_t version, num_at, records_at, record_bytes, tb_at; } layouts[] = {
-        {0x20002, 15, 28, 72, 48}, {0x30000, 16, 32, 80, 56}};
+    struct {
+        uint32_t version, num_at, records_at, record_bytes, tb_at;
+    } layouts[] = {{0x20002, 15, 28, 72, 48}, {0x30000, 16, 32, 80, 56}};
     for (const auto &l : layouts) {
         packet p;
         p.u32(0, l.version).u8(l.num_at, 2);
@@ -122,12 +134,16 @@ TEST(Nr5gMacTest, PdschStats)
         p.u32(r1 + 8, 50).u32(r1 + 16, 1).u64(r1 + l.tb_at, 1000).size(r1 + l.record_bytes);
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB888, p.bytes(),
+            {name.c_str(),
+             0xB888,
+             p.bytes(),
              fmt("version = %u, num_records = 2, num_pdcp_decode = 150, num_crc_fail = 4, tb_bytes = 5000001000\n",
                  l.version),
              {{MODEM_STATS_DATA_ID_NR5G_MAC_PDSCH_STATS,
                record().u32(l.version).u8(2).u32(150).u32(4).u64(5000001000ull).bytes()}},
-             static_cast<int32_t>(l.num_at), "num_records", 0});
+             static_cast<int32_t>(l.num_at),
+             "num_records",
+             0});
     }
     log_test::expect_refused(0xB888, packet().u32(0, 0x20001).size(8).bytes(), 0x20001, log_test::parser_name(0xB888));
 }
@@ -138,10 +154,14 @@ TEST(Nr5gMacTest, CsfReport)
     p.bits_at(8, 24, 4, 2).bits_at(12, 0, 3, 1).bits_at(12, 3, 3, 0).bits_at(12, 8, 4, 4).bits_at(12, 12, 4, 7);
     p.bits_at(20, 0, 3, 2).bits_at(20, 3, 3, 1).bits_at(20, 8, 4, 4).bits_at(20, 12, 4, 11).size(28);
     log_test::expect_case(
-        {"0x20002", 0xB8A7, p.bytes(),
+        {"0x20002",
+         0xB8A7,
+         p.bytes(),
          "version = 131074, num_records = 1, metrics_ri = 1, metrics_cqi = 11, bitwidth_ri = 2, bitwidth_cqi = 4\n",
-         {{MODEM_STATS_DATA_ID_NR5G_MAC_CSF_REPORT, record().u32(0x20002).u8(1).u8(11).u8(2).u8(4).bytes()}}, 4,
-         "num_records", 0});
+         {{MODEM_STATS_DATA_ID_NR5G_MAC_CSF_REPORT, record().u32(0x20002).u8(1).u8(11).u8(2).u8(4).bytes()}},
+         4,
+         "num_records",
+         0});
     log_test::expect_refused(0xB8A7, nr_header(0x20001, 1).bytes(), 0x20001, log_test::parser_name(0xB8A7));
 }
 
@@ -154,7 +174,9 @@ packet b884(uint32_t version, uint32_t carrier_header, uint32_t channel_bytes)
     packet p = nr_header(version, 1);
     p.bits_at(8, 24, 4, 2);
     uint32_t at = 12;
-    struct ch { uint32_t type, power; };
+    struct ch {
+        uint32_t type, power;
+    };
     const ch carriers[2][3] = {{{0, 0xFD}, {1, 10}, {9, 0}}, {{2, 5}, {3, 23}, {6, 99}}};
     const uint32_t n[2] = {2, 3};
     for (uint32_t c = 0; c < 2; c++) {
@@ -162,8 +184,10 @@ packet b884(uint32_t version, uint32_t carrier_header, uint32_t channel_bytes)
         at += carrier_header;
         for (uint32_t i = 0; i < n[c]; i++, at += channel_bytes) {
             p.bits_at(at, 0, 3, carriers[c][i].type);
-            if (carriers[c][i].type == 1) p.bits_at(at, 8, 4, 2).bits_at(at, 16, 8, carriers[c][i].power);
-            else p.bits_at(at, 8, 8, carriers[c][i].power);
+            if (carriers[c][i].type == 1)
+                p.bits_at(at, 8, 4, 2).bits_at(at, 16, 8, carriers[c][i].power);
+            else
+                p.bits_at(at, 8, 8, carriers[c][i].power);
         }
     }
     return p.size(at);
@@ -171,18 +195,23 @@ packet b884(uint32_t version, uint32_t carrier_header, uint32_t channel_bytes)
 
 TEST(Nr5gMacTest, UlPhysicalChannelPowerControl)
 {
-    struct { uint32_t version, carrier_header, channel; } layouts[] = {
-        {0x10003, 4, 8}, {0x10005, 4, 12}, {0x30003, 8, 12}};
+    struct {
+        uint32_t version, carrier_header, channel;
+    } layouts[] = {{0x10003, 4, 8}, {0x10005, 4, 12}, {0x30003, 8, 12}};
     for (const auto &l : layouts) {
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB884, b884(l.version, l.carrier_header, l.channel).bytes(),
+            {name.c_str(),
+             0xB884,
+             b884(l.version, l.carrier_header, l.channel).bytes(),
              fmt("version = %u, num_records = 1, num_carriers = 2, tx_power_pusch = -3, tx_power_pucch = 10, "
                  "tx_power_srs = 5, tx_power_prach = 23\n",
                  l.version),
              {{MODEM_STATS_DATA_ID_NR5G_MAC_UL_PHY_CH_POWER_CTRL,
                record().u32(l.version).u8(1).u8(2).u16(0xFFFD).u16(10).u16(5).u16(23).bytes()}},
-             4, "num_records", 0});
+             4,
+             "num_records",
+             0});
     }
     log_test::expect_refused(0xB884, nr_header(0x10004, 0).bytes(), 0x10004, log_test::parser_name(0xB884));
 }
@@ -197,16 +226,24 @@ TEST(Nr5gMacTest, RachAttempt)
     v27.u32(0, 0x20007).u8(21, 0).u8(23, 3).u16(28 + 28 + 6, 17921).u16(28 + 28 + 8, 12).size(80);
     packet v35;
     v35.u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80);
-    log_test::expect_case({"2.7", 0xB88A, v27.bytes(),
-                           "sub_id = 0, version = 131079, rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, rach_result = 0\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT,
-                             record().u32(0x20007).u8(3).u16(17921).u16(12).u8(0).bytes()}},
-                           4, "rach_msg_bitmask", 0});
-    log_test::expect_case({"3.5", 0xB88A, v35.bytes(),
-                           "sub_id = 0, version = 196613, rach_msg_bitmask = 2, t_rnti = 300, ta = 31, rach_result = 1\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT,
-                             record().u32(0x30005).u8(2).u16(300).u16(31).u8(1).bytes()}},
-                           0, "", 0});
+    log_test::expect_case(
+        {"2.7",
+         0xB88A,
+         v27.bytes(),
+         "sub_id = 0, version = 131079, rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, rach_result = 0\n",
+         {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, record().u32(0x20007).u8(3).u16(17921).u16(12).u8(0).bytes()}},
+         4,
+         "rach_msg_bitmask",
+         0});
+    log_test::expect_case(
+        {"3.5",
+         0xB88A,
+         v35.bytes(),
+         "sub_id = 0, version = 196613, rach_msg_bitmask = 2, t_rnti = 300, ta = 31, rach_result = 1\n",
+         {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, record().u32(0x30005).u8(2).u16(300).u16(31).u8(1).bytes()}},
+         0,
+         "",
+         0});
     log_test::run_result msg1_only = log_test::run_log(0xB88A, packet(v27).u8(23, 1).bytes());
     EXPECT_EQ(msg1_only.out,
               "sub_id = 0, version = 131079, rach_msg_bitmask = 1, t_rnti = 65535, ta = 65535, rach_result = 0\n");
@@ -235,10 +272,15 @@ TEST(Nr5gMacTest, UlPhysicalChannelScheduleReport)
     for (uint32_t version : {0x2000Bu, 0x3000Fu}) {
         std::string name = fmt("0x%x", version);
         log_test::expect_case(
-            {name.c_str(), 0xB883, b883(version, version == 0x2000B ? 40 : 44).bytes(),
+            {name.c_str(),
+             0xB883,
+             b883(version, version == 0x2000B ? 40 : 44).bytes(),
              fmt("version = %u, num_records = 1, num_carrier = 2, phychan_bit_mask = 24, tx_mode = 1\n", version),
-             {{MODEM_STATS_DATA_ID_NR5G_MAC_UL_PHY_CH_SCHED_REPORT, record().u32(version).u8(1).u8(2).u8(24).u8(1).bytes()}},
-             4, "num_records", 0});
+             {{MODEM_STATS_DATA_ID_NR5G_MAC_UL_PHY_CH_SCHED_REPORT,
+               record().u32(version).u8(1).u8(2).u8(24).u8(1).bytes()}},
+             4,
+             "num_records",
+             0});
     }
     /* A channel bit whose data size nobody documents. */
     packet unknown = b883(0x2000B, 40);
@@ -250,11 +292,15 @@ TEST(Nr5gMacTest, UlPhysicalChannelScheduleReport)
 
 TEST(Nr5gMacTest, NoRecordsCarryNothing)
 {
-    struct { uint16_t code; uint32_t version; } cases[] = {
-        {0xB885, 0x20007}, {0xB887, 0x20004}, {0xB888, 0x20002}, {0xB8A7, 0x20002}, {0xB884, 0x10003}, {0xB883, 0x2000B}};
+    struct {
+        uint16_t code;
+        uint32_t version;
+    } cases[] = {{0xB885, 0x20007}, {0xB887, 0x20004}, {0xB888, 0x20002},
+                 {0xB8A7, 0x20002}, {0xB884, 0x10003}, {0xB883, 0x2000B}};
     for (const auto &c : cases) {
         log_test::run_result r = log_test::run_log(c.code, packet().u32(0, c.version).size(32).bytes());
-        EXPECT_EQ(r.out, fmt("DATA_IS_NOT_VALID(0), name(%s), id(0x%x)\n", log_test::parser_name(c.code).c_str(), c.code));
+        EXPECT_EQ(r.out,
+                  fmt("DATA_IS_NOT_VALID(0), name(%s), id(0x%x)\n", log_test::parser_name(c.code).c_str(), c.code));
         EXPECT_TRUE(r.records.empty());
     }
 }
@@ -266,7 +312,7 @@ TEST(Nr5gMacTest, NoRecordsCarryNothing)
  * a C-RNTI, filling its grant; a block with a single PHR, 150 of 200 bytes
  * built.  TTI 1: a block whose long BSR overruns its two bytes, a block
  * with an unknown element. */
-const std::vector<uint8_t> B872_TB00 = {0x3D, 0x47, 0x3E, 0x03, 0x03, 100, 50, 0x38, 0x06,
+const std::vector<uint8_t> B872_TB00 = {0x3D, 0x47, 0x3E, 0x03, 0x03, 100,  50,   0x38, 0x06,
                                         0x00, 0x20, 0x40, 0x40, 0x00, 0x21, 0x3A, 0x12, 0x34};
 const std::vector<uint8_t> B872_TB01 = {0x39, 0x10, 0x20};
 const std::vector<uint8_t> B872_TB10 = {0x3E, 0x05};
@@ -276,8 +322,12 @@ packet b872(uint32_t version, uint32_t tti_bytes, uint32_t tb_bytes)
 {
     packet p;
     p.u32(0, version).bits_at(4, 0, 4, 2).bits_at(4, 5, 1, 1);
-    struct tb { uint32_t grant, built; const std::vector<uint8_t> *mce; };
-    const tb ttis[2][2] = {{{100, 100, &B872_TB00}, {200, 150, &B872_TB01}}, {{10, 10, &B872_TB10}, {0, 0, &B872_TB11}}};
+    struct tb {
+        uint32_t grant, built;
+        const std::vector<uint8_t> *mce;
+    };
+    const tb ttis[2][2] = {{{100, 100, &B872_TB00}, {200, 150, &B872_TB01}},
+                           {{10, 10, &B872_TB10}, {0, 0, &B872_TB11}}};
     uint32_t at = 8;
     for (const auto &tti : ttis) {
         p.bits_at(at, 32, 4, 2);
@@ -314,14 +364,21 @@ TEST(Nr5gMacTest, L2UlTransportBlock)
         "------ Unknown[1][1][0], mce_type = 5, bit_num_tb = 8\n"
         "------ TB-End[1][1][0], mce_len = 1, mce_type = 5, bit_num_tb = 8, bit_sum_tb = 24\n"
         "NR5G FSSR: [1][1], grant = 0, build = 0, sfn_grant = 0.00, sfn_full = 75.00\n";
-    struct { uint32_t version, tti, tb; } layouts[] = {{4, 8, 20}, {0x20001, 8, 20}, {0x30003, 12, 24}};
+    struct {
+        uint32_t version, tti, tb;
+    } layouts[] = {{4, 8, 20}, {0x20001, 8, 20}, {0x30003, 12, 24}};
     for (const auto &l : layouts) {
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB872, b872(l.version, l.tti, l.tb).bytes(),
+            {name.c_str(),
+             0xB872,
+             b872(l.version, l.tti, l.tb).bytes(),
              lines + fmt("version = %u, bsr_idx = 52, bsr_idx_num = 3, bsr_idx_sum = 157\n", l.version),
-             {{MODEM_STATS_DATA_ID_NR5G_L2_UL_TB, record().u32(l.version).u8(52).u16(3).u32(157).u32(310).u32(260).bytes()}},
-             2, "version", 2});
+             {{MODEM_STATS_DATA_ID_NR5G_L2_UL_TB,
+               record().u32(l.version).u8(52).u16(3).u32(157).u32(310).u32(260).bytes()}},
+             2,
+             "version",
+             2});
     }
     log_test::expect_refused(0xB872, packet().u32(0, 0x30002).size(16).bytes(), 0x30002, log_test::parser_name(0xB872));
 }

@@ -26,19 +26,26 @@ TEST(Nr5gPhyTest, ReceiveAgc)
     packet p;
     p.u32(0, 0x20000).u8(4, 1).u8(5, 4).bits_at(12, 0, 13, 3616).bits_at(12, 16, 13, 3600);
     p.bits_at(16, 0, 13, 4096).bits_at(16, 16, 13, 4100).size(24);
-    const std::string head = "version = 131072, version_agc_sub = 1, rssi0_i = 3616, rssi1_i = 3600, rssi2_i = 4096, "
-                             "rssi3_i = 4100\n";
-    log_test::expect_case({"0x20000", 0xB8C9, p.bytes(), head + "rssi0 = -60.00, rssi1 = -62.00, rssi2 = 0.00, rssi3 = 0.50\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_LL1_RX_AGC,
-                             record().u32(0x20000).f32(-60).f32(-62).f32(0).f32(0.5f).bytes()}},
-                           5, "code", 0});
+    const std::string head =
+        "version = 131072, version_agc_sub = 1, rssi0_i = 3616, rssi1_i = 3600, rssi2_i = 4096, "
+        "rssi3_i = 4100\n";
+    log_test::expect_case(
+        {"0x20000",
+         0xB8C9,
+         p.bytes(),
+         head + "rssi0 = -60.00, rssi1 = -62.00, rssi2 = 0.00, rssi3 = 0.50\n",
+         {{MODEM_STATS_DATA_ID_NR5G_LL1_RX_AGC, record().u32(0x20000).f32(-60).f32(-62).f32(0).f32(0.5f).bytes()}},
+         5,
+         "code",
+         0});
     EXPECT_EQ(log_test::run_log(0xB8C9, packet(p).u8(5, 3).bytes()).out,
               "version = 131072, version_agc_sub = 1, code = 3, only support code - 4\n");
     packet zero;
     zero.u32(0, 0x20000).u8(4, 1).u8(5, 4).size(24);
     log_test::run_result invalid = log_test::run_log(0xB8C9, zero.bytes());
-    EXPECT_EQ(invalid.out, "version = 131072, version_agc_sub = 1, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 0\n"
-                           "rssi is invalid, do nothing\n");
+    EXPECT_EQ(invalid.out,
+              "version = 131072, version_agc_sub = 1, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 0\n"
+              "rssi is invalid, do nothing\n");
     EXPECT_TRUE(invalid.records.empty());
     log_test::expect_refused(0xB8C9, packet(p).u8(4, 2).bytes(), 2, "ControlAgcSubPacket");
     log_test::expect_refused(0xB8C9, packet(p).u32(0, 0x10000).bytes(), 0x10000, log_test::parser_name(0xB8C9));
@@ -46,10 +53,14 @@ TEST(Nr5gPhyTest, ReceiveAgc)
 
 TEST(Nr5gPhyTest, MacTransmitPower)
 {
-    struct entry { uint32_t type, tx, path_loss, mtpl; };
+    struct entry {
+        uint32_t type, tx, path_loss, mtpl;
+    };
     /* The second PUSCH entry replaces the first. */
     const entry entries[] = {{0, 23, 100, 23}, {1, 0xFC, 101, 20}, {2, 5, 90, 22}, {3, 10, 80, 23}, {0, 12, 99, 21}};
-    struct { uint32_t version, entry_bytes, type_width, tx_at; } layouts[] = {{0x10000, 4, 2, 8}, {0x10001, 8, 3, 32}};
+    struct {
+        uint32_t version, entry_bytes, type_width, tx_at;
+    } layouts[] = {{0x10000, 4, 2, 8}, {0x10001, 8, 3, 32}};
     for (const auto &l : layouts) {
         packet p;
         p.u32(0, l.version).u16(4, 1).u8(6, 2).u8(7, 5);
@@ -63,12 +74,18 @@ TEST(Nr5gPhyTest, MacTransmitPower)
         r.u16(10).u16(80).u16(23);
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB8D2, p.bytes(),
+            {name.c_str(),
+             0xB8D2,
+             p.bytes(),
              fmt("version = %u, version_power = 2, loop_num = 5, pusch_tx = 12, pusch_path_loss = 99, pusch_mtpl = 21\n"
-                 "pucch_tx = -4, pucch_path_loss = 101, pucch_mtpl = 20, srs_tx = 5, srs_path_loss = 90, srs_mtpl = 22\n"
+                 "pucch_tx = -4, pucch_path_loss = 101, pucch_mtpl = 20, srs_tx = 5, srs_path_loss = 90, srs_mtpl = "
+                 "22\n"
                  "prach_tx = 10, prach_path_loss = 80, prach_mtpl = 23\n",
                  l.version),
-             {{MODEM_STATS_DATA_ID_NR5G_LL1_MAC_TX_POWER, r.bytes()}}, 6, "POWER INFO version_power", 0});
+             {{MODEM_STATS_DATA_ID_NR5G_LL1_MAC_TX_POWER, r.bytes()}},
+             6,
+             "POWER INFO version_power",
+             0});
     }
     EXPECT_EQ(log_test::run_log(0xB8D2, packet().u32(0, 0x10000).u16(4, 2).size(8).bytes()).out,
               "version = 65536, tx info not required, do nothing\n");
@@ -93,13 +110,23 @@ TEST(Nr5gPhyTest, ServingSnrAndFtl)
     snr_bytes.insert(snr_bytes.end(), snr_record.bytes().begin(), snr_record.bytes().end());
     std::vector<uint8_t> ftl_bytes = record().u32(7).bytes();
     ftl_bytes.insert(ftl_bytes.end(), snr_record.bytes().begin(), snr_record.bytes().end());
-    log_test::expect_case({"0xB8D8 0x20001", 0xB8D8, snr.bytes(),
+    log_test::expect_case({"0xB8D8 0x20001",
+                           0xB8D8,
+                           snr.bytes(),
                            "version = 131073, snr0 = 1024, snr1 = 2048, snr2 = 0, snr3 = 10240\n"
                            "snr0_f = 0.00, snr1_f = 3.01, snr2_f = 65535.00, snr3_f = 10.00\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_LL1_SRV_SNR, snr_bytes}}, 9, "snr0", 1});
-    log_test::expect_case({"0xB8DD 7", 0xB8DD, ftl.bytes(),
+                           {{MODEM_STATS_DATA_ID_NR5G_LL1_SRV_SNR, snr_bytes}},
+                           9,
+                           "snr0",
+                           1});
+    log_test::expect_case({"0xB8DD 7",
+                           0xB8DD,
+                           ftl.bytes(),
                            "version = 7, snr0 = 0.00, snr1 = 3.01, snr2 = 65535.00, snr3 = 10.00\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_LL1_SRV_FTL, ftl_bytes}}, 77, "snr0", 1});
+                           {{MODEM_STATS_DATA_ID_NR5G_LL1_SRV_FTL, ftl_bytes}},
+                           77,
+                           "snr0",
+                           1});
     log_test::expect_refused(0xB8D8, packet(snr).u32(0, 0x20000).bytes(), 0x20000, log_test::parser_name(0xB8D8));
     log_test::expect_refused(0xB8DD, packet(ftl).u32(0, 6).bytes(), 6, log_test::parser_name(0xB8DD));
 }
@@ -110,10 +137,14 @@ TEST(Nr5gPhyTest, ServingBeam)
 {
     packet p;
     p.u32(0, 0x10002).u32(20, static_cast<uint32_t>(-12800)).u32(24, static_cast<uint32_t>(-1280)).size(40);
-    log_test::expect_case({"0x10002", 0xB975, p.bytes(),
+    log_test::expect_case({"0x10002",
+                           0xB975,
+                           p.bytes(),
                            "version = 65538, rsrp_i = -12800, rsrq_i = -1280, rsrp = -100.00, rsrq = -10.00\n",
                            {{MODEM_STATS_DATA_ID_NR5G_ML1_SRV_BEAM, record().u32(0x10002).f32(-100).f32(-10).bytes()}},
-                           2, "version", 2});
+                           2,
+                           "version",
+                           2});
     /* The public 2.1 layout puts the values elsewhere: refused. */
     log_test::expect_refused(0xB975, packet(p).u32(0, 0x20001).bytes(), 0x20001, log_test::parser_name(0xB975));
 }
@@ -132,8 +163,12 @@ packet b97f(const b97f_layout &l)
     auto s32 = [](int32_t v) { return static_cast<uint32_t>(v); };
     p.u8(at + 4, 2).u8(at + 5, 0).u16(at + 6, 200).u32(at + 12, s32(-12544)).u32(at + 16, s32(-12416));
     at += l.carrier_bytes;
-    struct cell { uint32_t pci, beams; int32_t rsrq, rsrp[2][2]; };
-    const cell cells[2] = {{100, 1, -1500, {{-14000, -14100}, {0, 0}}}, {200, 2, -1280, {{-12800, -12672}, {-13000, -13100}}}};
+    struct cell {
+        uint32_t pci, beams;
+        int32_t rsrq, rsrp[2][2];
+    };
+    const cell cells[2] = {{100, 1, -1500, {{-14000, -14100}, {0, 0}}},
+                           {200, 2, -1280, {{-12800, -12672}, {-13000, -13100}}}};
     for (const cell &c : cells) {
         p.u16(at, c.pci).bits_at(at + 4, 0, 4, c.beams).u32(at + 12, s32(c.rsrq));
         at += 16;
@@ -164,13 +199,17 @@ TEST(Nr5gPhyTest, MeasurementDatabaseUpdate)
         "pk[1]: rsrp0 = 65535.00, rsrp1 = 65535.00, rsrp2 = -90.00, rsrp3 = -91.00, rsrq = 65535.00\n";
     for (const b97f_layout &l : layouts) {
         std::string name = fmt("0x%x", l.version);
-        log_test::expect_case(
-            {name.c_str(), 0xB97F, b97f(l).bytes(), fmt("version = %u, num_layers = 3\n", l.version) + lines,
-             {{MODEM_STATS_DATA_ID_NR5G_MEAS_PCC,
-               record().u32(l.version).f32(-100).f32(-99).f32(-98).f32(-97).f32(-10).bytes()},
-              {MODEM_STATS_DATA_ID_NR5G_MEAS_SCC1,
-               record().u32(l.version).f32(65535).f32(65535).f32(-90).f32(-91).f32(65535).bytes()}},
-             static_cast<int32_t>(l.layers_at), "num_layers", 0});
+        log_test::expect_case({name.c_str(),
+                               0xB97F,
+                               b97f(l).bytes(),
+                               fmt("version = %u, num_layers = 3\n", l.version) + lines,
+                               {{MODEM_STATS_DATA_ID_NR5G_MEAS_PCC,
+                                 record().u32(l.version).f32(-100).f32(-99).f32(-98).f32(-97).f32(-10).bytes()},
+                                {MODEM_STATS_DATA_ID_NR5G_MEAS_SCC1,
+                                 record().u32(l.version).f32(65535).f32(65535).f32(-90).f32(-91).f32(65535).bytes()}},
+                               static_cast<int32_t>(l.layers_at),
+                               "num_layers",
+                               0});
     }
     log_test::expect_refused(0xB97F, packet().u32(0, 0x20005).size(8).bytes(), 0x20005, log_test::parser_name(0xB97F));
 }
@@ -199,12 +238,16 @@ TEST(Nr5gPhyTest, FlowControlAndAntennaSwitch)
 {
     packet fc;
     fc.u32(0, 0x10001).u8(4, 1).u8(5, 2).u8(6, 2).u8(8, 1).u8(9, 3).u8(10, 4).u8(12, 2).u8(13, 5).u8(14, 6).size(16);
-    log_test::expect_case({"0xB981", 0xB981, fc.bytes(),
-                           "version = 65537, state_last = 1, state_current = 2, num_action = 2, action_type = 2, "
-                           "level_last = 5, level_current = 6\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_ML1_FC_INFO,
-                             record().u32(0x10001).u8(1).u8(2).u8(2).u8(2).u8(5).u8(6).bytes()}},
-                           12, "action_type", 0});
+    log_test::expect_case(
+        {"0xB981",
+         0xB981,
+         fc.bytes(),
+         "version = 65537, state_last = 1, state_current = 2, num_action = 2, action_type = 2, "
+         "level_last = 5, level_current = 6\n",
+         {{MODEM_STATS_DATA_ID_NR5G_ML1_FC_INFO, record().u32(0x10001).u8(1).u8(2).u8(2).u8(2).u8(5).u8(6).bytes()}},
+         12,
+         "action_type",
+         0});
     log_test::expect_refused(0xB981, packet(fc).u32(0, 0x10000).bytes(), 0x10000, log_test::parser_name(0xB981));
 
     packet asdiv;
@@ -216,12 +259,18 @@ TEST(Nr5gPhyTest, FlowControlAndAntennaSwitch)
         r.u8(i + 1);
     }
     asdiv.size(18);
-    log_test::expect_case({"0xB98F", 0xB98F, asdiv.bytes(),
-                           "version = 131072, ant_rx_0_old = 1, ant_rx_0_new = 2, ant_rx_1_old = 3, ant_rx_1_new = 4, "
-                           "ant_rx_2_old = 5, ant_rx_2_new = 6\n"
-                           "ant_rx_3_old = 7, ant_rx_3_new = 8, ant_tx_0_old = 9, ant_tx_0_new = 10, ant_tx_1_old = 11, "
-                           "ant_tx_1_new = 12\n",
-                           {{MODEM_STATS_DATA_ID_NR5G_ML1_ASDIV, r.bytes()}}, 4, "num_cc", 0});
+    log_test::expect_case(
+        {"0xB98F",
+         0xB98F,
+         asdiv.bytes(),
+         "version = 131072, ant_rx_0_old = 1, ant_rx_0_new = 2, ant_rx_1_old = 3, ant_rx_1_new = 4, "
+         "ant_rx_2_old = 5, ant_rx_2_new = 6\n"
+         "ant_rx_3_old = 7, ant_rx_3_new = 8, ant_tx_0_old = 9, ant_tx_0_new = 10, ant_tx_1_old = 11, "
+         "ant_tx_1_new = 12\n",
+         {{MODEM_STATS_DATA_ID_NR5G_ML1_ASDIV, r.bytes()}},
+         4,
+         "num_cc",
+         0});
     log_test::expect_refused(0xB98F, packet(asdiv).u32(0, 0x10000).bytes(), 0x10000, log_test::parser_name(0xB98F));
 }
 
@@ -229,8 +278,10 @@ TEST(Nr5gPhyTest, FlowControlAndAntennaSwitch)
 
 TEST(Nr5gPhyTest, RrcServingCellInfo)
 {
-    struct { uint32_t version, block_at; bool cgi; } layouts[] = {
-        {0x4, 4, false}, {0x30000, 4, true}, {0x30002, 7, true}, {0x30003, 7, true}};
+    struct {
+        uint32_t version, block_at;
+        bool cgi;
+    } layouts[] = {{0x4, 4, false}, {0x30000, 4, true}, {0x30002, 7, true}, {0x30003, 7, true}};
     for (const auto &l : layouts) {
         packet p;
         p.u32(0, l.version).u16(l.block_at, 500);
@@ -242,12 +293,16 @@ TEST(Nr5gPhyTest, RrcServingCellInfo)
         r.u16(260).u8(1).u32(43981).u16(77);
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB823, p.bytes(),
+            {name.c_str(),
+             0xB823,
+             p.bytes(),
              fmt("version = %u, pci = 500, dl_arfcn = 632448, ul_arfcn = 632449, dl_bw = 100, ul_bw = 90\n"
                  "cell_id = 4886718345, mcc = 310, mnc_digits = 3, mnc = 260, allowed_access = 1, tac = 43981, "
                  "band = 77\n",
                  l.version),
-             {{MODEM_STATS_DATA_ID_NR5G_RRC_SERVING_CELL_INFO, r.bytes()}}, static_cast<int32_t>(l.block_at + 1), "pci",
+             {{MODEM_STATS_DATA_ID_NR5G_RRC_SERVING_CELL_INFO, r.bytes()}},
+             static_cast<int32_t>(l.block_at + 1),
+             "pci",
              1});
     }
     log_test::expect_refused(0xB823, packet().u32(0, 0x30001).size(8).bytes(), 0x30001, log_test::parser_name(0xB823));
@@ -255,17 +310,30 @@ TEST(Nr5gPhyTest, RrcServingCellInfo)
 
 TEST(Nr5gPhyTest, RrcConfigurationInfo)
 {
-    struct { uint32_t version, state_at, counts_at, lists_at, cc_bytes, band_at; bool nrdc; } layouts[] = {
-        {0x8, 4, 58, 61, 18, 11, false},     {0xA, 4, 58, 61, 22, 15, false}, {0x20000, 4, 58, 61, 22, 15, false},
-        {0x30001, 12, 66, 71, 22, 15, true}, {0x30003, 12, 66, 71, 23, 15, true}};
-    struct cc { uint32_t pci, arfcn, band, type, bw; };
+    struct {
+        uint32_t version, state_at, counts_at, lists_at, cc_bytes, band_at;
+        bool nrdc;
+    } layouts[] = {{0x8, 4, 58, 61, 18, 11, false},
+                   {0xA, 4, 58, 61, 22, 15, false},
+                   {0x20000, 4, 58, 61, 22, 15, false},
+                   {0x30001, 12, 66, 71, 22, 15, true},
+                   {0x30003, 12, 66, 71, 23, 15, true}};
+    struct cc {
+        uint32_t pci, arfcn, band, type, bw;
+    };
     const cc carriers[2] = {{500, 632448, 78, 1, 12}, {600, 2079165, 257, 2, 13}};
     for (const auto &l : layouts) {
         uint32_t n = l.nrdc ? 2 : 1;
         packet p;
         p.u32(0, l.version).u8(l.state_at, 7).u8(l.state_at + 2, 2);
-        if (l.nrdc) p.u8(l.counts_at, 1).u8(l.counts_at + 1, 1).u8(l.counts_at + 2, 1).u8(l.counts_at + 3, 1).u8(l.counts_at + 4, 1);
-        else p.u8(l.counts_at, 1).u8(l.counts_at + 1, 1).u8(l.counts_at + 2, 1);
+        if (l.nrdc)
+            p.u8(l.counts_at, 1)
+                .u8(l.counts_at + 1, 1)
+                .u8(l.counts_at + 2, 1)
+                .u8(l.counts_at + 3, 1)
+                .u8(l.counts_at + 4, 1);
+        else
+            p.u8(l.counts_at, 1).u8(l.counts_at + 1, 1).u8(l.counts_at + 2, 1);
         uint32_t at = l.lists_at + 4 * n;
         std::string lines;
         for (uint32_t c = 0; c < n; c++, at += l.cc_bytes) {
@@ -280,7 +348,9 @@ TEST(Nr5gPhyTest, RrcConfigurationInfo)
         r.u32(l.version).u8(7).u8(2).u8(1).u8(1).u16(500).u32(632448).u32(632448).u16(78).u8(1).u8(12).u8(12);
         std::string name = fmt("0x%x", l.version);
         log_test::expect_case(
-            {name.c_str(), 0xB825, p.bytes(),
+            {name.c_str(),
+             0xB825,
+             p.bytes(),
              fmt("rrc_state = 7, conn_mode = 2\nversion = %u, num_contiguous_cc_groups = 1, "
                  "num_nrdc_scg_contiguous_cc_groups = %u, num_active_cc = 1, num_nrdc_scg_active_cc = %u, "
                  "num_active_rb = 1\n",
@@ -288,7 +358,9 @@ TEST(Nr5gPhyTest, RrcConfigurationInfo)
                  lines +
                  "dl_rb_type = 1, dl_rb_path = 2, dl_rohc_enable = 0, ul_rb_type = 1, ul_rb_path = 3, "
                  "ul_rohc_enable = 1\n",
-             {{MODEM_STATS_DATA_ID_NR5G_RRC_CONFIG_INFO, r.bytes()}}, static_cast<int32_t>(l.state_at + 2), "conn_mode",
+             {{MODEM_STATS_DATA_ID_NR5G_RRC_CONFIG_INFO, r.bytes()}},
+             static_cast<int32_t>(l.state_at + 2),
+             "conn_mode",
              0});
     }
     log_test::expect_refused(0xB825, packet().u32(0, 0x30000).size(8).bytes(), 0x30000, log_test::parser_name(0xB825));
