@@ -136,13 +136,10 @@ uint32_t received_chunk_len(const tolvek_efs_rsp &rsp, uint32_t rsp_len)
     return rsp.data_len_send < carried ? rsp.data_len_send : carried;
 }
 
-int efs_read_locked(const char *func, uint32_t sub_id, const char *efs_path, uint32_t path_len, uint8_t *buf,
-                    uint32_t *p_buf_len)
+/* Checks of a read beyond the shared head: buffer, length pointer and
+ * capacity (logged as it comes in).  Returns 0 or the argument failure. */
+int check_efs_read_buffer(const char *func, const uint8_t *buf, const uint32_t *p_buf_len)
 {
-    int rc = check_efs_head(func, sub_id, efs_path, path_len, TOLVEK_EFS_READ_PATH_MAX);
-    if (rc != 0) {
-        return rc;
-    }
     if (buf == nullptr) {
         TOLVEK_LOGD_AS(func, "buf is null");
         return TOLVEK_NVEFS_ERR_BUF_NULL;
@@ -151,12 +148,46 @@ int efs_read_locked(const char *func, uint32_t sub_id, const char *efs_path, uin
         TOLVEK_LOGD_AS(func, "p_buf_len is null");
         return TOLVEK_NVEFS_ERR_BUF_LEN;
     }
-    uint32_t capacity = *p_buf_len;
-    TOLVEK_LOGD_AS(func, "buf_len: %d", int(capacity));
-    if (capacity == 0) {
+    TOLVEK_LOGD_AS(func, "buf_len: %d", int(*p_buf_len));
+    if (*p_buf_len == 0) {
         TOLVEK_LOGD_AS(func, "buf_len is invalid");
         return TOLVEK_NVEFS_ERR_BUF_LEN;
     }
+    return 0;
+}
+
+/* Copies a chunk received at `offset` into the caller's buffer and sets
+ * the number of bytes read.  When the chunk does not fit, only what fits is
+ * copied and false says that the read ends there. */
+bool copy_read_chunk(const char *func, uint8_t *buf, uint32_t capacity, uint32_t offset, const uint8_t *chunk_data,
+                     uint32_t chunk, uint32_t *p_buf_len)
+{
+    if (offset + chunk <= capacity) {
+        memcpy(buf + offset, chunk_data, chunk);
+        *p_buf_len = offset + chunk;
+        return true;
+    }
+    if (offset >= capacity) {
+        TOLVEK_LOGD_AS(func, "errro, abort, buf_len <= req.data_len_cur");
+    } else {
+        memcpy(buf + offset, chunk_data, capacity - offset);
+        TOLVEK_LOGD_AS(func, "abort, buf_len <= data_len_recv");
+    }
+    *p_buf_len = capacity;
+    return false;
+}
+
+int efs_read_locked(const char *func, uint32_t sub_id, const char *efs_path, uint32_t path_len, uint8_t *buf,
+                    uint32_t *p_buf_len)
+{
+    int rc = check_efs_head(func, sub_id, efs_path, path_len, TOLVEK_EFS_READ_PATH_MAX);
+    if (rc == 0) {
+        rc = check_efs_read_buffer(func, buf, p_buf_len);
+    }
+    if (rc != 0) {
+        return rc;
+    }
+    uint32_t capacity = *p_buf_len;
     tolvek_efs_req req;
     fill_efs_head(func, &req, TOLVEK_EFS_OP_READ, sub_id, efs_path, path_len);
 
@@ -191,18 +222,9 @@ int efs_read_locked(const char *func, uint32_t sub_id, const char *efs_path, uin
             TOLVEK_LOGD_AS(func, "abort, data_len_send <= 0");
             return TOLVEK_NVEFS_ERR_BUF_LEN;
         }
-        if (received > capacity) {
-            if (offset >= capacity) {
-                TOLVEK_LOGD_AS(func, "errro, abort, buf_len <= req.data_len_cur");
-            } else {
-                memcpy(buf + offset, rsp.data, capacity - offset);
-                TOLVEK_LOGD_AS(func, "abort, buf_len <= data_len_recv");
-            }
-            *p_buf_len = capacity;
+        if (!copy_read_chunk(func, buf, capacity, offset, rsp.data, chunk, p_buf_len)) {
             return 0;
         }
-        memcpy(buf + offset, rsp.data, chunk);
-        *p_buf_len = received;
         if (received >= rsp.data_len_all || received >= TOLVEK_EFS_FILE_MAX || count >= TOLVEK_NVEFS_MAX_REQUESTS) {
             return 0;
         }

@@ -76,13 +76,13 @@ const common_cmd_entry k_common_cmds[] = {
     {TOLVEK_COMMON_CMD_TYPED, typed_request},
 };
 
-}  // namespace
-
 /* Commands whose answer is not a typed record: their handler writes the
  * whole payload. */
 const ext_request_entry k_common_raw_cmds[] = {
     {TOLVEK_COMMON_CMD_STATS_DEBUG, ext_stats_debug_info},
 };
+
+}  // namespace
 
 void ext_handle_common_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp)
 {
