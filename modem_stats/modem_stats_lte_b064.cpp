@@ -66,7 +66,8 @@ typedef struct {
     uint32_t padding_bytes;
     uint32_t grants;
     uint32_t full_grants;
-    bool phr_or_bsr; /* in the transport block in hand */
+    bool tb_phr; /* the transport block in hand carries a power headroom */
+    bool tb_bsr; /* ... and a buffer status report */
 } b064_stats;
 
 typedef struct {
@@ -107,7 +108,7 @@ uint32_t element_bits(const b064_subheader &sh, uint32_t bits_rest)
 
 void add_bs_level(uint32_t tb, uint32_t lcg, uint32_t level, b064_stats *st)
 {
-    st->phr_or_bsr = true;
+    st->tb_bsr = true;
     if (level >= BS_LEVEL_COUNT) {
         modem_stats_log_printf("error, bsr_lcg3[%d][%d] = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
                                static_cast<int>(tb), static_cast<int>(lcg), static_cast<int>(level),
@@ -181,7 +182,7 @@ bool walk_elements(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt, c
             uint8_t phr_ind = 0;
             if (!modem_stats_unpk_at("phr_ind", 0, BS_LEVEL_BITS, &phr_ind)) return false;
             st->phr_ind = phr_ind;
-            st->phr_or_bsr = true;
+            st->tb_phr = true;
         } else if (is_variable_element(lcid)) {
             /* Cell bitmap C7..C1 over an R bit, then P, V and PH of the first entry. */
             static const char *const ci_names[] = {"c1", "c2", "c3", "c4", "c5", "c6", "c7"};
@@ -195,7 +196,7 @@ bool walk_elements(uint32_t tb, uint32_t hdr_bits_sum, uint32_t *hdr_bits_cnt, c
                 if (!modem_stats_unpk_at("v", 14, 1, &v)) return false;
                 if (!modem_stats_unpk_at("phr_ind", OCTET_BITS, BS_LEVEL_BITS, &phr_ind)) return false;
                 st->phr_ind = phr_ind;
-                st->phr_or_bsr = true;
+                st->tb_phr = true;
             }
         } else if (lcid == LCID_SHORT_BSR || lcid == LCID_TRUNCATED_BSR) {
             uint8_t level = 0, lcg = 0;
@@ -223,7 +224,7 @@ bool walk_header(uint32_t tb, uint8_t hdr_len, b064_stats *st)
     uint32_t count = 0;
     uint32_t hdr_bits_sum = hdr_len * OCTET_BITS;
     uint32_t hdr_bits_cnt = 0;
-    st->phr_or_bsr = false;
+    st->tb_phr = st->tb_bsr = false;
     if (!walk_subheaders(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, &count)) return false;
     modem_stats_log_printf("------ count_tb[%d], subheaders = %d, hdr_bits_cnt = %d, hdr_bits_sum = %d\n",
                            static_cast<int>(tb), static_cast<int>(count), static_cast<int>(hdr_bits_cnt),
@@ -231,7 +232,8 @@ bool walk_header(uint32_t tb, uint8_t hdr_len, b064_stats *st)
     if (!walk_elements(tb, hdr_bits_sum, &hdr_bits_cnt, subheaders, count, st)) return false;
     modem_stats_log_printf("------ count_tb_payloads[%d], hdr_bits_cnt = %d, hdr_bits_sum = %d\n", static_cast<int>(tb),
                            static_cast<int>(hdr_bits_cnt), static_cast<int>(hdr_bits_sum));
-    if (st->phr_or_bsr) {
+    /* A block that reports both its power headroom and its buffers. */
+    if (st->tb_phr && st->tb_bsr) {
         modem_stats_log_printf("------ PHR_IND and BSR_LCG[%d], phr_ind = %d, bsr_lcg3_num = %d, bsr_lcg3_sum = %d\n",
                                static_cast<int>(tb), static_cast<int>(st->phr_ind), static_cast<int>(st->bsr_num),
                                static_cast<int>(st->bsr_sum));
@@ -283,7 +285,7 @@ void modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block(modem_stats_data
     if (!modem_stats_data_unpk("num_sub_packets", &num_sub_packets)) return;
     modem_stats_data_skip(2);
 
-    b064_stats st = {MODEM_STATS_ABSENT_U8, 0, 0, 0, 0, 0, 0, false};
+    b064_stats st = {MODEM_STATS_ABSENT_U8, 0, 0, 0, 0, 0, 0, false, false};
     uint8_t version_sub = 0;
     uint32_t tb = 0;
     uint32_t subpacket_at = modem_stats_log_cursor();

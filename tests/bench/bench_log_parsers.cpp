@@ -160,7 +160,7 @@ int main(int argc, char **argv)
         {"0xB193 v36, 2 serving cells (15 lines)", 0xB193, b193_v36()},
         {"0xB97F 2.7, 1 carrier/cell/beam (5 lines)", 0xB97F, b97f(1, 1, 1)},
         {"0xB97F 2.7, 2x2x2 (17 lines, 2 records)", 0xB97F, b97f(2, 2, 2)},
-        {"0xB064 v1, 5 samples (20 lines)", 0xB064, b064()},
+        {"0xB064 v1, 5 samples (19 lines)", 0xB064, b064()},
         {"0xB16D v48, 2 records (2 lines)", 0xB16D, b16d()},
         {"0xB975 1.2 (2 lines)", 0xB975, b975()},
     };

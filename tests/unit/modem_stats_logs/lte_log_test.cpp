@@ -291,7 +291,6 @@ TEST(LteLogTest, MacUlTransportBlockEverySubPacketVersion)
         "------ count_tb[1], subheaders = 3, hdr_bits_cnt = 24, hdr_bits_sum = 56\n"
         "error, bsr_lcg3[1][3] = 63, bsr_lcg3_num = 4, bsr_lcg3_sum = 16\n"
         "------ count_tb_payloads[1], hdr_bits_cnt = 56, hdr_bits_sum = 56\n"
-        "------ PHR_IND and BSR_LCG[1], phr_ind = 33, bsr_lcg3_num = 5, bsr_lcg3_sum = 21\n"
         "LTE FSSR: [0][1], pad = 25, grant = 50, sfn_grant = 50.00, sfn_full = 50.00\n";
     for (int v : {1, 2, 3, 5, 8}) {
         std::string name = fmt("sub-packet v%d", v);
