@@ -52,12 +52,25 @@ struct sink {
 
 void put_decimal(sink *s, uint64_t v)
 {
+    /* Two digits per division. */
+    static const char pairs[] =
+        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+        "8081828384858687888990919293949596979899";
     char digits[24];
     size_t n = sizeof(digits);
-    do {
-        digits[--n] = static_cast<char>('0' + v % 10);
-        v /= 10;
-    } while (v);
+    while (v >= 100) {
+        const char *pair = pairs + 2 * (v % 100);
+        v /= 100;
+        digits[--n] = pair[1];
+        digits[--n] = pair[0];
+    }
+    if (v >= 10) {
+        digits[--n] = pairs[2 * v + 1];
+        digits[--n] = pairs[2 * v];
+    } else {
+        digits[--n] = static_cast<char>('0' + v);
+    }
     size_t count = sizeof(digits) - n;
     if (s->len + count < s->size) {
         /* A few characters: copied in place rather than through memcpy. */

@@ -30,6 +30,13 @@ int32_t unpk_pos_limit(void)
 uint64_t read_le(int64_t at, uint32_t width)
 {
     uint64_t v = 0;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    /* Wholly inside the window (the usual case): one copy. */
+    if (at >= 0 && width <= sizeof(v) && at + width <= g_pk_data_size) {
+        memcpy(&v, g_pk_data_ptr + at, width);
+        return v;
+    }
+#endif
     for (uint32_t i = 0; i < width; i++) {
         int64_t idx = at + i;
         if (idx >= 0 && idx < g_pk_data_size) v |= static_cast<uint64_t>(g_pk_data_ptr[idx]) << (8 * i);
