@@ -72,7 +72,9 @@ TEST(LogFormatTest, DecimalsAtEveryDigitCountBoundary)
     for (unsigned long p = 1; p <= ULONG_MAX / 10; p *= 10) {
         for (unsigned long v : {p - 1, p, p + 1, 10 * p - 1}) {
             ASSERT_TRUE(same("%lu", v)) << v;
-            if (v <= LONG_MAX) ASSERT_TRUE(same("%ld %ld", static_cast<long>(v), -static_cast<long>(v))) << v;
+            if (v <= LONG_MAX) {
+                ASSERT_TRUE(same("%ld %ld", static_cast<long>(v), -static_cast<long>(v))) << v;
+            }
         }
     }
     for (int v = 0; v < 1000; v++) ASSERT_TRUE(same("%d,%u", -v, static_cast<unsigned>(v))) << v;
