@@ -1,5 +1,6 @@
 /* The host diag library's link to rlk-modemd: connection, reader thread,
  * packet dispatch and session ops. */
+#include <errno.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -98,7 +99,19 @@ bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *da
     if (!l) return false;
     std::vector<uint8_t> pkt;
     diag_packet_build(data_type, proc, tag, data, len, &pkt);
-    return modemd_send(l->fd, pkt.data(), pkt.size());
+    if (modemd_send(l->fd, pkt.data(), pkt.size())) return true;
+    if (errno == EPIPE || errno == ECONNRESET || errno == ENOTCONN) {
+        /* The simulator is gone.  The session ends now rather than when the
+         * reader thread gets round to noticing, so that a caller who saw
+         * this send fail also sees the session closed. */
+        {
+            std::lock_guard<std::mutex> lk(g().mu);
+            if (g().conn == l) g().conn.reset();
+            g().cv.notify_all();
+        }
+        shutdown(l->fd, SHUT_RDWR);
+    }
+    return false;
 }
 
 bool on_reader_thread()
