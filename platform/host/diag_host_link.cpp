@@ -59,6 +59,15 @@ void dispatch(const diag_packet &pkt)
     }
 }
 
+/* Ends the session carried by `l` unless a newer link has replaced it, and
+ * wakes everyone waiting for an answer on it. */
+void forget_link(const std::shared_ptr<link> &l)
+{
+    std::lock_guard<std::mutex> lk(g().mu);
+    if (g().conn == l) g().conn.reset();
+    g().cv.notify_all();
+}
+
 void reader_main(std::shared_ptr<link> l)
 {
     std::vector<uint8_t> buf(MODEMD_MAX_PACKET);
@@ -68,10 +77,11 @@ void reader_main(std::shared_ptr<link> l)
         diag_packet pkt;
         if (diag_packet_parse(buf.data(), size_t(n), &pkt)) dispatch(pkt);
     }
-    std::lock_guard<std::mutex> lk(g().mu);
-    l->done = true;
-    if (g().conn == l) g().conn.reset(); /* the link was lost */
-    g().cv.notify_all();
+    {
+        std::lock_guard<std::mutex> lk(g().mu);
+        l->done = true;
+    }
+    forget_link(l); /* the link was lost */
 }
 
 }  // namespace
@@ -104,11 +114,7 @@ bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *da
         /* The simulator is gone.  The session ends now rather than when the
          * reader thread gets round to noticing, so that a caller who saw
          * this send fail also sees the session closed. */
-        {
-            std::lock_guard<std::mutex> lk(g().mu);
-            if (g().conn == l) g().conn.reset();
-            g().cv.notify_all();
-        }
+        forget_link(l);
         shutdown(l->fd, SHUT_RDWR);
     }
     return false;
@@ -171,8 +177,7 @@ bool link_open()
     if (!session_request(DIAG_SESSION_REMOTE_MASK, MSM, &status, &mask) || status != DIAG_SESSION_OK ||
         mask.size() < 2) {
         shutdown(fd, SHUT_RDWR);
-        std::lock_guard<std::mutex> lk(g().mu);
-        if (g().conn == l) g().conn.reset();
+        forget_link(l);
         return false;
     }
     {
