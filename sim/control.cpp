@@ -7,7 +7,6 @@
 #include <string.h>
 
 #include "daemon.h"
-#include "services/extension_service.h"
 
 namespace modemd {
 namespace {
@@ -50,8 +49,7 @@ const char k_help[] =
     "  last [n] [svc]\n"
     "  efs ls | efs get <path> | efs put <path> <hex> | efs rm <path>\n"
     "  counter get <name> | counter set <name> <value> | counters\n"
-    "  ext fail-efs <skip> result|msg_code <code> | ext transfers\n"
-    "  diag ...";
+    "  diag ...\n";
 
 }  // namespace
 
@@ -229,7 +227,14 @@ std::string daemon::control_state(const std::vector<std::string> &a)
 std::string daemon::control(const std::string &request)
 {
     std::vector<std::string> a = split_words(request);
-    if (a.empty() || a[0] == "help") return k_help;
+    if (a.empty() || a[0] == "help") {
+        std::string out = k_help;
+        for (auto &s : services_) {
+            if (s->def->control_help) out += s->def->control_help;
+        }
+        if (!out.empty() && out.back() == '\n') out.pop_back();
+        return out;
+    }
     const std::string &cmd = a[0];
     if (cmd == "ping") return "ok";
     if (cmd == "getprop") {
@@ -271,7 +276,9 @@ std::string daemon::control(const std::string &request)
         return out;
     }
     if (cmd == "efs" || cmd == "counter" || cmd == "counters") return control_state(a);
-    if (cmd == "ext") return ext_control(*this, a);
+    for (auto &s : services_) {
+        if (s->def->control && cmd == s->def->name) return s->def->control(*this, a);
+    }
     if (cmd == "diag") {
         std::string answer;
         if (diag_ && diag_->control(a, &answer)) return answer;

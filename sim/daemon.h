@@ -63,6 +63,10 @@ struct sim_service_def {
     /* Writes error `code` into a zeroed response of this service.  Null for
      * services whose responses start with the standard result TLV. */
     void (*fill_error)(void *resp, int code);
+    /* "<name> ..." control requests of this service (args[0] is the
+     * name) and their help lines; null when the service has none. */
+    std::string (*control)(daemon &d, const std::vector<std::string> &args) = nullptr;
+    const char *control_help = nullptr;
 };
 
 struct sim_service {
