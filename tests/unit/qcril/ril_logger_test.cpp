@@ -1,0 +1,105 @@
+/* The RIL logger and the qcril allocation pair. */
+#include <gtest/gtest.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "Logger.h"
+#include "qcril_memory_management.h"
+
+using namespace qti::ril::logger;
+
+#if defined(__SANITIZE_ADDRESS__)
+/* A refused allocation must come back as null, as it does without the
+ * sanitizer, so that the failure path can be tested. */
+extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
+#endif
+
+namespace {
+
+class NamedFactory : public LoggerFactory {
+public:
+    explicit NamedFactory(const char *name) : LoggerFactory(name) {}
+    std::shared_ptr<LoggerImpl> getLoggerImpl() override { return nullptr; }
+};
+
+TEST(RilLogger, FailedAllocationPrintsOneHighLineAndReturnsNull)
+{
+    prctl(PR_SET_NAME, "alloc-test", 0, 0, 0);
+    volatile size_t huge = SIZE_MAX - 4096;
+    testing::internal::CaptureStdout();
+    void *p = qcril_malloc_adv(huge, "caller.cpp", 7);
+    fflush(stdout);
+    std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(p, nullptr);
+    char expected[256];
+    snprintf(expected, sizeof(expected),
+             "[HIGH      :util]: [qcril_memory_management.cpp: 184] [alloc-test(%ld,%ld)] qcril_malloc_adv: "
+             "Fail to allocate memory\n",
+             long(getpid()), long(my_gettid()));
+    EXPECT_EQ(out, expected);
+}
+
+TEST(RilLogger, AllocationIsZeroFilledAndNullFreeIsIgnored)
+{
+    testing::internal::CaptureStdout();
+    unsigned char *p = static_cast<unsigned char *>(qcril_malloc_adv(4096, "caller.cpp", 1));
+    ASSERT_NE(p, nullptr);
+    for (size_t i = 0; i < 4096; i++) ASSERT_EQ(p[i], 0) << i;
+    qcril_free_adv(p, "caller.cpp", 2);
+    qcril_free_adv(nullptr, "caller.cpp", 3);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(RilLogger, FirstFactoryOfANameStaysRegistered)
+{
+    auto &reg = LoggerFactory::loggerFactories();
+    ASSERT_EQ(reg.count("stdout"), 1u);
+    LoggerFactory *first = reg["stdout"];
+    {
+        NamedFactory second("stdout");
+        EXPECT_EQ(reg["stdout"], first);
+    }
+    EXPECT_EQ(reg["stdout"], first) << "the later factory's end must not unregister the first";
+    NamedFactory other("file");
+    EXPECT_EQ(reg["file"], &other);
+}
+
+TEST(RilLogger, StdoutLoggerLinesAndLevelNames)
+{
+    StdoutLoggerFactory factory;
+    std::shared_ptr<LoggerImpl> impl = factory.getLoggerImpl();
+    ASSERT_TRUE(impl);
+    EXPECT_EQ(impl, factory.getLoggerImpl()) << "one shared implementation";
+    EXPECT_EQ(impl->name(), "stdout");
+    ASSERT_EQ(impl->params().size(), 1u);
+    EXPECT_EQ(impl->params()[0].name, "level");
+    EXPECT_EQ(impl->params()[0].description, "Set the maximum level to log at.");
+    testing::internal::CaptureStdout();
+    for (unsigned lv = 0; lv < k_log_level_count; lv++) impl->vlog(LogLevel(lv), "t", "m");
+    Logger::instance().log(INFO, "tag", "%s %d", "x", 5);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "[ESSENTIAL :t]: m\n[VERBOSE   :t]: m\n[DEBUG     :t]: m\n[INFO      :t]: m\n"
+              "[WARN      :t]: m\n[HIGH      :t]: m\n[FATAL     :t]: m\n[MAX       :t]: m\n"
+              "[INFO      :tag]: x 5\n");
+}
+
+TEST(RilLoggerDeathTest, LevelEightAborts)
+{
+    StdoutLoggerFactory factory;
+    std::shared_ptr<LoggerImpl> impl = factory.getLoggerImpl();
+    EXPECT_DEATH(impl->vlog(LogLevel(8), "t", "m"), "");
+}
+
+TEST(RilLogger, LongMessagesAreCutAt1023Characters)
+{
+    std::string big(3000, 'a');
+    testing::internal::CaptureStdout();
+    Logger::instance().log(DEBUG, "t", "%s", big.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "[DEBUG     :t]: " + std::string(1023, 'a') + "\n");
+}
+
+}  // namespace
