@@ -31,6 +31,14 @@ bool event_loop::add_fd(int fd, fd_handler handler)
     return true;
 }
 
+bool event_loop::set_fd_events(int fd, uint32_t events)
+{
+    struct epoll_event ev = {};
+    ev.events = events;
+    ev.data.fd = fd;
+    return epoll_ctl(epfd_, EPOLL_CTL_MOD, fd, &ev) == 0;
+}
+
 void event_loop::remove_fd(int fd)
 {
     epoll_ctl(epfd_, EPOLL_CTL_DEL, fd, nullptr);

@@ -24,6 +24,9 @@ public:
     /* Watches `fd` for input (EPOLLIN); the handler gets the epoll events. */
     bool add_fd(int fd, fd_handler handler);
     void remove_fd(int fd);
+    /* Changes what `fd` is watched for (EPOLLIN, EPOLLOUT, both or none;
+     * hang-ups and errors are always reported). */
+    bool set_fd_events(int fd, uint32_t events);
 
     /* Runs `fn` once after `ms` milliseconds. */
     timer_id add_timer(uint32_t ms, std::function<void()> fn);

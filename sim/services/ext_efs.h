@@ -16,6 +16,14 @@ namespace modemd {
  * errno values, as the modem's EFS layer reports them). */
 constexpr int32_t k_efs_ebadf = -9;  /* no open transfer with the quoted instance id */
 constexpr int32_t k_efs_efbig = -27; /* file above 102410 bytes, or a chunk past the announced total */
+constexpr int32_t k_efs_emfile = -24; /* every instance id taken by a transfer that is still moving */
+
+/* A write transfer nobody moved for this long is dropped. */
+constexpr uint64_t k_transfer_idle_ms = 60000;
+/* A transfer that moved within this time is never evicted for a new one. */
+constexpr uint64_t k_transfer_recent_ms = 10000;
+/* How often idle transfers are looked for while any is open. */
+constexpr uint32_t k_transfer_sweep_ms = 5000;
 
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 
