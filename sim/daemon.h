@@ -24,9 +24,10 @@ namespace modemd {
 class daemon;
 struct sim_service;
 
-/* Bytes a connection may have waiting for its client to read (beyond what
- * the socket holds) before another packet for it disconnects it. */
+/* Bytes and packets a connection may have waiting for its client to read
+ * (beyond what the socket holds); past either, the client is disconnected. */
 constexpr size_t k_out_queue_max_bytes = 2u << 20;
+constexpr size_t k_out_queue_max_packets = 4096;
 /* Time a new connection has to send its hello. */
 constexpr uint32_t k_default_hello_timeout_ms = 3000;
 

@@ -207,7 +207,7 @@ void daemon::on_control_packet(connection &c, const uint8_t *data, size_t len)
 
 void daemon::queue_answer(connection &c, const std::string &answer)
 {
-    if (c.out_bytes > k_out_queue_max_bytes) {
+    if (c.out_bytes > k_out_queue_max_bytes || c.out.size() > k_out_queue_max_packets) {
         close_later(c, "client does not read its answers");
         return;
     }
@@ -249,9 +249,9 @@ bool daemon::queue_packet(uint64_t conn_id, const void *data, size_t len, bool b
     const uint8_t *bytes = static_cast<const uint8_t *>(data);
     c.out.emplace_back(bytes, bytes + len);
     c.out_bytes += len;
-    if (bounded && c.out_bytes > k_out_queue_max_bytes) {
-        log("connection %llu: client does not read (%zu bytes waiting): disconnected", (unsigned long long)conn_id,
-            c.out_bytes);
+    if (bounded && (c.out_bytes > k_out_queue_max_bytes || c.out.size() > k_out_queue_max_packets)) {
+        log("connection %llu: client does not read (%zu packets, %zu bytes waiting): disconnected",
+            (unsigned long long)conn_id, c.out.size(), c.out_bytes);
         close_later(c, nullptr);
         return false;
     }

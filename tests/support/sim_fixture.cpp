@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -98,8 +99,16 @@ bool sim_instance::spawn()
         int logfd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
         dup2(logfd, 1);
         dup2(logfd, 2);
-        execl(RLK_MODEMD_BINARY, RLK_MODEMD_BINARY, "--socket", socket_.c_str(), "--state", state_.c_str(),
-              "--log", log.c_str(), (char *)nullptr);
+        if (fd_limit_) {
+            struct rlimit rl = {rlim_t(fd_limit_), rlim_t(fd_limit_)};
+            if (setrlimit(RLIMIT_NOFILE, &rl) != 0) _exit(126);
+        }
+        std::vector<std::string> args = {RLK_MODEMD_BINARY, "--socket", socket_, "--state", state_, "--log", log};
+        args.insert(args.end(), extra_args_.begin(), extra_args_.end());
+        std::vector<char *> argv;
+        for (std::string &a : args) argv.push_back(&a[0]);
+        argv.push_back(nullptr);
+        execv(RLK_MODEMD_BINARY, argv.data());
         _exit(127);
     }
     pid_ = pid;
