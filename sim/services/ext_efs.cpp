@@ -29,12 +29,13 @@ struct transfer {
 
 std::map<uint8_t, transfer> g_transfers;
 event_loop::timer_id g_sweep_timer = 0;
+uint64_t g_idle_ms = k_transfer_idle_ms;
 
-/* Drops the transfers idle for k_transfer_idle_ms. */
+/* Drops the transfers idle for g_idle_ms. */
 void expire_idle(daemon &d, uint64_t now)
 {
     for (auto it = g_transfers.begin(); it != g_transfers.end();) {
-        if (now - it->second.moved_ms < k_transfer_idle_ms) {
+        if (now - it->second.moved_ms < g_idle_ms) {
             ++it;
             continue;
         }
@@ -55,7 +56,8 @@ void watch_transfers(daemon &d)
     });
     if (g_sweep_timer || g_transfers.empty()) return;
     daemon *dp = &d;
-    g_sweep_timer = d.loop().add_timer(k_transfer_sweep_ms, [dp] {
+    uint32_t period = uint32_t(g_idle_ms < k_transfer_sweep_ms ? g_idle_ms : k_transfer_sweep_ms);
+    g_sweep_timer = d.loop().add_timer(period, [dp] {
         g_sweep_timer = 0;
         expire_idle(*dp, event_loop::now_ms());
         watch_transfers(*dp);
@@ -235,6 +237,8 @@ void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result)
 }
 
 size_t ext_efs_open_transfers() { return g_transfers.size(); }
+
+void ext_efs_set_transfer_idle(uint64_t ms) { g_idle_ms = ms; }
 
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp)
 {

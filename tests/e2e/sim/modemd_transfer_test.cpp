@@ -1,6 +1,8 @@
 /* EFS write transfers of the extension service against writers that die
  * or give up half-way: a live transfer survives them all, and what they
  * leave behind goes with their connections. */
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "raw_modemd.h"
@@ -95,6 +97,19 @@ TEST_F(TransferTest, EvictionNeverTakesATransferThatMovedRecently)
     EXPECT_EQ(sim.ctl_ok("efs get /live/file"), expected_hex());
     hoarder.close_now();
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "the hoarder's transfers went with it";
+}
+
+TEST_F(TransferTest, AnIdleTransferExpiresWhileItsClientStaysConnected)
+{
+    sim.ctl_ok("ext transfer-idle 200");
+    ASSERT_EQ(live_chunk(0), 0);
+    ASSERT_EQ(live_chunk(1), 0);
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "1");
+    long long deadline = monotonic_ms() + 3000;
+    while (sim.ctl_ok("ext transfers") != "0" && monotonic_ms() < deadline) usleep(20 * 1000);
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "dropped without any further request";
+    EXPECT_EQ(live_chunk(2), -9) << "the expired id is no longer open";
+    EXPECT_EQ(sim.ctl("efs get /live/file"), "error -2");
 }
 
 }  // namespace
