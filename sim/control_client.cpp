@@ -27,7 +27,7 @@ int64_t now_ms()
 
 class session {
 public:
-    session(int timeout_ms) : deadline_(now_ms() + (timeout_ms > 0 ? timeout_ms : 0)) {}
+    explicit session(int timeout_ms) : deadline_(now_ms() + (timeout_ms > 0 ? timeout_ms : 0)) {}
     ~session()
     {
         if (fd_ >= 0) close(fd_);
