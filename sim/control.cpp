@@ -49,6 +49,7 @@ const char k_help[] =
     "  last [n] [svc]\n"
     "  efs ls | efs get <path> | efs put <path> <hex> | efs rm <path>\n"
     "  counter get <name> | counter set <name> <value> | counters\n"
+    "  loop [reset]   longest time one event kept the daemon busy (us, and its CPU time)\n"
     "  diag ...\n";
 
 }  // namespace
@@ -237,6 +238,12 @@ std::string daemon::control(const std::string &request)
     }
     const std::string &cmd = a[0];
     if (cmd == "ping") return "ok";
+    if (cmd == "loop") {
+        event_loop::dispatch_time t = loop_.longest_dispatch();
+        std::string out = "ok longest-event-us " + std::to_string(t.wall_us) + " cpu-us " + std::to_string(t.cpu_us);
+        if (a.size() >= 2 && a[1] == "reset") loop_.reset_longest_dispatch();
+        return out;
+    }
     if (cmd == "getprop") {
         if (a.size() != 2) return "error usage: getprop <key>";
         return "ok " + store_.get_property(a[1]);

@@ -20,8 +20,6 @@ namespace {
 
 /* Requests kept for inspection. */
 constexpr size_t k_journal_size = 256;
-/* A client that does not drain its socket for this long loses the packet. */
-constexpr int k_send_timeout_ms = 1000;
 /* QMI error numbers used by the simulator's own answers. */
 constexpr uint16_t k_qmi_err_malformed = 1;
 constexpr uint16_t k_qmi_err_invalid_message_id = 0x39;
@@ -49,16 +47,6 @@ uint32_t instance_word(const sim_service &s) { return s.def->instance << 8 | (s.
 
 }  // namespace
 
-bool connection::send(const void *data, size_t len) const
-{
-    for (;;) {
-        ssize_t n = ::send(fd, data, len, MSG_NOSIGNAL);
-        if (n == ssize_t(len)) return true;
-        if (n < 0 && errno == EINTR) continue;
-        return false;
-    }
-}
-
 daemon::daemon(const daemon_options &opts) : opts_(opts) {}
 
 daemon::~daemon()
@@ -70,37 +58,36 @@ daemon::~daemon()
     }
     if (signal_fd_ >= 0) close(signal_fd_);
     if (lock_fd_ >= 0) close(lock_fd_);
-    if (log_ && log_ != stderr) fclose(log_);
+    if (reserve_fd_ >= 0) close(reserve_fd_);
 }
 
 void daemon::log(const char *fmt, ...)
 {
-    FILE *out = log_ ? log_ : stderr;
-    struct timespec ts;
-    clock_gettime(CLOCK_REALTIME, &ts);
-    struct tm tm;
-    localtime_r(&ts.tv_sec, &tm);
-    char stamp[32];
-    strftime(stamp, sizeof(stamp), "%Y-%m-%d %H:%M:%S", &tm);
-    fprintf(out, "%s.%03ld rlk-modemd[%d]: ", stamp, ts.tv_nsec / 1000000, getpid());
     va_list ap;
     va_start(ap, fmt);
-    vfprintf(out, fmt, ap);
+    daemon_log::outcome o = log_.vlog(event_loop::now_ms(), fmt, ap);
     va_end(ap);
-    fputc('\n', out);
-    fflush(out);
+    on_log_outcome(o);
+}
+
+void daemon::on_log_outcome(daemon_log::outcome o)
+{
+    if (o != daemon_log::outcome::suppressed_first || log_summary_timer_) return;
+    log_summary_timer_ = loop_.add_timer(k_log_window_ms, [this] {
+        log_summary_timer_ = 0;
+        log_.flush_summaries(event_loop::now_ms(), false);
+    });
+}
+
+void daemon::on_connection_closed(const std::string &key, std::function<void(uint64_t)> fn)
+{
+    close_listeners_[key] = std::move(fn);
 }
 
 bool daemon::start(std::string *error)
 {
     mkdir(opts_.state_dir.c_str(), 0700);
-    if (!opts_.log_path.empty()) {
-        log_ = fopen(opts_.log_path.c_str(), "ae");
-        if (!log_) {
-            *error = "cannot open log file " + opts_.log_path + ": " + strerror(errno);
-            return false;
-        }
-    }
+    if (!opts_.log_path.empty() && !log_.open(opts_.log_path, opts_.log_max_bytes, error)) return false;
     std::string lock_path = opts_.state_dir + "/lock";
     lock_fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock_fd_ < 0) {
@@ -135,22 +122,7 @@ bool daemon::start(std::string *error)
     }
     diag_ = make_diag_endpoint(*this);
 
-    /* The socket: a stale one of a dead simulator is replaced (we hold the
-     * state lock, so nobody else is serving this state). */
-    listen_fd_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    if (opts_.socket_path.size() >= sizeof(addr.sun_path)) {
-        *error = "socket path too long: " + opts_.socket_path;
-        return false;
-    }
-    memcpy(addr.sun_path, opts_.socket_path.c_str(), opts_.socket_path.size());
-    unlink(opts_.socket_path.c_str());
-    if (bind(listen_fd_, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)) != 0 || listen(listen_fd_, 128) != 0) {
-        *error = "cannot listen on " + opts_.socket_path + ": " + strerror(errno);
-        return false;
-    }
-    loop_.add_fd(listen_fd_, [this](uint32_t) { on_accept(); });
+    if (!open_listener(error)) return false;
 
     sigset_t mask;
     sigemptyset(&mask);
@@ -171,35 +143,6 @@ bool daemon::start(std::string *error)
     return true;
 }
 
-void daemon::on_accept()
-{
-    for (;;) {
-        int fd = accept4(listen_fd_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (fd < 0) return;
-        struct timeval tv = {k_send_timeout_ms / 1000, (k_send_timeout_ms % 1000) * 1000};
-        setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &tv, sizeof(tv));
-        auto c = std::make_unique<connection>();
-        c->id = next_conn_id_++;
-        c->fd = fd;
-        uint64_t id = c->id;
-        conns_[id] = std::move(c);
-        loop_.add_fd(fd, [this, id](uint32_t) { on_readable(id); });
-    }
-    update_idle_timer();
-}
-
-void daemon::close_connection(uint64_t conn_id)
-{
-    auto it = conns_.find(conn_id);
-    if (it == conns_.end()) return;
-    connection &c = *it->second;
-    if (c.kind == MODEMD_CONN_DIAG && c.hello_done && diag_) diag_->on_close(c);
-    loop_.remove_fd(c.fd);
-    close(c.fd);
-    conns_.erase(it);
-    update_idle_timer();
-}
-
 void daemon::update_idle_timer()
 {
     if (!opts_.idle_exit_s) return;
@@ -215,39 +158,6 @@ void daemon::update_idle_timer()
     });
 }
 
-void daemon::on_readable(uint64_t conn_id)
-{
-    auto it = conns_.find(conn_id);
-    if (it == conns_.end()) return;
-    connection &c = *it->second;
-    static uint8_t buf[MODEMD_MAX_PACKET];
-    ssize_t n = recv(c.fd, buf, sizeof(buf), MSG_DONTWAIT);
-    if (n < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (n <= 0) {
-        close_connection(conn_id);
-        return;
-    }
-    if (!c.hello_done) {
-        on_hello(c, buf, size_t(n));
-        return;
-    }
-    switch (c.kind) {
-    case MODEMD_CONN_CLIENT:
-        on_qmi_request(c, buf, size_t(n));
-        break;
-    case MODEMD_CONN_DIAG:
-        if (diag_) diag_->on_packet(c, buf, size_t(n));
-        break;
-    case MODEMD_CONN_CONTROL: {
-        std::string answer = control(std::string(reinterpret_cast<char *>(buf), size_t(n)));
-        c.send(answer.data(), answer.size());
-        break;
-    }
-    default:
-        break; /* lookups only listen */
-    }
-}
-
 void daemon::on_hello(connection &c, const uint8_t *data, size_t len)
 {
     modemd_hello h;
@@ -261,6 +171,10 @@ void daemon::on_hello(connection &c, const uint8_t *data, size_t len)
         return;
     }
     c.hello_done = true;
+    if (c.hello_timer) {
+        loop_.cancel_timer(c.hello_timer);
+        c.hello_timer = 0;
+    }
     c.kind = modemd_conn_kind(h.kind);
     c.service = h.service;
     switch (c.kind) {

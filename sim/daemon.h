@@ -7,11 +7,13 @@
 #include <stdint.h>
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "daemon_log.h"
 #include "event_loop.h"
 #include "modemd_proto.h"
 #include "qmi_idl_lib.h"
@@ -21,6 +23,13 @@ namespace modemd {
 
 class daemon;
 struct sim_service;
+
+/* Bytes and packets a connection may have waiting for its client to read
+ * (beyond what the socket holds); past either, the client is disconnected. */
+constexpr size_t k_out_queue_max_bytes = 2u << 20;
+constexpr size_t k_out_queue_max_packets = 4096;
+/* Time a new connection has to send its hello. */
+constexpr uint32_t k_default_hello_timeout_ms = 3000;
 
 /* One accepted connection. */
 struct connection {
@@ -32,7 +41,18 @@ struct connection {
     sim_service *attached = nullptr; /* CLIENT */
     uint16_t ind_txn = 1;          /* CLIENT: counter of indications */
 
+    /* Queues one packet for the client without ever waiting for it; false
+     * when the connection is closing (its client left or stopped reading). */
     bool send(const void *data, size_t len) const;
+
+    /* Kept by the daemon (sim/daemon_io.cpp). */
+    daemon *owner = nullptr;
+    std::deque<std::vector<uint8_t>> out; /* packets the socket did not take yet */
+    size_t out_bytes = 0;
+    bool closing = false;
+    event_loop::timer_id hello_timer = 0;
+    std::string request; /* CONTROL: pieces of a request received so far */
+    bool request_too_large = false;
 };
 
 /* One QMI request being handled. */
@@ -99,6 +119,8 @@ struct daemon_options {
     std::string state_dir;
     std::string log_path;   /* empty: standard error */
     uint32_t idle_exit_s = 0; /* 0: never */
+    uint32_t hello_timeout_ms = k_default_hello_timeout_ms;
+    uint64_t log_max_bytes = k_log_default_max_bytes;
 };
 
 class daemon {
@@ -134,7 +156,12 @@ public:
     /* Handles one control request; used by the CONTROL connections. */
     std::string control(const std::string &request);
 
+    /* Calls `fn` with the id of every connection that closes from now on;
+     * a second registration under the same key replaces the first. */
+    void on_connection_closed(const std::string &key, std::function<void(uint64_t conn_id)> fn);
+
 private:
+    friend struct connection;
     struct fault {
         uint32_t service;
         uint16_t msg_id;
@@ -151,9 +178,22 @@ private:
         std::vector<uint8_t> bytes;
     };
 
+    /* Connection I/O (sim/daemon_io.cpp). */
+    bool open_listener(std::string *error);
     void on_accept();
+    bool accept_one();
+    void refuse_connection(int fd, const char *why);
+    void on_conn_event(uint64_t conn_id, uint32_t events);
     void on_readable(uint64_t conn_id);
+    void on_control_packet(connection &c, const uint8_t *data, size_t len);
+    /* Sends or queues one packet; `bounded`: disconnects a client whose
+     * queue passes k_out_queue_max_bytes. */
+    bool queue_packet(uint64_t conn_id, const void *data, size_t len, bool bounded = true);
+    void queue_answer(connection &c, const std::string &answer);
+    void flush_output(connection &c);
+    void close_later(connection &c, const char *why);
     void close_connection(uint64_t conn_id);
+    void on_log_outcome(daemon_log::outcome o);
     void on_hello(connection &c, const uint8_t *data, size_t len);
     void on_qmi_request(connection &c, const uint8_t *data, size_t len);
     void send_lookup_list(connection &c);
@@ -172,7 +212,10 @@ private:
     int listen_fd_ = -1;
     int lock_fd_ = -1;
     int signal_fd_ = -1;
-    FILE *log_ = nullptr;
+    daemon_log log_;
+    event_loop::timer_id log_summary_timer_ = 0;
+    int reserve_fd_ = -1; /* closed to accept and drop a client when out of descriptors */
+    uint64_t fd_limit_ = 0;
     uint64_t next_conn_id_ = 1;
     uint32_t next_port_ = 1;
     std::map<uint64_t, std::unique_ptr<connection>> conns_;
@@ -182,6 +225,7 @@ private:
     std::map<std::string, int64_t> counters_;
     std::unique_ptr<diag_endpoint> diag_;
     event_loop::timer_id idle_timer_ = 0;
+    std::map<std::string, std::function<void(uint64_t)>> close_listeners_;
 };
 
 /* Parses "0x1f" / "31" (false on junk). */

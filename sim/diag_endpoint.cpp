@@ -29,7 +29,16 @@ void diag_endpoint_impl::on_packet(connection &c, const uint8_t *data, size_t le
         d_.log("diag: packet of %zu bytes is shorter than its envelope", len);
         return;
     }
+    /* One packet may hold many frames, each with its own answer: only the
+     * first few are served, so one packet cannot fill the client's queue. */
+    size_t served = 0;
     for (const hdlc_frame &f : pkt.frames) {
+        if (served == k_diag_frames_per_packet) {
+            d_.log("diag: packet of %zu frames: only the first %zu served", pkt.frames.size(),
+                   k_diag_frames_per_packet);
+            break;
+        }
+        served++;
         if (f.status != HDLC_OK) {
             d_.log("diag: dropped a bad frame (status %d)", int(f.status));
             continue;

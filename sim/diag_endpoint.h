@@ -38,6 +38,8 @@ constexpr size_t k_diag_journal_len = 64;
 constexpr uint16_t k_diag_default_dci_support = 0x0003; /* APSS and MPSS up */
 constexpr uint32_t k_diag_max_delay_ms = 3600000;
 constexpr int32_t k_diag_max_proc = 15;
+/* Frames of one packet that are served (the library sends one per packet). */
+constexpr size_t k_diag_frames_per_packet = 16;
 
 class diag_endpoint_impl : public diag_endpoint {
 public:

@@ -21,6 +21,17 @@ uint64_t event_loop::now_ms()
     return uint64_t(ts.tv_sec) * 1000u + uint64_t(ts.tv_nsec) / 1000000u;
 }
 
+namespace {
+
+uint64_t clock_us(clockid_t clock)
+{
+    struct timespec ts;
+    clock_gettime(clock, &ts);
+    return uint64_t(ts.tv_sec) * 1000000u + uint64_t(ts.tv_nsec) / 1000u;
+}
+
+}  // namespace
+
 bool event_loop::add_fd(int fd, fd_handler handler)
 {
     struct epoll_event ev = {};
@@ -29,6 +40,14 @@ bool event_loop::add_fd(int fd, fd_handler handler)
     if (epoll_ctl(epfd_, EPOLL_CTL_ADD, fd, &ev) != 0) return false;
     fds_[fd] = std::make_shared<fd_handler>(std::move(handler));
     return true;
+}
+
+bool event_loop::set_fd_events(int fd, uint32_t events)
+{
+    struct epoll_event ev = {};
+    ev.events = events;
+    ev.data.fd = fd;
+    return epoll_ctl(epfd_, EPOLL_CTL_MOD, fd, &ev) == 0;
 }
 
 void event_loop::remove_fd(int fd)
@@ -54,6 +73,14 @@ void event_loop::cancel_timer(timer_id id)
     timer_deadline_.erase(it);
 }
 
+void event_loop::note_dispatch(const dispatch_start &start)
+{
+    uint64_t wall = clock_us(CLOCK_MONOTONIC) - start.wall_us;
+    uint64_t cpu = clock_us(CLOCK_THREAD_CPUTIME_ID) - start.cpu_us;
+    if (wall > longest_.wall_us) longest_.wall_us = wall;
+    if (cpu > longest_.cpu_us) longest_.cpu_us = cpu;
+}
+
 void event_loop::run()
 {
     running_ = true;
@@ -71,7 +98,9 @@ void event_loop::run()
             auto it = fds_.find(events[i].data.fd);
             if (it == fds_.end()) continue;
             auto handler = it->second; /* keeps the handler alive if it removes itself */
+            dispatch_start start = {clock_us(CLOCK_MONOTONIC), clock_us(CLOCK_THREAD_CPUTIME_ID)};
             (*handler)(events[i].events);
+            note_dispatch(start);
         }
         uint64_t now = now_ms();
         while (running_ && !timers_.empty() && timers_.begin()->first.first <= now) {
@@ -79,7 +108,9 @@ void event_loop::run()
             auto fn = std::move(node->second);
             timer_deadline_.erase(node->first.second);
             timers_.erase(node);
+            dispatch_start start = {clock_us(CLOCK_MONOTONIC), clock_us(CLOCK_THREAD_CPUTIME_ID)};
             fn();
+            note_dispatch(start);
         }
     }
 }

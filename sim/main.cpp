@@ -1,10 +1,14 @@
 /* rlk-modemd: the modem simulator behind rlk's host platform.
  *
  *   rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]
- *   rlk-modemd ctl [--socket PATH] <request words...>
+ *              [--hello-timeout MS] [--log-max BYTES]
+ *   rlk-modemd ctl [--socket PATH] [--timeout MS] <request words...>
  *
  * The socket defaults to RLK_MODEMD_SOCKET, else the per-user default; the
- * state directory defaults to "state" beside the socket. */
+ * state directory defaults to "state" beside the socket.  ctl waits
+ * RLK_MODEMD_CTL_TIMEOUT_MS (default 10 s) for the answer unless --timeout
+ * says otherwise, and exits 0 for an "ok" answer, 1 for an "error" answer
+ * and 2 when it got no complete answer. */
 #include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -16,17 +20,24 @@
 
 #include <string>
 
+#include "control_client.h"
 #include "daemon.h"
 #include "modemd_paths.h"
 #include "modemd_proto.h"
 
 namespace {
 
+/* Longest time-out ctl accepts (an hour). */
+constexpr unsigned long long k_ctl_max_timeout_ms = 3600000;
+/* Largest log size limit accepted. */
+constexpr unsigned long long k_log_max_limit = 1ull << 40;
+
 void usage()
 {
     fprintf(stderr,
             "usage: rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]\n"
-            "       rlk-modemd ctl [--socket PATH] <request...>   (rlk-modemd ctl help)\n");
+            "                  [--hello-timeout MS] [--log-max BYTES]\n"
+            "       rlk-modemd ctl [--socket PATH] [--timeout MS] <request...>   (rlk-modemd ctl help)\n");
 }
 
 std::string dir_of(const std::string &path)
@@ -35,42 +46,52 @@ std::string dir_of(const std::string &path)
     return slash == std::string::npos ? "." : path.substr(0, slash);
 }
 
+/* A positive number of at most `max`; false on junk. */
+bool parse_limit(const char *text, unsigned long long max, unsigned long long *out)
+{
+    char *end = nullptr;
+    errno = 0;
+    unsigned long long v = strtoull(text, &end, 10);
+    if (errno || !end || *end || end == text || v == 0 || v > max || text[0] == '-') return false;
+    *out = v;
+    return true;
+}
+
 /* Sends one control request and prints the answer; exit status 0 when the
- * answer is "ok...". */
+ * answer is "ok...", 1 for any other answer, 2 without a whole answer. */
 int run_ctl(int argc, char **argv)
 {
     std::string sock = modemd_socket_path_from_env();
+    unsigned long long timeout_ms = modemd::k_ctl_default_timeout_ms;
+    const char *env_timeout = getenv("RLK_MODEMD_CTL_TIMEOUT_MS");
+    if (env_timeout && *env_timeout && !parse_limit(env_timeout, k_ctl_max_timeout_ms, &timeout_ms)) {
+        fprintf(stderr, "rlk-modemd: bad RLK_MODEMD_CTL_TIMEOUT_MS: %s\n", env_timeout);
+        return 2;
+    }
     int i = 0;
-    if (i + 1 < argc && strcmp(argv[i], "--socket") == 0) {
-        sock = argv[i + 1];
-        i += 2;
+    for (; i + 1 < argc; i += 2) {
+        if (strcmp(argv[i], "--socket") == 0) {
+            sock = argv[i + 1];
+        } else if (strcmp(argv[i], "--timeout") == 0) {
+            if (!parse_limit(argv[i + 1], k_ctl_max_timeout_ms, &timeout_ms)) {
+                fprintf(stderr, "rlk-modemd: bad time-out: %s\n", argv[i + 1]);
+                return 2;
+            }
+        } else {
+            break;
+        }
     }
     std::string req;
     for (; i < argc; i++) req += (req.empty() ? "" : " ") + std::string(argv[i]);
-    int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    snprintf(addr.sun_path, sizeof(addr.sun_path), "%s", sock.c_str());
-    if (fd < 0 || connect(fd, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)) != 0) {
-        fprintf(stderr, "rlk-modemd: no simulator at %s: %s\n", sock.c_str(), strerror(errno));
+    std::string answer, error;
+    if (!modemd::control_request(sock, req, int(timeout_ms), &answer, &error)) {
+        fprintf(stderr, "rlk-modemd: %s: %s\n", sock.c_str(), error.c_str());
         return 2;
     }
-    modemd_hello hello = {MODEMD_HELLO_MAGIC, MODEMD_CONN_CONTROL, 0, 0};
-    static char buf[MODEMD_MAX_PACKET];
-    if (send(fd, &hello, sizeof(hello), MSG_NOSIGNAL) != ssize_t(sizeof(hello)) ||
-        send(fd, req.data(), req.size(), MSG_NOSIGNAL) != ssize_t(req.size())) {
-        fprintf(stderr, "rlk-modemd: cannot send to %s\n", sock.c_str());
-        return 2;
-    }
-    ssize_t n = recv(fd, buf, sizeof(buf), 0);
-    close(fd);
-    if (n <= 0) {
-        fprintf(stderr, "rlk-modemd: no answer from %s\n", sock.c_str());
-        return 2;
-    }
-    fwrite(buf, 1, size_t(n), stdout);
+    fwrite(answer.data(), 1, answer.size(), stdout);
     fputc('\n', stdout);
-    return strncmp(buf, "ok", 2) == 0 ? 0 : 1;
+    if (fflush(stdout) != 0) return 2;
+    return answer.compare(0, 2, "ok") == 0 ? 0 : 1;
 }
 
 }  // namespace
@@ -94,6 +115,17 @@ int main(int argc, char **argv)
             opts.log_path = argv[++i];
         } else if (a == "--idle-exit") {
             opts.idle_exit_s = uint32_t(strtoul(argv[++i], nullptr, 10));
+        } else if (a == "--hello-timeout" || a == "--log-max") {
+            unsigned long long v = 0;
+            if (!parse_limit(argv[++i], a == "--log-max" ? k_log_max_limit : k_ctl_max_timeout_ms, &v)) {
+                usage();
+                return 2;
+            }
+            if (a == "--log-max") {
+                opts.log_max_bytes = v;
+            } else {
+                opts.hello_timeout_ms = uint32_t(v);
+            }
         } else {
             usage();
             return 2;

@@ -15,8 +15,11 @@
  *            simulator closes the connection when the server goes away.
  *   DIAG     the diag channel: every packet is a diag_envelope followed by
  *            one HDLC frame (payload, CRC-16/X.25 little-endian, 0x7E).
- *   CONTROL  text requests (one per packet) and text answers: properties and
- *            the test controls of the simulator.
+ *   CONTROL  text requests and text answers: properties and the test
+ *            controls of the simulator.  With MODEMD_CONTROL_PIECES in the
+ *            hello's `service`, requests and answers of any size travel as
+ *            pieces (see below); without it, one packet is one request and
+ *            one answer, and an answer too large for one packet is refused.
  *
  * All integers are little-endian. */
 #ifndef RLK_WIRE_MODEMD_PROTO_H
@@ -40,6 +43,16 @@ struct modemd_hello {
     uint32_t service;   /* LOOKUP, CLIENT: QMI service id (LOOKUP: 0 = all) */
     uint32_t instance;  /* LOOKUP, CLIENT: QRTR instance word, instance << 8 | IDL major; 0xFFFFFFFF = any */
 } __attribute__((packed));
+
+/* CONTROL hello flags (in `service`). */
+#define MODEMD_CONTROL_PIECES 1u
+/* A piece: one flag byte, then up to MODEMD_CONTROL_PIECE_DATA bytes of the
+ * text.  Every piece of a request or answer but its last is flagged
+ * MODEMD_PIECE_MORE, the last MODEMD_PIECE_LAST, so a reader knows when
+ * the text is whole and a connection lost in the middle shows as such. */
+#define MODEMD_CONTROL_PIECE_DATA 32768
+#define MODEMD_PIECE_MORE 'm'
+#define MODEMD_PIECE_LAST 'e'
 
 /* Name-service packets, the layout of QRTR's control packets. */
 enum modemd_ctrl_cmd : uint32_t {

@@ -5,6 +5,7 @@
  *   ext fail-efs <skip> msg_code <c>   the same, failed with framework
  *                                      result <c> instead
  *   ext transfers                      number of open EFS write transfers
+ *   ext transfer-idle <ms>             drop EFS write transfers idle this long
  * A failure is armed once; a new one replaces it. */
 #include "ext_efs.h"
 
@@ -41,14 +42,19 @@ bool ext_efs_take_failure(tolvek_extend_msg &resp)
 std::string ext_control(daemon &, const std::vector<std::string> &a)
 {
     if (a.size() == 2 && a[1] == "transfers") return "ok " + std::to_string(ext_efs_open_transfers());
-    int64_t skip = 0, code = 0;
+    int64_t skip = 0, code = 0, ms = 0;
+    if (a.size() == 3 && a[1] == "transfer-idle" && parse_number(a[2], &ms) && ms > 0 &&
+        ms <= k_transfer_idle_max_ms) {
+        ext_efs_set_transfer_idle(uint64_t(ms));
+        return "ok";
+    }
     if (a.size() == 5 && a[1] == "fail-efs" && parse_number(a[2], &skip) && skip >= 0 &&
         (a[3] == "result" || a[3] == "msg_code") && parse_number(a[4], &code) && code >= INT32_MIN &&
         code <= INT32_MAX) {
         g_efs_failure = {true, skip, a[3] == "msg_code", int32_t(code)};
         return "ok";
     }
-    return "error usage: ext fail-efs <skip> result|msg_code <code> | ext transfers";
+    return "error usage: ext fail-efs <skip> result|msg_code <code> | ext transfers | ext transfer-idle <ms>";
 }
 
 }  // namespace modemd

@@ -3,6 +3,7 @@
 #include <string.h>
 #include <sys/stat.h>
 
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -16,16 +17,52 @@ constexpr int k_transfer_ids = TOLVEK_EFS_INSTANCE_MAX + 1;
 constexpr uint32_t k_rsp_head_len = offsetof(tolvek_efs_rsp, data);
 
 /* An open write transfer: its file is committed (atomically, as a whole)
- * when the last byte arrives; until then the old file stays as it was. */
+ * when the last byte arrives; until then the old file stays as it was.
+ * It belongs to the connection that opened it and goes with it. */
 struct transfer {
     std::string path;
     uint32_t total = 0;
     std::vector<uint8_t> data;
-    uint64_t opened = 0;
+    uint64_t owner = 0;    /* connection id */
+    uint64_t moved_ms = 0; /* last chunk (or the opening) */
 };
 
 std::map<uint8_t, transfer> g_transfers;
-uint64_t g_transfer_clock = 0;
+event_loop::timer_id g_sweep_timer = 0;
+uint64_t g_idle_ms = k_transfer_idle_ms;
+
+/* Drops the transfers idle for g_idle_ms. */
+void expire_idle(daemon &d, uint64_t now)
+{
+    for (auto it = g_transfers.begin(); it != g_transfers.end();) {
+        if (now - it->second.moved_ms < g_idle_ms) {
+            ++it;
+            continue;
+        }
+        d.log("ext: EFS write transfer %u of %s idle for %llu ms: dropped", unsigned(it->first),
+              it->second.path.c_str(), (unsigned long long)(now - it->second.moved_ms));
+        it = g_transfers.erase(it);
+    }
+}
+
+/* Keeps a sweep of idle transfers armed while any is open, and forgets the
+ * transfers of connections that close. */
+void watch_transfers(daemon &d)
+{
+    d.on_connection_closed("ext_efs.transfers", [](uint64_t conn_id) {
+        for (auto it = g_transfers.begin(); it != g_transfers.end();) {
+            it = it->second.owner == conn_id ? g_transfers.erase(it) : std::next(it);
+        }
+    });
+    if (g_sweep_timer || g_transfers.empty()) return;
+    daemon *dp = &d;
+    uint32_t period = uint32_t(g_idle_ms < k_transfer_sweep_ms ? g_idle_ms : k_transfer_sweep_ms);
+    g_sweep_timer = d.loop().add_timer(period, [dp] {
+        g_sweep_timer = 0;
+        expire_idle(*dp, event_loop::now_ms());
+        watch_transfers(*dp);
+    });
+}
 
 /* The file a chunked read is going through: a 102410-byte file is asked
  * for 244 times in a row, so it is kept between chunks as long as the host
@@ -68,30 +105,31 @@ int32_t read_file(state_store &store, const std::string &path, const std::vector
     return k_efs_ok;
 }
 
-/* Takes a free instance id, evicting the oldest transfer when all are in
- * use, so that transfers abandoned by killed clients never block new
- * ones. */
-uint8_t open_transfer(const std::string &path, uint32_t total)
+/* Takes a free instance id.  When all are in use, the transfer that moved
+ * least recently is evicted, unless even that one moved within
+ * k_transfer_recent_ms: a live transfer is never taken.  False when no id
+ * can be had. */
+bool open_transfer(daemon &d, const std::string &path, uint32_t total, uint64_t owner, uint8_t *id)
 {
-    uint8_t id = 0;
-    bool found = false;
-    for (int i = 0; i < k_transfer_ids && !found; i++) {
+    uint64_t now = event_loop::now_ms();
+    expire_idle(d, now);
+    for (int i = 0; i < k_transfer_ids; i++) {
         if (!g_transfers.count(uint8_t(i))) {
-            id = uint8_t(i);
-            found = true;
+            *id = uint8_t(i);
+            g_transfers[*id] = transfer{path, total, {}, owner, now};
+            return true;
         }
     }
-    if (!found) {
-        auto oldest = g_transfers.begin();
-        for (auto it = g_transfers.begin(); it != g_transfers.end(); ++it) {
-            if (it->second.opened < oldest->second.opened) oldest = it;
-        }
-        id = oldest->first;
+    auto oldest = g_transfers.begin();
+    for (auto it = g_transfers.begin(); it != g_transfers.end(); ++it) {
+        if (it->second.moved_ms < oldest->second.moved_ms) oldest = it;
     }
-    transfer &t = g_transfers[id];
-    t = transfer{path, total, {}, ++g_transfer_clock};
-    t.data.reserve(total);
-    return id;
+    if (now - oldest->second.moved_ms < k_transfer_recent_ms) return false;
+    d.log("ext: EFS write transfer %u of %s evicted for a new one", unsigned(oldest->first),
+          oldest->second.path.c_str());
+    *id = oldest->first;
+    oldest->second = transfer{path, total, {}, owner, now};
+    return true;
 }
 
 /* The modem takes the path as a C string: up to its first zero byte within
@@ -125,15 +163,21 @@ int32_t efs_write(qmi_call &call, const tolvek_efs_req &req)
     if (total > TOLVEK_EFS_FILE_MAX) return k_efs_efbig;
 
     uint8_t id = req.instance;
+    watch_transfers(call.d);
     if (id == TOLVEK_EFS_NEW_INSTANCE) {
         if (off != 0) return k_efs_einval;
-        id = open_transfer(path, total);
+        if (!open_transfer(call.d, path, total, call.client.id, &id)) return k_efs_emfile;
+        watch_transfers(call.d);
     }
     auto it = g_transfers.find(id);
-    /* An id that is not open, or that belongs to another file, is refused
-     * without touching the transfer it names. */
-    if (it == g_transfers.end() || it->second.path != path || it->second.total != total) return k_efs_ebadf;
+    /* An id that is not open, that belongs to another file or to another
+     * connection, is refused without touching the transfer it names. */
+    if (it == g_transfers.end() || it->second.path != path || it->second.total != total ||
+        it->second.owner != call.client.id) {
+        return k_efs_ebadf;
+    }
     transfer &t = it->second;
+    t.moved_ms = event_loop::now_ms();
     if (off != t.data.size()) {
         g_transfers.erase(it); /* gap or repeated chunk: the transfer is lost */
         return k_efs_einval;
@@ -193,6 +237,8 @@ void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result)
 }
 
 size_t ext_efs_open_transfers() { return g_transfers.size(); }
+
+void ext_efs_set_transfer_idle(uint64_t ms) { g_idle_ms = ms; }
 
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp)
 {

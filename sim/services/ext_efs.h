@@ -16,6 +16,16 @@ namespace modemd {
  * errno values, as the modem's EFS layer reports them). */
 constexpr int32_t k_efs_ebadf = -9;  /* no open transfer with the quoted instance id */
 constexpr int32_t k_efs_efbig = -27; /* file above 102410 bytes, or a chunk past the announced total */
+constexpr int32_t k_efs_emfile = -24; /* every instance id taken by a transfer that is still moving */
+
+/* A write transfer nobody moved for this long is dropped ("ext
+ * transfer-idle <ms>" changes it for tests). */
+constexpr uint64_t k_transfer_idle_ms = 60000;
+/* A transfer that moved within this time is never evicted for a new one. */
+constexpr uint64_t k_transfer_recent_ms = 10000;
+/* How often idle transfers are looked for while any is open. */
+constexpr uint32_t k_transfer_sweep_ms = 5000;
+constexpr int64_t k_transfer_idle_max_ms = 3600000;
 
 void ext_handle_efs_request(qmi_call &call, const tolvek_extend_msg &req, tolvek_extend_msg &resp);
 
@@ -26,6 +36,8 @@ void ext_efs_reply_result(tolvek_extend_msg &resp, int32_t result);
 
 /* Number of write transfers open now (opened, not yet committed). */
 size_t ext_efs_open_transfers();
+/* Time after which an idle transfer is dropped (default k_transfer_idle_ms). */
+void ext_efs_set_transfer_idle(uint64_t ms);
 
 /* Answers `resp` with the failure a test armed through the "ext fail-efs"
  * control, when it is due (sim/services/ext_control.cpp); false otherwise. */

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -16,12 +17,15 @@
 
 #include <gtest/gtest.h>
 
+#include "control_client.h"
 #include "modemd_proto.h"
 
 namespace {
 
 /* How long a fresh simulator may take to answer. */
 constexpr int k_start_timeout_ms = 5000;
+/* How long a control request may take before the test sees "". */
+constexpr int k_ctl_timeout_ms = 10000;
 
 std::string make_temp_dir()
 {
@@ -95,8 +99,16 @@ bool sim_instance::spawn()
         int logfd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
         dup2(logfd, 1);
         dup2(logfd, 2);
-        execl(RLK_MODEMD_BINARY, RLK_MODEMD_BINARY, "--socket", socket_.c_str(), "--state", state_.c_str(),
-              "--log", log.c_str(), (char *)nullptr);
+        if (fd_limit_) {
+            struct rlimit rl = {rlim_t(fd_limit_), rlim_t(fd_limit_)};
+            if (setrlimit(RLIMIT_NOFILE, &rl) != 0) _exit(126);
+        }
+        std::vector<std::string> args = {RLK_MODEMD_BINARY, "--socket", socket_, "--state", state_, "--log", log};
+        args.insert(args.end(), extra_args_.begin(), extra_args_.end());
+        std::vector<char *> argv;
+        for (std::string &a : args) argv.push_back(&a[0]);
+        argv.push_back(nullptr);
+        execv(RLK_MODEMD_BINARY, argv.data());
         _exit(127);
     }
     pid_ = pid;
@@ -154,21 +166,8 @@ void sim_instance::kill_hard()
 
 std::string sim_instance::ctl(const std::string &request) const
 {
-    int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-    if (fd < 0) return "";
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    snprintf(addr.sun_path, sizeof(addr.sun_path), "%s", socket_.c_str());
-    std::string answer;
-    modemd_hello hello = {MODEMD_HELLO_MAGIC, MODEMD_CONN_CONTROL, 0, 0};
-    if (connect(fd, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)) == 0 &&
-        send(fd, &hello, sizeof(hello), MSG_NOSIGNAL) == ssize_t(sizeof(hello)) &&
-        send(fd, request.data(), request.size(), MSG_NOSIGNAL) == ssize_t(request.size())) {
-        std::vector<char> buf(MODEMD_MAX_PACKET);
-        ssize_t n = recv(fd, buf.data(), buf.size(), 0);
-        if (n > 0) answer.assign(buf.data(), size_t(n));
-    }
-    close(fd);
+    std::string answer, error;
+    if (!modemd::control_request(socket_, request, k_ctl_timeout_ms, &answer, &error)) return "";
     return answer;
 }
 

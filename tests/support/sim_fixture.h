@@ -57,6 +57,13 @@ public:
     rlk_run run_rlk(const std::vector<std::string> &args, const std::vector<std::string> &extra_env = {},
                     int timeout_ms = k_run_process_default_timeout_ms);
 
+    /* Before start(): more options for the simulator, and a lower limit
+     * of open descriptors for it (0: inherited). */
+    void set_extra_args(const std::vector<std::string> &args) { extra_args_ = args; }
+    void set_fd_limit(unsigned long limit) { fd_limit_ = limit; }
+    /* The simulator's own log file. */
+    std::string log_path() const { return dir_ + "/modemd.log"; }
+
     /* Environment entries that point a child process at this simulator. */
     std::vector<std::string> env() const;
 
@@ -69,6 +76,8 @@ private:
     std::string dir_, socket_, state_;
     pid_t pid_ = -1;
     int runs_ = 0;
+    std::vector<std::string> extra_args_;
+    unsigned long fd_limit_ = 0;
 };
 
 /* Reads a log file of the host platform. */

@@ -1,0 +1,115 @@
+/* EFS write transfers of the extension service against writers that die
+ * or give up half-way: a live transfer survives them all, and what they
+ * leave behind goes with their connections. */
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "raw_modemd.h"
+#include "sim_fixture.h"
+
+namespace {
+
+constexpr uint32_t k_live_size = 102400;
+constexpr uint32_t k_chunk = TOLVEK_EFS_WRITE_CHUNK_MAX;
+
+/* Opens a transfer as a writer that is then killed (its connection closes
+ * without another word); returns the id it was given. */
+int32_t killed_writer(const std::string &path)
+{
+    raw_ext_client w;
+    if (!w.attach()) return INT32_MIN;
+    return w.efs_write(path, TOLVEK_EFS_NEW_INSTANCE, 1000, 0, k_chunk, 0x11);
+}
+
+class TransferTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim.start());
+        ASSERT_TRUE(live.attach());
+    }
+    /* Chunk `n` of the live transfer (the first opens it); its result. */
+    int32_t live_chunk(uint32_t n)
+    {
+        uint32_t off = n * k_chunk;
+        uint32_t len = k_live_size - off < k_chunk ? k_live_size - off : k_chunk;
+        uint8_t instance = n == 0 ? uint8_t(TOLVEK_EFS_NEW_INSTANCE) : live_id;
+        int32_t rc = live.efs_write("/live/file", instance, k_live_size, off, len, uint8_t(n));
+        if (n == 0 && rc >= 0) live_id = uint8_t(rc);
+        return rc;
+    }
+    uint32_t live_chunks() const { return (k_live_size + k_chunk - 1) / k_chunk; }
+    std::string expected_hex() const
+    {
+        static const char d[] = "0123456789abcdef";
+        std::string s;
+        for (uint32_t i = 0; i < k_live_size; i++) {
+            uint8_t b = uint8_t(i / k_chunk);
+            s += d[b >> 4];
+            s += d[b & 15];
+        }
+        return s;
+    }
+
+    sim_instance sim;
+    raw_ext_client live;
+    uint8_t live_id = 0;
+};
+
+TEST_F(TransferTest, ALiveTransferSurvivesHundredsOfKilledWriters)
+{
+    constexpr int k_writers = 300; /* more than there are instance ids */
+    int killed = 0;
+    for (uint32_t n = 0; n < live_chunks(); n++) {
+        ASSERT_EQ(live_chunk(n), int32_t(live_id)) << "chunk " << n;
+        for (int i = 0; i < 2 && killed < k_writers; i++, killed++) {
+            ASSERT_GE(killed_writer("/dead/" + std::to_string(killed)), 0) << "writer " << killed;
+        }
+        if (n == live_chunks() / 2) {
+            EXPECT_EQ(sim.ctl_ok("ext transfers"), "1") << "only the live one is open";
+        }
+    }
+    EXPECT_EQ(killed, k_writers);
+    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), expected_hex());
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0");
+    EXPECT_EQ(sim.ctl("efs get /dead/0"), "error -2") << "no abandoned file was committed";
+}
+
+TEST_F(TransferTest, EvictionNeverTakesATransferThatMovedRecently)
+{
+    ASSERT_EQ(live_chunk(0), 0);
+    /* A client that stays connected and opens transfers it never
+     * finishes: it gets the other ids, then is refused. */
+    raw_ext_client hoarder;
+    ASSERT_TRUE(hoarder.attach());
+    for (int i = 1; i <= TOLVEK_EFS_INSTANCE_MAX; i++) {
+        ASSERT_EQ(hoarder.efs_write("/hoard/" + std::to_string(i), TOLVEK_EFS_NEW_INSTANCE, 1000, 0, 10, 1), i);
+    }
+    EXPECT_EQ(hoarder.efs_write("/hoard/more", TOLVEK_EFS_NEW_INSTANCE, 1000, 0, 10, 1), -24);
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "255");
+
+    /* Another connection cannot write into the live transfer by quoting
+     * its id. */
+    EXPECT_EQ(hoarder.efs_write("/live/file", live_id, k_live_size, k_chunk, k_chunk, 1), -9);
+
+    for (uint32_t n = 1; n < live_chunks(); n++) ASSERT_EQ(live_chunk(n), int32_t(live_id)) << "chunk " << n;
+    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), expected_hex());
+    hoarder.close_now();
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "the hoarder's transfers went with it";
+}
+
+TEST_F(TransferTest, AnIdleTransferExpiresWhileItsClientStaysConnected)
+{
+    sim.ctl_ok("ext transfer-idle 200");
+    ASSERT_EQ(live_chunk(0), 0);
+    ASSERT_EQ(live_chunk(1), 0);
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "1");
+    long long deadline = monotonic_ms() + 3000;
+    while (sim.ctl_ok("ext transfers") != "0" && monotonic_ms() < deadline) usleep(20 * 1000);
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "dropped without any further request";
+    EXPECT_EQ(live_chunk(2), -9) << "the expired id is no longer open";
+    EXPECT_EQ(sim.ctl("efs get /live/file"), "error -2");
+}
+
+}  // namespace
