@@ -13,6 +13,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "modemd_paths.h"
 #include "qmi_codec.h"
 
 namespace modemd {
@@ -95,8 +96,12 @@ bool daemon::start(std::string *error)
 {
     mkdir(opts_.state_dir.c_str(), 0700);
     if (!opts_.log_path.empty()) {
-        log_ = fopen(opts_.log_path.c_str(), "ae");
+        int log_fd = modemd_open_log_file(opts_.log_path);
+        log_ = log_fd >= 0 ? fdopen(log_fd, "a") : nullptr;
         if (!log_) {
+            int saved = errno;
+            if (log_fd >= 0) close(log_fd);
+            errno = saved;
             *error = "cannot open log file " + opts_.log_path + ": " + strerror(errno);
             return false;
         }
