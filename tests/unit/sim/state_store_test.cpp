@@ -114,13 +114,14 @@ TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
 
 TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)
 {
+    static const char k_controls[] = "nul\0tab\tbell\adel\x7f";
     const std::pair<std::string, std::string> props[] = {
         {"persist.a", "x\npersist.radio.injected=1"},
         {"persist.b", "line\r\nnext\n"},
         {"key=with=equals", "value=with=equals"},
         {"persist.back", "ends with a backslash\\"},
         {"persist.escapes", "\\n is not a newline, \\= not an equals, \\x41 not A"},
-        {"persist.controls", std::string("nul\0tab\tbell\adel\x7f", 20)},
+        {"persist.controls", std::string(k_controls, sizeof(k_controls) - 1)},
         {"persist.utf8", "\xc3\xa9t\xc3\xa9 \xe2\x82\xac"},
         {"=", "="},
         {"k\n", "\n"},
