@@ -20,8 +20,8 @@ size_t write_stdout(const char *text, size_t n)
 #endif
 }
 
-/* Beyond this magnitude %.2f goes to vsnprintf: value * 100 stays below
- * 2^53, so it and its integer part are exact doubles. */
+/* Beyond this magnitude %.2f goes to vsnprintf: the hundredths of smaller
+ * values fit in 64 bits with room to spare. */
 constexpr double F2_DIRECT_LIMIT = 1e13;
 constexpr double F2_SCALE = 100.0;
 
@@ -103,15 +103,44 @@ void put_signed(sink *s, int64_t v)
     }
 }
 
+/* Layout of an IEEE 754 binary64 value. */
+constexpr int F64_FRACTION_BITS = 52;
+constexpr uint64_t F64_FRACTION_MASK = (uint64_t{1} << F64_FRACTION_BITS) - 1;
+constexpr uint32_t F64_EXPONENT_MASK = 0x7FF;
+constexpr int F64_EXPONENT_BIAS = 1075; /* value = significand * 2^(exponent - bias) */
+/* significand * 100 < 2^60: a right shift of 64 or more leaves no
+ * hundredth and less than half of one. */
+constexpr int F2_MAX_SHIFT = 63;
+static_assert(F2_DIRECT_LIMIT * F2_SCALE < 9007199254740992.0, "hundredths below the limit fit in 53 bits");
+
 /* %.2f of a finite value below the direct limit: the exact hundredths,
- * rounded to nearest with ties to even. */
+ * rounded to nearest with ties to even.  The value is significand * 2^e
+ * with an integer significand below 2^53, so significand * 100 fits in 64
+ * bits and its binary point is a shift: the hundredths and the remainder
+ * below them are exact integers for every double, not only for floats. */
 void put_fixed2(sink *s, double v)
 {
     if (signbit(v)) s->put('-');
-    double hundredths = fabs(v) * F2_SCALE;
-    uint64_t h = static_cast<uint64_t>(hundredths);
-    double frac = hundredths - static_cast<double>(h);
-    if (frac > 0.5 || (frac == 0.5 && (h & 1))) h++;
+    uint64_t raw = 0;
+    memcpy(&raw, &v, sizeof(raw));
+    uint32_t biased = static_cast<uint32_t>(raw >> F64_FRACTION_BITS) & F64_EXPONENT_MASK;
+    uint64_t significand = raw & F64_FRACTION_MASK;
+    int exponent = 1 - F64_EXPONENT_BIAS; /* subnormal */
+    if (biased != 0) {
+        significand |= uint64_t{1} << F64_FRACTION_BITS;
+        exponent = static_cast<int>(biased) - F64_EXPONENT_BIAS;
+    }
+    uint64_t scaled = significand * static_cast<uint64_t>(F2_SCALE);
+    uint64_t h = 0;
+    if (exponent >= 0) {
+        h = scaled << exponent; /* an integer below the limit: no rounding */
+    } else if (-exponent <= F2_MAX_SHIFT) {
+        int shift = -exponent;
+        h = scaled >> shift;
+        uint64_t rest = scaled & ((uint64_t{1} << shift) - 1);
+        uint64_t half = uint64_t{1} << (shift - 1);
+        if (rest > half || (rest == half && (h & 1))) h++;
+    }
     put_decimal(s, h / 100);
     s->put('.');
     s->put(static_cast<char>('0' + (h / 10) % 10));

@@ -7,11 +7,12 @@
  * %lu, %lx, %s, %c, %.2f and %% — and hand anything else to vsnprintf, so
  * the output never differs from printf's.
  *
- * %.2f: a float argument (promoted to double) times 100 is exact in double
- * precision, so rounding it to the nearest integer, ties to even, gives
- * the two decimals printf gives in the default rounding mode; the sign is
- * the value's own (-0.001 prints "-0.00" as with printf).  Values that are
- * not finite or beyond 1e13 go to vsnprintf. */
+ * %.2f: any double (a float argument arrives promoted to one) is an
+ * integer significand times a power of two, so its hundredths and the
+ * remainder below them are computed as exact integers and rounded to
+ * nearest, ties to even, as printf does in the default rounding mode; the
+ * sign is the value's own (-0.001 prints "-0.00" as with printf).  Values
+ * that are not finite or beyond 1e13 go to vsnprintf. */
 #ifndef MODEM_STATS_LOG_FORMAT_H
 #define MODEM_STATS_LOG_FORMAT_H
 

@@ -19,17 +19,38 @@ constexpr uint32_t Q7_FIELD_BITS = 32;
 
 /* ---- 0xB97F measurement database update ------------------------------------ */
 
+/* Carrier fields, in reading order: cc_id, num_cells, srv_pci, rsrp_i2,
+ * rsrp_i3.  Up to 2.10 the carrier is 32 bytes with the serving cell index
+ * byte (@5) as cc_id and the serving RSRP of the two receive paths @12 and
+ * @16.  3.0 has 40 bytes: cc_id @4 ahead of num_cells @5, the serving cell
+ * index moved to @8, and four serving RSRP values @12..@24 (Rx 0..3), of
+ * which rsrp_i2/rsrp_i3 take Rx 2 and Rx 3. */
+constexpr size_t B97F_CARRIER_FIELDS = 5;
+typedef modem_stats_bit_field_row b97f_carrier_rows[B97F_CARRIER_FIELDS];
+constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V2 = {
+    {"cc_id", 40, 8, 8}, {"num_cells", 32, 8, 8}, {"srv_pci", 48, 16, 16}, {"rsrp_i2", 96, 32, 32}, {"rsrp_i3", 128, 32, 32}};
+constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V3 = {
+    {"cc_id", 32, 8, 8}, {"num_cells", 40, 8, 8}, {"srv_pci", 48, 16, 16}, {"rsrp_i2", 160, 32, 32}, {"rsrp_i3", 192, 32, 32}};
+constexpr uint32_t B97F_CARRIER_BYTES_V2 = 32;
+constexpr uint32_t B97F_CARRIER_BYTES_V3 = 40;
+
 typedef struct {
     uint32_t version;
     uint32_t num_layers_at; /* byte of the number of layers */
     uint32_t carriers_at;   /* first carrier */
     uint32_t carrier_bytes;
     uint32_t beam_bytes;
+    const b97f_carrier_rows *carrier_rows;
 } b97f_layout;
 
 constexpr b97f_layout B97F_LAYOUTS[] = {
-    {0x20003, 4, 8, 32, 60},  {0x20006, 4, 8, 32, 44},  {0x20007, 4, 16, 32, 44}, {0x20008, 4, 16, 32, 44},
-    {0x20009, 8, 20, 32, 44}, {0x2000A, 8, 20, 32, 84}, {0x30000, 8, 20, 40, 84},
+    {0x20003, 4, 8, B97F_CARRIER_BYTES_V2, 60, &B97F_CARRIER_ROWS_V2},
+    {0x20006, 4, 8, B97F_CARRIER_BYTES_V2, 44, &B97F_CARRIER_ROWS_V2},
+    {0x20007, 4, 16, B97F_CARRIER_BYTES_V2, 44, &B97F_CARRIER_ROWS_V2},
+    {0x20008, 4, 16, B97F_CARRIER_BYTES_V2, 44, &B97F_CARRIER_ROWS_V2},
+    {0x20009, 8, 20, B97F_CARRIER_BYTES_V2, 44, &B97F_CARRIER_ROWS_V2},
+    {0x2000A, 8, 20, B97F_CARRIER_BYTES_V2, 84, &B97F_CARRIER_ROWS_V2},
+    {0x30000, 8, 20, B97F_CARRIER_BYTES_V3, 84, &B97F_CARRIER_ROWS_V3},
 };
 constexpr size_t B97F_LAYOUT_COUNT = sizeof(B97F_LAYOUTS) / sizeof(B97F_LAYOUTS[0]);
 constexpr uint32_t B97F_CELL_BYTES = 16;
@@ -39,19 +60,14 @@ constexpr uint8_t B97F_MAX_BEAMS = 8;
 constexpr uint8_t B97F_MAX_CC_ID = 15;
 constexpr size_t B97F_RECORD_CARRIERS = sizeof(MODEM_STATS_B97F_RECORD_IDS) / sizeof(MODEM_STATS_B97F_RECORD_IDS[0]);
 
-/* Carrier fields, in reading order. */
-constexpr modem_stats_bit_field_row B97F_CARRIER_ROWS[] = {{"cc_id", 40, 8, 8},
-                                                           {"num_cells", 32, 8, 8},
-                                                           {"srv_pci", 48, 16, 16},
-                                                           {"rsrp_i2", 96, 32, 32},
-                                                           {"rsrp_i3", 128, 32, 32}};
 constexpr modem_stats_bit_field_row B97F_CELL_ROWS[] = {
     {"pci_1", 0, 16, 16}, {"num_beams", 32, 4, 8}, {"rsrq_i", 96, 32, 32}};
 constexpr modem_stats_bit_field_row B97F_BEAM_ROWS[] = {{"rsrp_i0", 160, 32, 32}, {"rsrp_i1", 192, 32, 32}};
-static_assert(modem_stats_log_rows_within(B97F_CARRIER_ROWS, 32 * 8) &&
+static_assert(modem_stats_log_rows_within(B97F_CARRIER_ROWS_V2, B97F_CARRIER_BYTES_V2 * 8) &&
+                  modem_stats_log_rows_within(B97F_CARRIER_ROWS_V3, B97F_CARRIER_BYTES_V3 * 8) &&
                   modem_stats_log_rows_within(B97F_CELL_ROWS, B97F_CELL_BYTES * 8) &&
                   modem_stats_log_rows_within(B97F_BEAM_ROWS, 44 * 8),
-              "0xB97F fields end inside the smallest carrier, cell and beam");
+              "0xB97F fields end inside their carrier, cell and smallest beam");
 
 /* What one carrier reports: the serving RSRP of Rx 2/3 and, from the
  * serving cell (its PCI is srv_pci), the cell RSRQ and the first beam's
@@ -175,8 +191,8 @@ void modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(modem_sta
     uint32_t at = layout->carriers_at;
     for (uint32_t l = 0; l < num_layers; l++) {
         if (!modem_stats_log_seek(at)) return;
-        uint64_t v[5];
-        if (!modem_stats_log_read_rows(B97F_CARRIER_ROWS, v)) return;
+        uint64_t v[B97F_CARRIER_FIELDS];
+        if (!modem_stats_log_read_rows(*layout->carrier_rows, v)) return;
         modem_stats_log_printf("layer[%d]: cc_id = %d, num_cells = %d, srv_pci = %d, rsrp_i2 = %d, rsrp_i3 = %d\n",
                                static_cast<int>(l), static_cast<int>(v[0]), static_cast<int>(v[1]),
                                static_cast<int>(v[2]), static_cast<int32_t>(v[3]), static_cast<int32_t>(v[4]));

@@ -13,6 +13,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "modemd_paths.h"
 #include "qmi_codec.h"
 
 namespace modemd {

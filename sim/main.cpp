@@ -132,8 +132,11 @@ int main(int argc, char **argv)
         }
     }
     if (opts.state_dir.empty()) opts.state_dir = dir_of(opts.socket_path) + "/state";
-    std::string sock_dir = dir_of(opts.socket_path);
-    if (!sock_dir.empty()) mkdir(sock_dir.c_str(), 0700);
+    std::string dir_error;
+    if (!modemd_prepare_socket_dir(opts.socket_path, &dir_error)) {
+        fprintf(stderr, "rlk-modemd: %s\n", dir_error.c_str());
+        return 1;
+    }
     modemd::daemon d(opts);
     std::string error;
     if (!d.start(&error)) {

@@ -2,11 +2,14 @@
  * modem file under <state>/efs), the property store (<state>/properties)
  * and small helpers for files written atomically (write, fsync, rename,
  * fsync of the directory), so that a simulator killed at any moment leaves
- * every file either old or new. */
+ * every file either old or new; the temporary files such a simulator leaves
+ * are removed when the store is opened again.  Nothing under the EFS tree
+ * is reached through a symbolic link. */
 #ifndef MODEMD_STATE_STORE_H
 #define MODEMD_STATE_STORE_H
 
 #include <stdint.h>
+#include <sys/stat.h>
 
 #include <map>
 #include <string>
@@ -36,6 +39,9 @@ public:
     int efs_write(const std::string &path, const std::vector<uint8_t> &data);
     int efs_delete(const std::string &path);
     bool efs_exists(const std::string &path) const;
+    /* The host file's status of an EFS file; false when there is no regular
+     * file at the path (a link is never followed). */
+    bool efs_stat(const std::string &path, struct stat *st) const;
     /* Modem paths of every EFS file, sorted. */
     std::vector<std::string> efs_list() const;
 
@@ -44,7 +50,9 @@ public:
     bool set_property(const std::string &key, const std::string &value);
 
 private:
-    bool host_path(const std::string &modem_path, std::string *out) const;
+    static bool split_path(const std::string &modem_path, std::vector<std::string> *components);
+    int open_parent(const std::vector<std::string> &components, bool create) const;
+    size_t remove_temporaries();
     bool save_properties() const;
     void load_properties();
 

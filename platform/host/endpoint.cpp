@@ -79,7 +79,6 @@ std::string modemd_binary()
 void start_modemd(const std::string &sock)
 {
     std::string dir = modemd_socket_dir();
-    mkdir(dir.c_str(), 0700);
     std::string bin = modemd_binary();
     std::string state = dir + "/state";
     std::string log = state + "/modemd.log";
@@ -112,18 +111,34 @@ void start_modemd(const std::string &sock)
  * stopped on purpose is not brought back behind the user's back by a
  * reconnecting notifier. */
 std::atomic<bool> g_autostart_tried{false};
+/* A refused default directory or simulator is reported once per process. */
+std::atomic<bool> g_refusal_reported{false};
 
-int connect_with_autostart(const std::string &path)
+int refuse(const std::string &why)
 {
-    int fd = connect_once(path);
-    if (fd >= 0 || !modemd_socket_is_default()) return fd;
-    if (errno != ENOENT && errno != ECONNREFUSED) return -1;
-    if (g_autostart_tried.exchange(true)) return -1;
+    if (!g_refusal_reported.exchange(true)) fprintf(stderr, "rlk: %s\n", why.c_str());
+    errno = EACCES;
+    return -1;
+}
+
+/* The simulator at the default socket must run as this user. */
+int trusted_or_closed(int fd)
+{
+    std::string error;
+    if (modemd_peer_is_trusted(fd, &error)) return fd;
+    close(fd);
+    return refuse(error);
+}
+
+int start_and_connect(const std::string &path)
+{
+    std::string error;
+    if (!modemd_private_dir_ensure(modemd_dir_of(path), &error)) return refuse(error);
     start_modemd(path);
     struct timespec start;
     clock_gettime(CLOCK_MONOTONIC, &start);
     for (;;) {
-        fd = connect_once(path);
+        int fd = connect_once(path);
         if (fd >= 0) return fd;
         struct timespec now;
         clock_gettime(CLOCK_MONOTONIC, &now);
@@ -131,6 +146,26 @@ int connect_with_autostart(const std::string &path)
         if (elapsed > k_autostart_wait_ms) return -1;
         usleep(2000);
     }
+}
+
+/* At the default socket the directory is checked before anything is sent
+ * and the simulator's user after connecting; a missing simulator is
+ * started once. */
+int connect_with_autostart(const std::string &path)
+{
+    if (!modemd_socket_is_default()) return connect_once(path);
+    std::string dir = modemd_dir_of(path);
+    std::string error;
+    struct stat st;
+    if (lstat(dir.c_str(), &st) == 0 && !modemd_private_dir_check(dir, &error)) return refuse(error);
+    int fd = connect_once(path);
+    if (fd < 0) {
+        if (errno != ENOENT && errno != ECONNREFUSED) return -1;
+        if (g_autostart_tried.exchange(true)) return -1;
+        fd = start_and_connect(path);
+        if (fd < 0) return -1;
+    }
+    return trusted_or_closed(fd);
 }
 
 }  // namespace
@@ -145,12 +180,7 @@ bool modemd_socket_is_default()
     return !(env && *env);
 }
 
-std::string modemd_socket_dir()
-{
-    std::string p = modemd_socket_path();
-    size_t slash = p.rfind('/');
-    return slash == std::string::npos ? "." : p.substr(0, slash);
-}
+std::string modemd_socket_dir() { return modemd_dir_of(modemd_socket_path()); }
 
 int modemd_connect(modemd_conn_kind kind, uint32_t service, uint32_t instance)
 {

@@ -8,10 +8,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <mutex>
 
 #include "android/log.h"
 #include "endpoint.h"
+#include "modemd_paths.h"
 #include "platform_syslog.h"
 
 namespace rlk_host {
@@ -35,6 +37,30 @@ std::string log_path(const log_file &f)
     return modemd_socket_dir() + "/" + f.default_name;
 }
 
+/* A file named by its variable is the user's choice and opened as named.
+ * The default files live in the default simulator directory, which must
+ * be this user's private directory; a link there is not followed. */
+int open_log(const log_file &f, const std::string &path)
+{
+    const char *env = getenv(f.env);
+    if (env && *env) {
+        size_t slash = path.rfind('/');
+        if (slash != std::string::npos && slash > 0) mkdir(path.substr(0, slash).c_str(), 0700);
+        return open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    }
+    if (modemd_socket_is_default()) {
+        std::string error;
+        if (!modemd_private_dir_ensure(modemd_dir_of(path), &error)) {
+            static std::atomic<bool> reported{false};
+            if (!reported.exchange(true)) fprintf(stderr, "rlk: %s\n", error.c_str());
+            return -1;
+        }
+    } else {
+        mkdir(modemd_dir_of(path).c_str(), 0700);
+    }
+    return modemd_open_log_file(path);
+}
+
 /* Appends one line with one write.  The file is opened on first use and
  * again whenever the variable that names it changes (tests point it at a
  * new file per case). */
@@ -45,9 +71,7 @@ void write_line(log_file &f, const std::string &line)
     if (f.fd < 0 || path != f.path) {
         if (f.fd >= 0) close(f.fd);
         f.path = path;
-        size_t slash = path.rfind('/');
-        if (slash != std::string::npos && slash > 0) mkdir(path.substr(0, slash).c_str(), 0700);
-        f.fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+        f.fd = open_log(f, path);
     }
     if (f.fd < 0) return;
     ssize_t n = write(f.fd, line.data(), line.size());

@@ -88,8 +88,7 @@ bool same_file(const struct stat &a, const struct stat &b)
 int32_t read_file(state_store &store, const std::string &path, const std::vector<uint8_t> **data)
 {
     struct stat st;
-    std::string host = store.dir() + "/efs" + path;
-    bool known = stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+    bool known = store.efs_stat(path, &st);
     if (known && g_read_cache.path == path && same_file(g_read_cache.identity, st)) {
         *data = &g_read_cache.data;
         return k_efs_ok;

@@ -153,15 +153,31 @@ struct b97f_layout {
     uint32_t version, layers_at, carriers_at, carrier_bytes, beam_bytes;
 };
 
+/* Carrier offsets: up to 2.10 num_cells @4, cc_id @5 (the serving cell
+ * index) and the serving RSRP @12/@16; 3.0 (40 bytes) cc_id @4, num_cells
+ * @5, serving cell index @8 and Rx 0..3 serving RSRP @12..@24, of which Rx
+ * 2/3 are read. */
+struct b97f_carrier_at {
+    uint32_t num_cells, cc_id, rsrp2, rsrp3;
+};
+
 /* Three carriers: cc 0 with a neighbour cell and the serving cell (two
- * beams), cc 3 (no record) and cc 1 without cells. */
+ * beams), cc 3 (no record) and cc 1 without cells.  In 3.0 the fields the
+ * parser must not read hold other values. */
 packet b97f(const b97f_layout &l)
 {
+    const bool v3 = l.carrier_bytes == 40;
+    const b97f_carrier_at c_at = v3 ? b97f_carrier_at{5, 4, 20, 24} : b97f_carrier_at{4, 5, 12, 16};
     packet p;
     p.u32(0, l.version).u8(l.layers_at, 3);
     uint32_t at = l.carriers_at;
     auto s32 = [](int32_t v) { return static_cast<uint32_t>(v); };
-    p.u8(at + 4, 2).u8(at + 5, 0).u16(at + 6, 200).u32(at + 12, s32(-12544)).u32(at + 16, s32(-12416));
+    auto carrier = [&](uint32_t num_cells, uint32_t cc_id, uint32_t pci, int32_t rsrp2, int32_t rsrp3) {
+        p.u8(at + c_at.num_cells, num_cells).u8(at + c_at.cc_id, cc_id).u16(at + 6, pci);
+        p.u32(at + c_at.rsrp2, s32(rsrp2)).u32(at + c_at.rsrp3, s32(rsrp3));
+        if (v3) p.u8(at + 8, 7).u32(at + 12, s32(-5000)).u32(at + 16, s32(-5100)).u16(at + 28, 0xFFFF);
+    };
+    carrier(2, 0, 200, -12544, -12416);
     at += l.carrier_bytes;
     struct cell {
         uint32_t pci, beams;
@@ -175,9 +191,9 @@ packet b97f(const b97f_layout &l)
         for (uint32_t b = 0; b < c.beams; b++, at += l.beam_bytes)
             p.u32(at + 20, s32(c.rsrp[b][0])).u32(at + 24, s32(c.rsrp[b][1]));
     }
-    p.u8(at + 4, 0).u8(at + 5, 3);
+    carrier(0, 3, 0, 0, 0);
     at += l.carrier_bytes;
-    p.u8(at + 4, 0).u8(at + 5, 1).u16(at + 6, 5).u32(at + 12, s32(-11520)).u32(at + 16, s32(-11648));
+    carrier(0, 1, 5, -11520, -11648);
     return p.size(at + l.carrier_bytes);
 }
 
@@ -217,6 +233,7 @@ TEST(Nr5gPhyTest, MeasurementDatabaseUpdate)
 TEST(Nr5gPhyTest, MeasurementDatabaseLimits)
 {
     const b97f_layout l = {0x20007, 4, 16, 32, 44};
+    const b97f_layout l3 = {0x30000, 8, 20, 40, 84};
     struct limit {
         packet p;
         std::string last_line;
@@ -225,6 +242,8 @@ TEST(Nr5gPhyTest, MeasurementDatabaseLimits)
         {packet(b97f(l)).u8(16 + 5, 16), not_valid(16, "b97f cc_id", 0xB97F)},
         {packet(b97f(l)).u8(16 + 4, 33), not_valid(33, "b97f num_cells", 0xB97F)},
         {packet(b97f(l)).bits_at(48 + 4, 0, 4, 9), not_valid(9, "b97f num_beams", 0xB97F)},
+        {packet(b97f(l3)).u8(20 + 4, 16), not_valid(16, "b97f cc_id", 0xB97F)},
+        {packet(b97f(l3)).u8(20 + 5, 33), not_valid(33, "b97f num_cells", 0xB97F)},
     };
     for (const limit &c : limits) {
         log_test::run_result r = log_test::run_log(0xB97F, c.p.bytes());
