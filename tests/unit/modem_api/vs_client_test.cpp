@@ -320,6 +320,40 @@ TEST_F(VsClientLive, ReleaseWhileWaitingForTheServiceLeavesNothingOpen)
     /* TearDown releases the notifier that waits for the service. */
 }
 
+struct command_reply {
+    int result;
+    std::string data;
+};
+recorder<command_reply> *g_replies = nullptr;
+
+void record_reply(int result, void *data, uint32_t len, void *)
+{
+    g_replies->add({result, data ? std::string(static_cast<char *>(data), len) : std::string()});
+    orvex_free_adv(data);
+}
+
+TEST_F(VsClientLive, AsyncCommandsComeBackThroughTheCommandCallback)
+{
+    recorder<command_reply> replies;
+    g_replies = &replies;
+    ASSERT_EQ(modem_api_send_command(id, 0, "ping", 4, record_reply, nullptr), MODEM_API_SUCCESS);
+    ASSERT_TRUE(replies.wait_count(2));
+    ASSERT_EQ(modem_api_send_command(id, 1, nullptr, 0, record_reply, nullptr), MODEM_API_SUCCESS);
+    ASSERT_TRUE(replies.wait_count(4));
+    ASSERT_EQ(modem_api_send_command(id, 9, nullptr, 0, record_reply, nullptr), MODEM_API_SUCCESS);
+    ASSERT_TRUE(replies.wait_count(5));
+    std::vector<command_reply> got = replies.values();
+    ASSERT_EQ(got.size(), 5u);
+    EXPECT_EQ(got[0].result, MODEM_API_SUCCESS);
+    EXPECT_EQ(got[0].data, "ping");
+    EXPECT_EQ(got[1].result, MODEM_API_RESPONSE_DONE);
+    EXPECT_EQ(got[2].data, std::string("RLKSIM-VS 1.1", 14));
+    EXPECT_EQ(got[4].result, MODEM_API_NOT_SUPPORTED); /* unknown command: QMI error 94 */
+    /* Requests on no client are refused at once. */
+    EXPECT_EQ(modem_api_send_command(5, 0, nullptr, 0, record_reply, nullptr), MODEM_API_FAILURE);
+    g_replies = nullptr;
+}
+
 int fail_thread_start(void *(*)(void *)) { return -1; }
 
 TEST_F(VsClientLive, ThreadsThatCannotStartReportZeroAndSeven)
