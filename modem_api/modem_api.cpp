@@ -84,6 +84,7 @@ void close_kind(uint32_t kind, closed_handles *out)
      * table; then the QMI handles. */
     VS_CLIENT_SET(status_cb, nullptr);
     VS_CLIENT_SET(initialised, 0u);
+    vs_client_closed();
     qmi_client_type handle = __atomic_exchange_n(&g_vs_client.client_handle, nullptr, __ATOMIC_ACQ_REL);
     if (handle) out->client = handle;
     qmi_client_type notifier = __atomic_exchange_n(&g_vs_client.notifier_handle, nullptr, __ATOMIC_ACQ_REL);

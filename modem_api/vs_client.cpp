@@ -29,6 +29,9 @@ int default_thread_start(void *(*body)(void *))
 }
 
 vs_client_sleep_fn g_sleep = default_sleep;
+/* Grows whenever the owner closes the client; a release thread that finds
+ * it changed gives up the notifier it made, which nobody would release. */
+uint32_t g_generation = 0;
 vs_client_thread_start_fn g_thread_start = default_thread_start;
 
 void report_status(modem_api_operational_status_type status)
@@ -38,6 +41,8 @@ void report_status(modem_api_operational_status_type status)
 }
 
 }  // namespace
+
+void vs_client_closed(void) { __atomic_add_fetch(&g_generation, 1, __ATOMIC_ACQ_REL); }
 
 void vs_client_set_sleep(vs_client_sleep_fn fn) { g_sleep = fn ? fn : default_sleep; }
 void vs_client_set_thread_start(vs_client_thread_start_fn fn) { g_thread_start = fn ? fn : default_thread_start; }
@@ -84,6 +89,7 @@ void vs_client_service_down_event(qmi_client_type, qmi_client_error_type error, 
 void *vs_client_release_qmi_client_thread(void *)
 {
     ORVEX_LOG_LABEL(k_prio_info, __func__, "function entry");
+    uint32_t generation = __atomic_load_n(&g_generation, __ATOMIC_ACQUIRE);
     VS_CLIENT_SET(initialised, 0u);
     qmi_client_type handle = __atomic_exchange_n(&g_vs_client.client_handle, nullptr, __ATOMIC_ACQ_REL);
     if (handle) qmi_client_release(handle);
@@ -93,6 +99,11 @@ void *vs_client_release_qmi_client_thread(void *)
         int rc = qmi_client_notifier_init(VS_CLIENT_GET(service_object), &g_vs_client.os_params, &notifier);
         ORVEX_LOG_LABEL(k_prio_info, __func__, "qmi_client_notifier_init return %d", rc);
         VS_CLIENT_SET(notifier_handle, notifier);
+    }
+    if (__atomic_load_n(&g_generation, __ATOMIC_ACQUIRE) != generation) {
+        notifier = __atomic_exchange_n(&g_vs_client.notifier_handle, nullptr, __ATOMIC_ACQ_REL);
+        if (notifier) qmi_client_release(notifier);
+        return nullptr;
     }
     int rc = qmi_client_register_notify_cb(notifier, vs_client_service_up_event, nullptr);
     if (rc != QMI_NO_ERR) ORVEX_LOG_LABEL(k_prio_error, __func__, "qmi_client_register_notify_cb %d", rc);

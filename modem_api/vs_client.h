@@ -123,6 +123,10 @@ void nas_1_client_command_cb(qmi_client_type user_handle, unsigned int msg_id, v
                              void *resp_cb_data, qmi_client_error_type transp_err);
 }
 
+/* Called by the owner when it closes the client: a release thread still
+ * running then releases the notifier it made instead of keeping it. */
+void vs_client_closed(void);
+
 /* Handler step of the indication path (decoded structure or null). */
 void vs_client_ind_hdlr(unsigned int msg_id, const void *decoded);
 

@@ -3,6 +3,9 @@
  * needed. */
 #include <string.h>
 
+#include <mutex>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "modem_api.h"
@@ -218,6 +221,32 @@ void record_status(modem_api_qmi_client_e_type kind, modem_api_operational_statu
 
 void record_event(uint32_t event, modem_api_qmi_client_e_type, void *) { g_events->add(event); }
 
+/* The restart path's threads, started joinable so that a test ends only
+ * after they did. */
+std::mutex g_threads_mu;
+std::vector<std::thread> g_threads;
+
+int joinable_thread_start(void *(*body)(void *))
+{
+    std::lock_guard<std::mutex> g(g_threads_mu);
+    g_threads.emplace_back([body] { body(nullptr); });
+    return 0;
+}
+
+void join_threads()
+{
+    for (;;) {
+        std::thread t;
+        {
+            std::lock_guard<std::mutex> g(g_threads_mu);
+            if (g_threads.empty()) return;
+            t = std::move(g_threads.back());
+            g_threads.pop_back();
+        }
+        t.join();
+    }
+}
+
 class VsClientLive : public ::testing::Test {
 protected:
     /* Waits (bounded) until `line` is in the log. */
@@ -310,6 +339,7 @@ TEST_F(VsClientLive, RestartReportsFourFiveSixThreeAndIndicationsFlowAgain)
 
 TEST_F(VsClientLive, ReleaseWhileWaitingForTheServiceLeavesNothingOpen)
 {
+    vs_client_set_thread_start(joinable_thread_start);
     sim.ctl_ok("down vs");
     ASSERT_TRUE(statuses.wait_count(2));
     EXPECT_EQ(statuses.values(), (std::vector<int>{4, 5}));
@@ -317,6 +347,9 @@ TEST_F(VsClientLive, ReleaseWhileWaitingForTheServiceLeavesNothingOpen)
     int32_t second = -1;
     ASSERT_EQ(modem_api_init_client(MODEM_API_QMI_CLIENT_VS, nullptr, nullptr, nullptr, &second), 0);
     EXPECT_TRUE(has_line(orvex_lines(logcat), "3 vs_client_init: Another client init vs client with operational status 5"));
+    join_threads();
+    vs_client_set_thread_start(nullptr);
+    EXPECT_NE(g_vs_client.notifier_handle, nullptr);
     /* TearDown releases the notifier that waits for the service. */
 }
 
