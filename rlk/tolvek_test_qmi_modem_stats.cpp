@@ -110,7 +110,8 @@ int tolvek_test_qmi_modem_stats_start(void)
 int tolvek_test_qmi_modem_stats_get(int sub, int id)
 {
     if (g_orvex_client_id == MODEM_API_NO_CLIENT) {
-        printf("orvex qmi is not yet inited\n");
+        /* The text carries no newline of its own. */
+        printf("orvex qmi is not yet inited");
         return k_fail;
     }
     if (sub < 0 || sub >= ORVEX_VS_SUB_MAX) {

@@ -134,7 +134,7 @@ TEST(Option9, AbsentServiceTenRealAttempts)
     EXPECT_GE(spent, 9000);
     EXPECT_LT(spent, 20000);
     EXPECT_EQ(run.out, "modem_api_set_orvex_feature_status, start fail, result = 1\n" + head(0, 0, -1) +
-                           "orvex qmi is not yet inited\n");
+                           "orvex qmi is not yet inited");
     std::string log;
     for (const std::string &l : texts(run.logcat)) log += l + "\n";
     EXPECT_EQ(count_of(log, "vs_client_init_client_handles: Trying qmi_client_init_instance() try # "), 9);

@@ -228,7 +228,7 @@ TEST_F(QmiStatsGroup, StartFailureAndMissingClient)
     vs_client_set_sleep(nullptr);
     EXPECT_EQ(out, "modem_api_set_orvex_feature_status, start fail, result = 1\n"
                    "opt = 21, sub = 0, g_orvex_client_id = -1\n"
-                   "orvex qmi is not yet inited\n");
+                   "orvex qmi is not yet inited");
 }
 
 }  // namespace
