@@ -16,6 +16,8 @@ constexpr uint32_t k_demo_report_primary = 3;
 constexpr uint32_t k_demo_report_secondary = 1;
 /* Modem event codes rotated through by the demo. */
 constexpr uint8_t k_demo_event_codes = 4;
+/* Ticks between two feature status indications of the demo. */
+constexpr uint32_t k_demo_feature_every = 5;
 
 sim_service *vs_service(daemon &d) { return d.find_service(g_vs_stats_service_def.name); }
 
@@ -55,6 +57,7 @@ void demo_tick(daemon &d)
     vs_send_report_ind(d, k_demo_report_primary, k_demo_report_secondary, true, st.demo_period_ms);
     vs_send_ant_ind(d, 0, k_demo_ant_paths);
     if (tick % 2 == 0) vs_send_event_ind(d, uint8_t(tick / 2 % k_demo_event_codes));
+    if (tick % k_demo_feature_every == 0) vs_send_feature_ind(d, 1, st.feature_status, 1);
     st.demo_timer = d.loop().add_timer(st.demo_period_ms, [&d] { demo_tick(d); });
 }
 
