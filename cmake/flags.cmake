@@ -1,13 +1,17 @@
 # Every build traps signed overflow and out-of-bounds array indexes: several
 # counters and fixed arrays of the tool must abort the process when they are
 # exceeded.  RLK_SANITIZE selects the AddressSanitizer + UBSan configuration,
-# where UBSan's own (non-recovering) checks cover the same faults.
+# where UBSan's own (non-recovering) checks cover the same faults;
+# RLK_SANITIZE=thread selects ThreadSanitizer instead.
 option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 
 add_compile_options(-Wall -Wextra -Werror -g)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
 
-if(RLK_SANITIZE)
+if(RLK_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread)
+  add_link_options(-fsanitize=thread)
+elseif(RLK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 else()

@@ -1,0 +1,80 @@
+/* Helpers of the modem API and vs client tests: the ORVEX lines of this
+ * process, and a recorder of callbacks that arrive on other threads. */
+#ifndef RLK_TEST_MODEM_API_TEST_UTIL_H
+#define RLK_TEST_MODEM_API_TEST_UTIL_H
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "sim_fixture.h"
+
+/* Upper bound of every wait: success never waits for it. */
+constexpr int k_modem_api_wait_ms = 5000;
+
+/* Points this process's Android log at a fresh file; returns its path. */
+inline std::string fresh_logcat(const std::string &dir, const std::string &name)
+{
+    std::string path = dir + "/" + name;
+    unlink(path.c_str());
+    setenv("RLK_LOGCAT_FILE", path.c_str(), 1);
+    return path;
+}
+
+/* "<priority> <text>" of every ORVEX line in `path`. */
+inline std::vector<std::string> orvex_lines(const std::string &path)
+{
+    std::vector<std::string> out;
+    for (const log_line &l : read_log_file(path, true)) {
+        if (l.tag == "ORVEX") out.push_back(std::to_string(l.priority) + " " + l.text);
+    }
+    return out;
+}
+
+inline bool has_line(const std::vector<std::string> &lines, const std::string &line)
+{
+    for (const std::string &l : lines) {
+        if (l == line) return true;
+    }
+    return false;
+}
+
+/* Values recorded from callback threads, with a bounded wait. */
+template <typename T>
+class recorder {
+public:
+    void add(const T &v)
+    {
+        std::lock_guard<std::mutex> g(mu_);
+        values_.push_back(v);
+        cv_.notify_all();
+    }
+    /* Waits until `n` values arrived (at most k_modem_api_wait_ms). */
+    bool wait_count(size_t n)
+    {
+        std::unique_lock<std::mutex> lk(mu_);
+        return cv_.wait_for(lk, std::chrono::milliseconds(k_modem_api_wait_ms), [&] { return values_.size() >= n; });
+    }
+    std::vector<T> values()
+    {
+        std::lock_guard<std::mutex> g(mu_);
+        return values_;
+    }
+    void clear()
+    {
+        std::lock_guard<std::mutex> g(mu_);
+        values_.clear();
+    }
+
+private:
+    std::mutex mu_;
+    std::condition_variable cv_;
+    std::vector<T> values_;
+};
+
+#endif
