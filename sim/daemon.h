@@ -187,7 +187,7 @@ private:
     void on_readable(uint64_t conn_id);
     void on_control_packet(connection &c, const uint8_t *data, size_t len);
     /* Sends or queues one packet; `bounded`: disconnects a client whose
-     * queue passes k_out_queue_max_bytes. */
+     * queue passes k_out_queue_max_bytes or k_out_queue_max_packets. */
     bool queue_packet(uint64_t conn_id, const void *data, size_t len, bool bounded = true);
     void queue_answer(connection &c, const std::string &answer);
     void flush_output(connection &c);
