@@ -9,8 +9,10 @@
  *
  * Every step is logged; a failure names its step and code.  Each step can
  * be repeated, so a second run finishes what a failed one left: the EID
- * write is one 16-byte chunk checked by reading it back, and a card with
- * no enabled profile left needs only the power cycle. */
+ * write is one 16-byte chunk checked by reading it back; the ICCID of the
+ * profile being removed is noted in EFS before it is disabled and the note
+ * removed after it is deleted, so a profile left disabled by a cut-off run
+ * is deleted by the next one, and no other profile is touched. */
 #include "tolvek_cmn_esim.h"
 
 #include <stdio.h>
@@ -37,6 +39,10 @@ constexpr int k_eid_remainder = 1;
 constexpr uint8_t k_max_decimal_digit = 9;
 constexpr char k_eid_path[] = TOLVEK_ESIM_EID_EFS_PATH;
 constexpr uint32_t k_eid_path_len = sizeof(k_eid_path) - 1;
+constexpr char k_pending_path[] = TOLVEK_ESIM_PENDING_EFS_PATH;
+constexpr uint32_t k_pending_path_len = sizeof(k_pending_path) - 1;
+/* What the modem's EFS answers for a file that does not exist. */
+constexpr int k_efs_no_such_file = -2;
 
 const char *const k_usage_note = "\nnote: esim_on should be 1 or 2 and debug_on 0 or 1, Pls refer to the following cmd:";
 
@@ -128,6 +134,56 @@ int switch_to_euicc()
     return rc != 0 ? rc : power_cycle_sim2();
 }
 
+/* The ICCID of a removal left unfinished; `*found` false when none. */
+int read_pending(uint8_t *iccid, bool *found)
+{
+    uint8_t buf[TOLVEK_ISDR_ICCID_LEN + 1];
+    uint32_t len = sizeof(buf);
+    int rc = tolvek_efs_read(k_efs_sub, k_pending_path, k_pending_path_len, buf, &len);
+    *found = rc == 0 && len == TOLVEK_ISDR_ICCID_LEN;
+    if (*found) memcpy(iccid, buf, TOLVEK_ISDR_ICCID_LEN);
+    return rc == k_efs_no_such_file ? 0 : rc;
+}
+
+void clear_pending()
+{
+    if (tolvek_efs_delete(k_efs_sub, k_pending_path, k_pending_path_len) != 0) {
+        TOLVEK_LOGD("the note of the removal stays; the next run clears it");
+    }
+}
+
+const tolvek_isdr_profile *find_profile(const tolvek_isdr_profile_list &list, const uint8_t *iccid)
+{
+    for (size_t i = 0; i < list.count; i++) {
+        if (memcmp(list.profiles[i].iccid, iccid, TOLVEK_ISDR_ICCID_LEN) == 0) return &list.profiles[i];
+    }
+    return nullptr;
+}
+
+/* The profile to remove: the enabled one, else one a cut-off run left
+ * disabled.  Null when there is nothing to remove. */
+int choose_target(const tolvek_isdr_profile_list &list, const tolvek_isdr_profile **target)
+{
+    *target = nullptr;
+    for (size_t i = 0; i < list.count; i++) {
+        char iccid[2 * TOLVEK_ISDR_ICCID_LEN + 1];
+        tolvek_isdr_iccid_text(list.profiles[i].iccid, iccid);
+        TOLVEK_LOGD("profile %s state %d", iccid, int(list.profiles[i].state));
+        if (list.profiles[i].state == 1 && *target == nullptr) *target = &list.profiles[i];
+    }
+    if (*target != nullptr) return 0;
+    uint8_t pending[TOLVEK_ISDR_ICCID_LEN];
+    bool found = false;
+    int rc = read_pending(pending, &found);
+    if (rc != 0) return step_failed("read pending removal", rc, TOLVEK_ESIM_ERR_PENDING_DELETE);
+    if (found) {
+        *target = find_profile(list, pending);
+        if (*target == nullptr) clear_pending(); /* deleted before the note was removed */
+    }
+    if (*target == nullptr) TOLVEK_LOGD("no enabled profile, nothing to delete");
+    return 0;
+}
+
 /* Disables and deletes the enabled profile, if the card has one. */
 int remove_enabled_profile(uint8_t channel)
 {
@@ -135,25 +191,27 @@ int remove_enabled_profile(uint8_t channel)
     tolvek_isdr_profile_list list;
     int rc = tolvek_isdr_list_profiles(k_sim2_slot, channel, &list);
     if (rc != 0) return step_failed("list profiles", rc, TOLVEK_ESIM_ERR_LIST_PROFILES);
-    const tolvek_isdr_profile *enabled = nullptr;
-    for (size_t i = 0; i < list.count; i++) {
-        char iccid[2 * TOLVEK_ISDR_ICCID_LEN + 1];
-        tolvek_isdr_iccid_text(list.profiles[i].iccid, iccid);
-        TOLVEK_LOGD("profile %s state %d", iccid, int(list.profiles[i].state));
-        if (list.profiles[i].state == 1 && enabled == nullptr) enabled = &list.profiles[i];
-    }
-    if (enabled == nullptr) {
-        TOLVEK_LOGD("no enabled profile, nothing to delete");
-        return 0;
-    }
+    const tolvek_isdr_profile *target = nullptr;
+    rc = choose_target(list, &target);
+    if (rc != 0 || target == nullptr) return rc;
     char iccid[2 * TOLVEK_ISDR_ICCID_LEN + 1];
-    tolvek_isdr_iccid_text(enabled->iccid, iccid);
-    TOLVEK_LOGD("esim step: disable profile %s", iccid);
-    rc = tolvek_isdr_disable_profile(k_sim2_slot, channel, enabled->iccid);
-    if (rc != 0) return step_failed("disable profile", rc, TOLVEK_ESIM_ERR_DISABLE_PROFILE);
+    tolvek_isdr_iccid_text(target->iccid, iccid);
+    if (target->state == 1) {
+        TOLVEK_LOGD("esim step: note the removal of profile %s", iccid);
+        uint8_t note[TOLVEK_ISDR_ICCID_LEN];
+        memcpy(note, target->iccid, sizeof(note));
+        rc = tolvek_efs_write(k_efs_sub, k_pending_path, k_pending_path_len, note, sizeof(note));
+        if (rc != 0) return step_failed("note pending removal", rc, TOLVEK_ESIM_ERR_PENDING_DELETE);
+        TOLVEK_LOGD("esim step: disable profile %s", iccid);
+        rc = tolvek_isdr_disable_profile(k_sim2_slot, channel, target->iccid);
+        if (rc != 0) return step_failed("disable profile", rc, TOLVEK_ESIM_ERR_DISABLE_PROFILE);
+    } else {
+        TOLVEK_LOGD("profile %s was left disabled by an earlier run", iccid);
+    }
     TOLVEK_LOGD("esim step: delete profile %s", iccid);
-    rc = tolvek_isdr_delete_profile(k_sim2_slot, channel, enabled->iccid);
+    rc = tolvek_isdr_delete_profile(k_sim2_slot, channel, target->iccid);
     if (rc != 0) return step_failed("delete profile", rc, TOLVEK_ESIM_ERR_DELETE_PROFILE);
+    clear_pending();
     return 0;
 }
 

@@ -18,9 +18,14 @@
 #define TOLVEK_ESIM_ERR_DISABLE_PROFILE (-208)
 #define TOLVEK_ESIM_ERR_DELETE_PROFILE (-209)
 #define TOLVEK_ESIM_ERR_CLOSE_CHANNEL (-210)
+#define TOLVEK_ESIM_ERR_PENDING_DELETE (-211)
 
 /* Where the EID of the eUICC is kept for the modem. */
 #define TOLVEK_ESIM_EID_EFS_PATH "/nv/item_files/modem/uim/uimdrv/esim_eid"
+/* The ICCID of a profile being removed: written before it is disabled,
+ * removed once it is deleted, so that a run cut off in between is finished
+ * by the next one. */
+#define TOLVEK_ESIM_PENDING_EFS_PATH "/nv/item_files/modem/tolvek/esim_delete_pending"
 
 /* esim_on 1 switches slot 2 to the eSIM, 2 back to the physical SIM;
  * debug_on 0 silences the console.  Gets the whole argument vector; 0 is

@@ -12,7 +12,7 @@
 #define TOLVEK_ISDR_ICCID_LEN 10
 #define TOLVEK_ISDR_MAX_PROFILES 16
 /* The card's answer could not be read as the ES10 response expected. */
-#define TOLVEK_ISDR_ERR_MALFORMED (-2)
+#define TOLVEK_ISDR_ERR_MALFORMED (-1000)
 
 typedef struct {
     uint8_t iccid[TOLVEK_ISDR_ICCID_LEN];
