@@ -201,6 +201,58 @@ struct qmi_elem_info uim_purge_guti_ind_msg_v01_ei[] = {
     UIM_END,
 };
 
+#define UIM_U8_ROW(st, field) UIM_ROW(QMI_UNSIGNED_1_BYTE, 1, k_u8, NO_ARRAY, 0, st, field, nullptr)
+#define UIM_U16_ROW(st, field) UIM_ROW(QMI_UNSIGNED_2_BYTE, 1, k_u16, NO_ARRAY, 0, st, field, nullptr)
+
+struct qmi_elem_info uim_app_info_type_v01_ei[] = {
+    UIM_U8_ROW(uim_app_info_type_v01, app_type),
+    UIM_U8_ROW(uim_app_info_type_v01, app_state),
+    UIM_U8_ROW(uim_app_info_type_v01, perso_state),
+    UIM_U8_ROW(uim_app_info_type_v01, perso_feature),
+    UIM_U8_ROW(uim_app_info_type_v01, perso_retries),
+    UIM_U8_ROW(uim_app_info_type_v01, perso_unblock_retries),
+    UIM_ROW(QMI_DATA_LEN, 1, k_u8, NO_ARRAY, 0, uim_app_info_type_v01, aid_value_len, nullptr),
+    UIM_ROW(QMI_UNSIGNED_1_BYTE, QMI_UIM_AID_MAX_V01, k_u8, VAR_LEN_ARRAY, 0, uim_app_info_type_v01, aid_value,
+            nullptr),
+    UIM_U8_ROW(uim_app_info_type_v01, univ_pin),
+    UIM_U8_ROW(uim_app_info_type_v01, pin1_state),
+    UIM_U8_ROW(uim_app_info_type_v01, pin1_retries),
+    UIM_U8_ROW(uim_app_info_type_v01, puk1_retries),
+    UIM_U8_ROW(uim_app_info_type_v01, pin2_state),
+    UIM_U8_ROW(uim_app_info_type_v01, pin2_retries),
+    UIM_U8_ROW(uim_app_info_type_v01, puk2_retries),
+    UIM_END,
+};
+struct qmi_elem_info uim_card_info_type_v01_ei[] = {
+    UIM_U8_ROW(uim_card_info_type_v01, card_state),
+    UIM_U8_ROW(uim_card_info_type_v01, upin_state),
+    UIM_U8_ROW(uim_card_info_type_v01, upin_retries),
+    UIM_U8_ROW(uim_card_info_type_v01, upuk_retries),
+    UIM_U8_ROW(uim_card_info_type_v01, error_code),
+    UIM_ROW(QMI_DATA_LEN, 1, k_u8, NO_ARRAY, 0, uim_card_info_type_v01, app_info_len, nullptr),
+    UIM_ROW(QMI_STRUCT, QMI_UIM_APPS_MAX_V01, sizeof(uim_app_info_type_v01), VAR_LEN_ARRAY, 0,
+            uim_card_info_type_v01, app_info, uim_app_info_type_v01_ei),
+    UIM_END,
+};
+struct qmi_elem_info uim_card_status_type_v01_ei[] = {
+    UIM_U16_ROW(uim_card_status_type_v01, index_gw_pri),
+    UIM_U16_ROW(uim_card_status_type_v01, index_1x_pri),
+    UIM_U16_ROW(uim_card_status_type_v01, index_gw_sec),
+    UIM_U16_ROW(uim_card_status_type_v01, index_1x_sec),
+    UIM_ROW(QMI_DATA_LEN, 1, k_u8, NO_ARRAY, 0, uim_card_status_type_v01, card_info_len, nullptr),
+    UIM_ROW(QMI_STRUCT, QMI_UIM_CARDS_MAX_V01, sizeof(uim_card_info_type_v01), VAR_LEN_ARRAY, 0,
+            uim_card_status_type_v01, card_info, uim_card_info_type_v01_ei),
+    UIM_END,
+};
+struct qmi_elem_info uim_get_card_status_resp_msg_v01_ei[] = {
+    UIM_RESP_ROW(uim_get_card_status_resp_msg_v01),
+    UIM_ROW(QMI_OPT_FLAG, 1, k_u8, NO_ARRAY, k_tlv_opt_0, uim_get_card_status_resp_msg_v01, card_status_valid,
+            nullptr),
+    UIM_ROW(QMI_STRUCT, 1, sizeof(uim_card_status_type_v01), NO_ARRAY, k_tlv_opt_0, uim_get_card_status_resp_msg_v01,
+            card_status, uim_card_status_type_v01_ei),
+    UIM_END,
+};
+
 /* Requests without TLVs. */
 struct qmi_elem_info uim_empty_msg_v01_ei[] = {
     UIM_END,
@@ -218,9 +270,13 @@ constexpr uint16_t k_slots_status_len = 7 + 3 * (3 + 1) +
                                         QMI_UIM_PHYSICAL_SLOTS_MAX_V01 * (10 + 1 + QMI_UIM_ICCID_LEN_MAX_V01) +
                                         QMI_UIM_PHYSICAL_SLOTS_MAX_V01 * (6 + 1 + QMI_UIM_ATR_MAX_V01) +
                                         QMI_UIM_PHYSICAL_SLOTS_MAX_V01 * (1 + QMI_UIM_EID_LEN_V01);
+constexpr uint16_t k_card_status_len =
+    7 + 3 + 8 + 1 + QMI_UIM_CARDS_MAX_V01 * (6 + QMI_UIM_APPS_MAX_V01 * (14 + QMI_UIM_AID_MAX_V01));
 constexpr uint32_t k_max_msg_len = k_apdu_msg_len + 64;
+static_assert(k_card_status_len < k_max_msg_len, "the card status fits the largest message");
 
 const qmi_idl_service_message_table_entry k_requests[] = {
+    {QMI_UIM_GET_CARD_STATUS_REQ_V01, 0, 0, uim_empty_msg_v01_ei},
     {QMI_UIM_POWER_DOWN_REQ_V01, sizeof(uim_power_down_req_msg_v01), k_slot_only_len, uim_power_down_req_msg_v01_ei},
     {QMI_UIM_POWER_UP_REQ_V01, sizeof(uim_power_up_req_msg_v01), 3 * k_slot_only_len, uim_power_up_req_msg_v01_ei},
     {QMI_UIM_SEND_APDU_REQ_V01, sizeof(uim_send_apdu_req_msg_v01), k_apdu_msg_len, uim_send_apdu_req_msg_v01_ei},
@@ -232,6 +288,8 @@ const qmi_idl_service_message_table_entry k_requests[] = {
     {QMI_UIM_GET_EID_REQ_V01, sizeof(uim_get_eid_req_msg_v01), k_slot_only_len, uim_get_eid_req_msg_v01_ei},
 };
 const qmi_idl_service_message_table_entry k_responses[] = {
+    {QMI_UIM_GET_CARD_STATUS_REQ_V01, sizeof(uim_get_card_status_resp_msg_v01), k_card_status_len,
+     uim_get_card_status_resp_msg_v01_ei},
     {QMI_UIM_POWER_DOWN_REQ_V01, sizeof(uim_power_down_resp_msg_v01), k_resp_only_len,
      uim_power_down_resp_msg_v01_ei},
     {QMI_UIM_POWER_UP_REQ_V01, sizeof(uim_power_up_resp_msg_v01), k_resp_only_len, uim_power_up_resp_msg_v01_ei},

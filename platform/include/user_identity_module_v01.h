@@ -48,6 +48,11 @@
 #define QMI_UIM_ICCID_LEN_MAX_V01 10
 #define QMI_UIM_ATR_MAX_V01 33
 #define QMI_UIM_PHYSICAL_SLOTS_MAX_V01 5
+#define QMI_UIM_CARDS_MAX_V01 2
+#define QMI_UIM_APPS_MAX_V01 8
+/* Index of an application in the card status: card << 8 | application;
+ * this value when there is none. */
+#define QMI_UIM_NO_APP_INDEX_V01 0xFFFF
 
 /* Slots are 1-based. */
 typedef enum {
@@ -202,6 +207,48 @@ typedef struct {
     uim_slots_status_type_v01 status;
 } uim_slot_status_change_ind_msg_v01;
 
+/* Card status (get 0x2F), TLV 0x10.  Every field is one byte on the wire
+ * but the indexes (two) and the counts. */
+typedef struct {
+    uint8_t app_type;  /* 1 SIM, 2 USIM, 3 RUIM, 4 CSIM, 5 ISIM */
+    uint8_t app_state; /* 7 ready */
+    uint8_t perso_state;
+    uint8_t perso_feature;
+    uint8_t perso_retries;
+    uint8_t perso_unblock_retries;
+    uint32_t aid_value_len;
+    uint8_t aid_value[QMI_UIM_AID_MAX_V01];
+    uint8_t univ_pin;
+    uint8_t pin1_state;
+    uint8_t pin1_retries;
+    uint8_t puk1_retries;
+    uint8_t pin2_state;
+    uint8_t pin2_retries;
+    uint8_t puk2_retries;
+} uim_app_info_type_v01;
+typedef struct {
+    uint8_t card_state; /* 0 absent, 1 present, 2 error */
+    uint8_t upin_state;
+    uint8_t upin_retries;
+    uint8_t upuk_retries;
+    uint8_t error_code; /* with card state 2: 1 powered down */
+    uint32_t app_info_len;
+    uim_app_info_type_v01 app_info[QMI_UIM_APPS_MAX_V01];
+} uim_card_info_type_v01;
+typedef struct {
+    uint16_t index_gw_pri;
+    uint16_t index_1x_pri;
+    uint16_t index_gw_sec;
+    uint16_t index_1x_sec;
+    uint32_t card_info_len;
+    uim_card_info_type_v01 card_info[QMI_UIM_CARDS_MAX_V01];
+} uim_card_status_type_v01;
+typedef struct {
+    uim_response_type_v01 resp;
+    uint8_t card_status_valid;
+    uim_card_status_type_v01 card_status;
+} uim_get_card_status_resp_msg_v01;
+
 /* Indication 0x61 (16 bytes): the modem's outcome of a purge of the
  * temporary identity, and the slot it concerns. */
 typedef struct {
@@ -238,6 +285,7 @@ extern struct qmi_elem_info uim_logical_channel_resp_msg_v01_ei[];
 extern struct qmi_elem_info uim_send_apdu_req_msg_v01_ei[];
 extern struct qmi_elem_info uim_send_apdu_resp_msg_v01_ei[];
 extern struct qmi_elem_info uim_get_slots_status_resp_msg_v01_ei[];
+extern struct qmi_elem_info uim_get_card_status_resp_msg_v01_ei[];
 extern struct qmi_elem_info uim_slot_status_change_ind_msg_v01_ei[];
 extern struct qmi_elem_info uim_purge_guti_ind_msg_v01_ei[];
 

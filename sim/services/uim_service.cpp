@@ -18,6 +18,21 @@ constexpr int32_t k_err_incompatible_state = 0x5A;
 constexpr int32_t k_err_insufficient_resources = 0x08;
 constexpr int32_t k_result_failure = 1;
 constexpr uint8_t k_first_channel = 1;
+/* Card status values. */
+constexpr uint8_t k_card_state_present = 1;
+constexpr uint8_t k_card_state_error = 2;
+constexpr uint8_t k_card_error_power_down = 1;
+constexpr uint8_t k_app_type_usim = 2;
+constexpr uint8_t k_app_state_ready = 7;
+constexpr uint8_t k_perso_state_ready = 2;
+constexpr uint8_t k_pin_state_enabled_not_verified = 1;
+constexpr uint8_t k_pin_state_disabled = 3;
+constexpr uint8_t k_pin_retries = 3;
+constexpr uint8_t k_puk_retries = 10;
+constexpr uint8_t k_usim_aid[] = {0xA0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02, 0xFF,
+                                  0xFF, 0xFF, 0xFF, 0x89, 0x06, 0x19, 0x00, 0x00};
+/* The first application of card `card`. */
+constexpr uint16_t k_app_index(uint8_t card) { return uint16_t(card << 8); }
 
 void fail(uim_response_type_v01 &r, int32_t error)
 {
@@ -156,6 +171,44 @@ void handle_get_slots_status(qmi_call &call, const void *, void *resp_v)
     uim_fill_slots_status(uim_model_of(call.d, &call.svc), &resp.status);
 }
 
+/* Card status: each slot's card with one USIM application (the eUICC's
+ * when slot 2 presents it); a powered-down card is in error "powered
+ * down". */
+void handle_get_card_status(qmi_call &call, const void *, void *resp_v)
+{
+    auto &resp = *static_cast<uim_get_card_status_resp_msg_v01 *>(resp_v);
+    const uim_model &m = uim_model_of(call.d, &call.svc);
+    uim_card_status_type_v01 &cs = resp.card_status;
+    resp.card_status_valid = 1;
+    cs.index_gw_pri = m.powered[0] ? k_app_index(0) : QMI_UIM_NO_APP_INDEX_V01;
+    cs.index_gw_sec = m.powered[1] ? k_app_index(1) : QMI_UIM_NO_APP_INDEX_V01;
+    cs.index_1x_pri = QMI_UIM_NO_APP_INDEX_V01;
+    cs.index_1x_sec = QMI_UIM_NO_APP_INDEX_V01;
+    cs.card_info_len = k_uim_slot_count;
+    for (uint8_t i = 0; i < k_uim_slot_count; i++) {
+        uim_card_info_type_v01 &card = cs.card_info[i];
+        if (!m.powered[i]) {
+            card.card_state = k_card_state_error;
+            card.error_code = k_card_error_power_down;
+            continue;
+        }
+        card.card_state = k_card_state_present;
+        card.app_info_len = 1;
+        uim_app_info_type_v01 &app = card.app_info[0];
+        app.app_type = k_app_type_usim;
+        app.app_state = k_app_state_ready;
+        app.perso_state = k_perso_state_ready;
+        app.aid_value_len = sizeof(k_usim_aid);
+        memcpy(app.aid_value, k_usim_aid, sizeof(k_usim_aid));
+        app.pin1_state = k_pin_state_disabled;
+        app.pin1_retries = k_pin_retries;
+        app.puk1_retries = k_puk_retries;
+        app.pin2_state = k_pin_state_enabled_not_verified;
+        app.pin2_retries = k_pin_retries;
+        app.puk2_retries = k_puk_retries;
+    }
+}
+
 void uim_fill_error(void *resp, int code)
 {
     fail(*static_cast<uim_response_type_v01 *>(resp), code);
@@ -164,6 +217,7 @@ void uim_fill_error(void *resp, int code)
 qmi_idl_service_object_type uim_object() { return uim_get_service_object_v01(); }
 
 const qmi_handler_entry k_handlers[] = {
+    {QMI_UIM_GET_CARD_STATUS_REQ_V01, handle_get_card_status},
     {QMI_UIM_POWER_DOWN_REQ_V01, handle_power_down},
     {QMI_UIM_POWER_UP_REQ_V01, handle_power_up},
     {QMI_UIM_SEND_APDU_REQ_V01, handle_send_apdu},

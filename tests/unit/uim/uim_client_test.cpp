@@ -22,7 +22,7 @@ namespace {
 /* Upper bound of every wait: failures end quickly, success never waits. */
 constexpr int k_wait_ms = 3000;
 /* A dropped request times out after this long (instead of 3 s). */
-constexpr unsigned k_short_timeout_ms = 150;
+constexpr unsigned k_short_timeout_ms = 300;
 constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
 const uint8_t k_seed_eid[TOLVEK_UIM_EID_LEN] = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
                                                 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
@@ -45,7 +45,6 @@ protected:
         syslog_path = sim.dir() + "/syslog";
         setenv("RLK_SYSLOG_FILE", syslog_path.c_str(), 1);
         g_tolvek_console_quiet = true;
-        g_tolvek_uim_sync_timeout_ms = k_short_timeout_ms;
     }
     void TearDown() override
     {
@@ -74,8 +73,8 @@ protected:
 TEST_F(UimClientTest, ThreeTimedOutRequestsDropTheHandleAndTheFourthReconnects)
 {
     ASSERT_EQ(power(1), 0);
-    qmi_client_type first = uim_qmi_client.load();
-    ASSERT_NE(first, nullptr);
+    ASSERT_NE(uim_qmi_client.load(), nullptr);
+    g_tolvek_uim_sync_timeout_ms = k_short_timeout_ms;
     sim.ctl_ok("drop uim 0x30 3");
     for (uint32_t i = 1; i <= 3; i++) {
         EXPECT_EQ(power(0), QMI_TIMEOUT_ERR);
@@ -83,6 +82,7 @@ TEST_F(UimClientTest, ThreeTimedOutRequestsDropTheHandleAndTheFourthReconnects)
         EXPECT_EQ(uim_qmi_client.load() == nullptr, i == 3) << "after failure " << i;
     }
     EXPECT_TRUE(logged("QMI error, try recovery"));
+    g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
     EXPECT_EQ(power(0), 0);
     EXPECT_NE(uim_qmi_client.load(), nullptr);
     EXPECT_EQ(failed_cnt.load(), 0u);
@@ -208,6 +208,56 @@ TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
     EXPECT_EQ(tolvek_uim_open_logical_channel(k_slot2, other_aid, sizeof(other_aid), &channel, &sw), 0x30);
     EXPECT_EQ(sw, k_sw_not_found);
     EXPECT_EQ(failed_cnt.load(), 0u) << "refusals by the modem are not transport failures";
+}
+
+}  // namespace
+
+namespace {
+
+/* Card and slot status as a generic client (qmicli's --uim-get-card-status
+ * and --uim-get-slot-status) reads them, before and after slot 2 is
+ * powered down. */
+TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
+{
+    qmi_client_os_params os = {};
+    qmi_client_type client = nullptr;
+    ASSERT_EQ(qmi_client_init_instance(uim_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
+                                       k_wait_ms, &client),
+              QMI_NO_ERR);
+    for (bool slot2_on : {true, false}) {
+        if (!slot2_on) {
+            ASSERT_EQ(power(0), 0);
+        }
+        auto *card = new uim_get_card_status_resp_msg_v01();
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, card, sizeof(*card),
+                                           k_wait_ms),
+                  QMI_NO_ERR);
+        EXPECT_EQ(card->resp.result, 0);
+        ASSERT_EQ(card->card_status.card_info_len, 2u);
+        EXPECT_EQ(card->card_status.index_gw_pri, 0x0000);
+        EXPECT_EQ(card->card_status.index_gw_sec, slot2_on ? 0x0100 : QMI_UIM_NO_APP_INDEX_V01);
+        const uim_card_info_type_v01 &c2 = card->card_status.card_info[1];
+        EXPECT_EQ(c2.card_state, slot2_on ? 1 : 2);
+        EXPECT_EQ(c2.error_code, slot2_on ? 0 : 1);
+        EXPECT_EQ(c2.app_info_len, slot2_on ? 1u : 0u);
+        if (slot2_on) {
+            EXPECT_EQ(c2.app_info[0].app_state, 7);
+        }
+        delete card;
+
+        uim_get_slots_status_resp_msg_v01 slots;
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_SLOTS_STATUS_REQ_V01, nullptr, 0, &slots,
+                                           sizeof(slots), k_wait_ms),
+                  QMI_NO_ERR);
+        ASSERT_EQ(slots.status.physical_slot_status_len, 2u);
+        EXPECT_EQ(slots.status.physical_slot_status[1].physical_slot_state,
+                  slot2_on ? uint32_t(UIM_SLOT_STATE_ACTIVE_V01) : uint32_t(UIM_SLOT_STATE_INACTIVE_V01));
+        ASSERT_EQ(slots.status.eid_info_len, 2u);
+        EXPECT_EQ(slots.status.eid_info[0].eid_len, 0u);
+        ASSERT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
+        EXPECT_EQ(memcmp(slots.status.eid_info[1].eid, k_seed_eid, TOLVEK_UIM_EID_LEN), 0);
+    }
+    qmi_client_release(client);
 }
 
 }  // namespace
