@@ -1,6 +1,9 @@
 #include "tolvek_uim_client.h"
 
+#include <stdlib.h>
 #include <string.h>
+
+#include <mutex>
 
 #include "qcril_memory_management.h"
 #include "tolvek_log.h"
@@ -22,6 +25,17 @@ constexpr uint8_t k_card_mode_telecom = UIM_CARD_MODE_TELECOM_CARD_V01;
 /* A paired debug line written on behalf of `func`. */
 #define UIM_LOGD_AS(func, fmt, ...) \
     tolvek_log_line(TOLVEK_LOG_PRIO_DEBUG, TOLVEK_LOG_SRC_TAG, __LINE__, (func), fmt, ##__VA_ARGS__)
+
+/* At exit the handle is released without a trace line, so that no
+ * callback of the client library runs while the process tears down the
+ * objects it would log through. */
+void release_at_exit()
+{
+    qmi_client_type handle = uim_qmi_client.exchange(nullptr);
+    if (handle != nullptr) qmi_client_release(handle);
+}
+
+std::once_flag g_exit_hook;
 
 void *handle_ptr() { return static_cast<void *>(uim_qmi_client.load()); }
 
@@ -120,6 +134,7 @@ bool init_uim_qmi_client()
         return false;
     }
     uim_qmi_client.store(handle);
+    std::call_once(g_exit_hook, [] { atexit(release_at_exit); });
     TOLVEK_LOGD("init_uim_qmi_client %p", static_cast<void *>(handle));
     if (qmi_client_register_error_cb(handle, error_cb, nullptr) != QMI_NO_ERR) {
         TOLVEK_LOGD("qmi_client_register_error_cb failed");
