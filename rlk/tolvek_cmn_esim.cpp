@@ -12,7 +12,8 @@
  * write is one 16-byte chunk checked by reading it back; the ICCID of the
  * profile being removed is noted in EFS before it is disabled and the note
  * removed after it is deleted, so a profile left disabled by a cut-off run
- * is deleted by the next one, and no other profile is touched. */
+ * is deleted by the next one, and no other profile is touched; a slot left
+ * powered down is powered up before anything else. */
 #include "tolvek_cmn_esim.h"
 
 #include <stdio.h>
@@ -41,6 +42,8 @@ constexpr char k_eid_path[] = TOLVEK_ESIM_EID_EFS_PATH;
 constexpr uint32_t k_eid_path_len = sizeof(k_eid_path) - 1;
 constexpr char k_pending_path[] = TOLVEK_ESIM_PENDING_EFS_PATH;
 constexpr uint32_t k_pending_path_len = sizeof(k_pending_path) - 1;
+/* The modem's QMI error for a request on a powered-down slot. */
+constexpr int k_qmi_err_incompatible_state = 0x5A;
 /* What the modem's EFS answers for a file that does not exist. */
 constexpr int k_efs_no_such_file = -2;
 
@@ -63,14 +66,37 @@ void eid_text(const uint8_t *eid, char *out)
     out[k_eid_digits] = '\0';
 }
 
+/* Reads slot 2's EID into `eid`; *answered false when the modem gave none
+ * (as it does while the slot is powered down). */
+int request_sim2_eid(uint8_t *eid, bool *answered)
+{
+    static const uint8_t none[TOLVEK_UIM_EID_LEN] = {0};
+    memset(eid, 0, TOLVEK_UIM_EID_LEN);
+    int rc = tolvek_uim_request_eid(&k_sim2_slot, eid);
+    *answered = rc == 0 && memcmp(eid, none, TOLVEK_UIM_EID_LEN) != 0;
+    return rc;
+}
+
+int power_up_sim2()
+{
+    tolvek_uim_power_params up = {1, k_sim2_slot, 1};
+    return tolvek_uim_request_uicc_power_ex(&up);
+}
+
+/* Reads the EID; a slot left powered down by an earlier run is powered up
+ * first. */
 int read_eid(uint8_t *eid)
 {
     TOLVEK_LOGD("esim step: read EID of slot %d", int(k_sim2_slot));
-    memset(eid, 0, TOLVEK_UIM_EID_LEN);
-    int rc = tolvek_uim_request_eid(&k_sim2_slot, eid);
+    bool answered = false;
+    int rc = request_sim2_eid(eid, &answered);
+    if (rc == 0 && !answered) {
+        TOLVEK_LOGD("the modem gave no EID for slot %d, power it up and read again", int(k_sim2_slot));
+        rc = power_up_sim2();
+        if (rc == 0) rc = request_sim2_eid(eid, &answered);
+    }
     if (rc != 0) return step_failed("read EID", rc, TOLVEK_ESIM_ERR_READ_EID);
-    static const uint8_t none[TOLVEK_UIM_EID_LEN] = {0};
-    if (memcmp(eid, none, TOLVEK_UIM_EID_LEN) == 0) {
+    if (!answered) {
         TOLVEK_LOGD("the modem gave no EID for slot %d", int(k_sim2_slot));
         return step_failed("read EID", 0, TOLVEK_ESIM_ERR_READ_EID);
     }
@@ -112,9 +138,16 @@ int power_cycle_sim2()
     int rc = tolvek_uim_request_uicc_power_ex(&down);
     if (rc != 0) return step_failed("power down SIM2", rc, TOLVEK_ESIM_ERR_POWER_DOWN);
     TOLVEK_LOGD("esim step: power up SIM%d", int(k_sim2_slot));
-    tolvek_uim_power_params up = {1, k_sim2_slot, 1};
-    rc = tolvek_uim_request_uicc_power_ex(&up);
+    rc = power_up_sim2();
     if (rc != 0) return step_failed("power up SIM2", rc, TOLVEK_ESIM_ERR_POWER_UP);
+    /* The power requests report only that the modem answered: the slot
+     * answering again shows that it is up. */
+    TOLVEK_LOGD("esim step: check SIM%d answers", int(k_sim2_slot));
+    uint8_t eid[TOLVEK_UIM_EID_LEN];
+    bool answered = false;
+    rc = request_sim2_eid(eid, &answered);
+    if (rc == 0 && !answered) TOLVEK_LOGD("SIM%d does not answer after power up", int(k_sim2_slot));
+    if (rc != 0 || !answered) return step_failed("power up SIM2", rc, TOLVEK_ESIM_ERR_POWER_UP);
     return 0;
 }
 
@@ -220,6 +253,11 @@ int switch_to_psim()
     TOLVEK_LOGD("esim step: open logical channel to the ISD-R");
     uint8_t channel = 0;
     int rc = tolvek_isdr_open(k_sim2_slot, &channel);
+    if (rc == k_qmi_err_incompatible_state) {
+        TOLVEK_LOGD("slot %d refuses a channel, power it up and open again", int(k_sim2_slot));
+        rc = power_up_sim2();
+        if (rc == 0) rc = tolvek_isdr_open(k_sim2_slot, &channel);
+    }
     if (rc != 0) return step_failed("open channel", rc, TOLVEK_ESIM_ERR_OPEN_CHANNEL);
     int result = remove_enabled_profile(channel);
     TOLVEK_LOGD("esim step: close logical channel %d", int(channel));

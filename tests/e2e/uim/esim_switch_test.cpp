@@ -176,4 +176,24 @@ TEST_F(EsimSwitchTest, RestartHalfWayIsFinishedByASecondRun)
     EXPECT_TRUE(has(efs_get(k_pending_path), "error"));
 }
 
+/* The modem accepts a power-up but leaves the slot off: the run fails at
+ * its check, and the next run of either switch powers the slot up first. */
+TEST_F(EsimSwitchTest, SlotLeftPoweredDownIsPoweredUpByTheNextRun)
+{
+    for (const char *esim_on : {"1", "2"}) {
+        sim.ctl_ok("error uim 0x31 0x5A 1");
+        rlk_run first = esim({esim_on, "1"});
+        EXPECT_TRUE(has(first.out, "SIM2 does not answer after power up")) << first.out;
+        EXPECT_TRUE(has(first.out, "error_code(-205)")) << first.out;
+        EXPECT_TRUE(has(state(), "slot2 off"));
+        rlk_run second = esim({esim_on, "1"});
+        EXPECT_TRUE(has(second.out, esim_on[0] == '1' ? "the modem gave no EID for slot 2, power it up"
+                                                      : "slot 2 refuses a channel, power it up"))
+            << second.out;
+        EXPECT_TRUE(has(second.out, ": ok (0)")) << second.out;
+        EXPECT_TRUE(has(state(), "slot2 on"));
+    }
+    EXPECT_TRUE(has(state(), "slot2 on psim"));
+}
+
 }  // namespace
