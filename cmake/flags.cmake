@@ -9,7 +9,10 @@ add_compile_options(-Wall -Wextra -Werror -g)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
 
 if(RLK_SANITIZE STREQUAL "thread")
-  add_compile_options(-fsanitize=thread)
+  # ThreadSanitizer for the code with threads (-DRLK_SANITIZE=thread); the
+  # overflow and bounds traps stay.
+  add_compile_options(-fsanitize=thread -fsanitize=signed-integer-overflow,bounds -fsanitize-undefined-trap-on-error
+                      -fno-omit-frame-pointer)
   add_link_options(-fsanitize=thread)
 elseif(RLK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -2,12 +2,14 @@
 #include "daemon.h"
 #include "extension_service.h"
 #include "vs_stats_service.h"
+#include "uim_service.h"
 
 namespace modemd {
 
 const sim_service_def *const g_sim_services[] = {
     &g_extension_service_def,
     &g_vs_stats_service_def,
+    &g_uim_service_def,
 };
 const size_t g_sim_service_count = sizeof(g_sim_services) / sizeof(g_sim_services[0]);
 

@@ -1,0 +1,263 @@
+/* The UIM client against a private simulator: failure counting and
+ * recovery, the subsystem-restart flag, the EID answer, indication 0x61,
+ * and the ISD-R's answers to well- and badly-formed APDUs. */
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "euicc_es10.h"
+#include "sim_fixture.h"
+#include "tolvek_log.h"
+#include "tolvek_uim_client.h"
+#include "user_identity_module_v01.h"
+
+namespace {
+
+/* Upper bound of every wait: failures end quickly, success never waits. */
+constexpr int k_wait_ms = 3000;
+/* A dropped request times out after this long (instead of 3 s). */
+constexpr unsigned k_short_timeout_ms = 300;
+constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
+const uint8_t k_seed_eid[TOLVEK_UIM_EID_LEN] = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
+                                                0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
+
+bool wait_until(const std::function<bool()> &cond)
+{
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(k_wait_ms);
+    while (!cond()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+class UimClientTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim.start());
+        syslog_path = sim.dir() + "/syslog";
+        setenv("RLK_SYSLOG_FILE", syslog_path.c_str(), 1);
+        g_tolvek_console_quiet = true;
+    }
+    void TearDown() override
+    {
+        uim_qmi_client_recovery();
+        g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
+        g_tolvek_console_quiet = false;
+        unsetenv("RLK_SYSLOG_FILE");
+    }
+
+    int power(int up, int slot = k_slot2)
+    {
+        tolvek_uim_power_params p = {up, slot, 1};
+        return tolvek_uim_request_uicc_power_ex(&p);
+    }
+    bool logged(const std::string &text) const
+    {
+        auto lines = texts(read_log_file(syslog_path, false));
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](const std::string &l) { return l.find(text) != std::string::npos; });
+    }
+
+    sim_instance sim;
+    std::string syslog_path;
+};
+
+TEST_F(UimClientTest, ThreeTimedOutRequestsDropTheHandleAndTheFourthReconnects)
+{
+    ASSERT_EQ(power(1), 0);
+    ASSERT_NE(uim_qmi_client.load(), nullptr);
+    g_tolvek_uim_sync_timeout_ms = k_short_timeout_ms;
+    sim.ctl_ok("drop uim 0x30 3");
+    for (uint32_t i = 1; i <= 3; i++) {
+        EXPECT_EQ(power(0), QMI_TIMEOUT_ERR);
+        EXPECT_EQ(failed_cnt.load(), i);
+        EXPECT_EQ(uim_qmi_client.load() == nullptr, i == 3) << "after failure " << i;
+    }
+    EXPECT_TRUE(logged("QMI error, try recovery"));
+    g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
+    EXPECT_EQ(power(0), 0);
+    EXPECT_NE(uim_qmi_client.load(), nullptr);
+    EXPECT_EQ(failed_cnt.load(), 0u);
+    EXPECT_TRUE(logged("tolvek_uim_request_uicc_power_ex try init_uim_qmi_client"));
+}
+
+TEST_F(UimClientTest, ServiceGoneInTheMiddleOfARequestRecoversAtOnce)
+{
+    ASSERT_EQ(power(1), 0);
+    sim.ctl_ok("uim crash-on 0x31 50");
+    EXPECT_EQ(power(1), QMI_SERVICE_ERR);
+    EXPECT_EQ(uim_qmi_client.load(), nullptr);
+    EXPECT_EQ(failed_cnt.load(), 1u);
+    /* The next request waits for the service to come back. */
+    EXPECT_EQ(power(1), 0);
+    EXPECT_EQ(failed_cnt.load(), 0u);
+}
+
+TEST_F(UimClientTest, SubsystemRestartSetsTheFlagAndTheNextRequestReconnects)
+{
+    uint8_t eid[TOLVEK_UIM_EID_LEN] = {0};
+    ASSERT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
+    sim.ctl_ok("ssr uim 100");
+    ASSERT_TRUE(wait_until([] { return SSR_Detected.load() == 1; }));
+    EXPECT_TRUE(logged("QMI error callback -2"));
+    EXPECT_TRUE(logged("SSR Detected, set SSR_Detected 1"));
+    memset(eid, 0, sizeof(eid));
+    EXPECT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
+    EXPECT_TRUE(logged("SSR_Detected, try recovery"));
+    EXPECT_EQ(SSR_Detected.load(), 0);
+    EXPECT_EQ(memcmp(eid, k_seed_eid, sizeof(eid)), 0);
+}
+
+TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValid)
+{
+    struct {
+        uint8_t slot;
+        const char *fault;
+        bool copied;
+    } cases[] = {
+        {k_slot2, nullptr, true},          /* the eUICC's EID */
+        {k_slot1, nullptr, false},         /* success, but no EID: validity 0 */
+        {k_slot2, "error uim 0x65 0x5A 1", false}, /* the modem refuses */
+    };
+    for (const auto &c : cases) {
+        if (c.fault) sim.ctl_ok(c.fault);
+        uint8_t eid[TOLVEK_UIM_EID_LEN];
+        memset(eid, 0xAA, sizeof(eid));
+        EXPECT_EQ(tolvek_uim_request_eid(&c.slot, eid), 0);
+        uint8_t untouched[TOLVEK_UIM_EID_LEN];
+        memset(untouched, 0xAA, sizeof(untouched));
+        EXPECT_EQ(memcmp(eid, c.copied ? k_seed_eid : untouched, sizeof(eid)), 0) << "slot " << int(c.slot);
+    }
+}
+
+TEST_F(UimClientTest, IndicationNinetySevenIsDecodedAndABadOneReported)
+{
+    uint8_t eid[TOLVEK_UIM_EID_LEN];
+    ASSERT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
+    sim.ctl_ok("uim ind97 1 5");
+    ASSERT_TRUE(wait_until([&] { return logged("qmi_client_message_decode result = 0"); }));
+    EXPECT_TRUE(logged("msg_id 97"));
+    /* A result TLV two bytes short does not decode. */
+    sim.ctl_ok("ind uim 0x61 02020001");
+    ASSERT_TRUE(wait_until([&] { return logged("purge guti failed. resp.result = 0 ,resp.result = 0"); }));
+    /* Other indications are only reported. */
+    sim.ctl_ok("uim slot-ind");
+    EXPECT_TRUE(wait_until([&] { return logged("msg_id 72"); }));
+}
+
+/* A STORE DATA command on `channel` carrying `data`. */
+std::vector<uint8_t> store_data(uint8_t channel, const std::vector<uint8_t> &data)
+{
+    std::vector<uint8_t> apdu = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
+                                 uint8_t(data.size())};
+    apdu.insert(apdu.end(), data.begin(), data.end());
+    apdu.push_back(0);
+    return apdu;
+}
+
+TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
+{
+    uint8_t channel = 0;
+    uint16_t sw = 0;
+    ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &channel, &sw), 0);
+    EXPECT_EQ(sw, k_sw_ok);
+    const std::vector<uint8_t> enabled_iccid = {0x98, 0x44, 0x05, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x71};
+    std::vector<uint8_t> delete_enabled = {0xBF, 0x33, 0x0C, 0x5A, 0x0A};
+    delete_enabled.insert(delete_enabled.end(), enabled_iccid.begin(), enabled_iccid.end());
+    std::vector<uint8_t> bad_cla = store_data(channel, {0xBF, 0x2D, 0x00});
+    bad_cla[0] = 0x00;
+    std::vector<uint8_t> bad_ins = store_data(channel, {0xBF, 0x2D, 0x00});
+    bad_ins[1] = 0xCA;
+    std::vector<uint8_t> bad_lc = store_data(channel, {0xBF, 0x2D, 0x00});
+    bad_lc[4] = 9;
+    struct {
+        const char *what;
+        std::vector<uint8_t> apdu;
+        uint8_t on_channel;
+        std::vector<uint8_t> tail; /* last bytes of the answer */
+    } cases[] = {
+        {"list", store_data(channel, {0xBF, 0x2D, 0x00}), channel, {0x90, 0x00}},
+        {"unknown ES10 tag", store_data(channel, {0xBF, 0x3E, 0x00}), channel, {0x6A, 0x88}},
+        {"delete of the enabled profile", store_data(channel, delete_enabled), channel, {0x80, 0x01, 0x02, 0x90, 0x00}},
+        {"class byte of another channel", bad_cla, channel, {0x6E, 0x00}},
+        {"not STORE DATA", bad_ins, channel, {0x6D, 0x00}},
+        {"Lc beyond the data", bad_lc, channel, {0x67, 0x00}},
+        {"truncated TLV", store_data(channel, {0xBF, 0x2D, 0x05}), channel, {0x6A, 0x80}},
+        {"channel not open", store_data(3, {0xBF, 0x2D, 0x00}), 3, {0x68, 0x81}},
+    };
+    for (const auto &c : cases) {
+        uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
+        uint32_t len = sizeof(rsp);
+        ASSERT_EQ(tolvek_uim_send_apdu(k_slot2, c.on_channel, c.apdu.data(), uint32_t(c.apdu.size()), rsp, &len), 0)
+            << c.what;
+        ASSERT_GE(len, c.tail.size()) << c.what;
+        EXPECT_EQ(std::vector<uint8_t>(rsp + len - c.tail.size(), rsp + len), c.tail) << c.what;
+    }
+    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, channel), 0);
+    /* Closing twice and opening an unknown application are refused. */
+    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, channel), 0x30);
+    const uint8_t other_aid[] = {0xA0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02};
+    EXPECT_EQ(tolvek_uim_open_logical_channel(k_slot2, other_aid, sizeof(other_aid), &channel, &sw), 0x30);
+    EXPECT_EQ(sw, k_sw_not_found);
+    EXPECT_EQ(failed_cnt.load(), 0u) << "refusals by the modem are not transport failures";
+}
+
+}  // namespace
+
+namespace {
+
+/* Card and slot status as a generic client (qmicli's --uim-get-card-status
+ * and --uim-get-slot-status) reads them, before and after slot 2 is
+ * powered down. */
+TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
+{
+    qmi_client_os_params os = {};
+    qmi_client_type client = nullptr;
+    ASSERT_EQ(qmi_client_init_instance(uim_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
+                                       k_wait_ms, &client),
+              QMI_NO_ERR);
+    for (bool slot2_on : {true, false}) {
+        if (!slot2_on) {
+            ASSERT_EQ(power(0), 0);
+        }
+        auto *card = new uim_get_card_status_resp_msg_v01();
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, card, sizeof(*card),
+                                           k_wait_ms),
+                  QMI_NO_ERR);
+        EXPECT_EQ(card->resp.result, 0);
+        ASSERT_EQ(card->card_status.card_info_len, 2u);
+        EXPECT_EQ(card->card_status.index_gw_pri, 0x0000);
+        EXPECT_EQ(card->card_status.index_gw_sec, slot2_on ? 0x0100 : QMI_UIM_NO_APP_INDEX_V01);
+        const uim_card_info_type_v01 &c2 = card->card_status.card_info[1];
+        EXPECT_EQ(c2.card_state, slot2_on ? 1 : 2);
+        EXPECT_EQ(c2.error_code, slot2_on ? 0 : 1);
+        EXPECT_EQ(c2.app_info_len, slot2_on ? 1u : 0u);
+        if (slot2_on) {
+            EXPECT_EQ(c2.app_info[0].app_state, 7);
+        }
+        delete card;
+
+        uim_get_slots_status_resp_msg_v01 slots;
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_SLOTS_STATUS_REQ_V01, nullptr, 0, &slots,
+                                           sizeof(slots), k_wait_ms),
+                  QMI_NO_ERR);
+        ASSERT_EQ(slots.status.physical_slot_status_len, 2u);
+        EXPECT_EQ(slots.status.physical_slot_status[1].physical_slot_state,
+                  slot2_on ? uint32_t(UIM_SLOT_STATE_ACTIVE_V01) : uint32_t(UIM_SLOT_STATE_INACTIVE_V01));
+        ASSERT_EQ(slots.status.eid_info_len, 2u);
+        EXPECT_EQ(slots.status.eid_info[0].eid_len, 0u);
+        ASSERT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
+        EXPECT_EQ(memcmp(slots.status.eid_info[1].eid, k_seed_eid, TOLVEK_UIM_EID_LEN), 0);
+    }
+    qmi_client_release(client);
+}
+
+}  // namespace
