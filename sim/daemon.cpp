@@ -1,4 +1,5 @@
 #include "daemon.h"
+#include "at_channel.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -134,6 +135,7 @@ bool daemon::start(std::string *error)
         services_.push_back(std::move(s));
     }
     diag_ = make_diag_endpoint(*this);
+    at_ = make_at_channel(*this);
 
     /* The socket: a stale one of a dead simulator is replaced (we hold the
      * state lock, so nobody else is serving this state). */

@@ -20,6 +20,7 @@
 namespace modemd {
 
 class daemon;
+class at_channel;
 struct sim_service;
 
 /* One accepted connection. */
@@ -181,6 +182,7 @@ private:
     std::deque<journal_entry> journal_;
     std::map<std::string, int64_t> counters_;
     std::unique_ptr<diag_endpoint> diag_;
+    std::unique_ptr<at_channel> at_; /* sim/at_channel.h */
     event_loop::timer_id idle_timer_ = 0;
 };
 
