@@ -168,27 +168,6 @@ TEST_F(SmartTestTest, SsrWaitsTheSecondsSetAndTheModemRestarts)
     EXPECT_TRUE(has_text(nv.out, "data:  08 3A 55 43 13 10 32 54 06\n")) << nv.out;
 }
 
-/* The modem stays away for the restart delay: a request made meanwhile
- * waits for it and then succeeds. */
-TEST_F(SmartTestTest, RequestDuringRestartSucceedsOnceTheModemIsBack)
-{
-    const int restart_ms = 1200;
-    sim.ctl_ok("ext restart-delay " + std::to_string(restart_ms));
-    setprop(k_level, "ALL_ENABLE");
-    long long start = monotonic_ms();
-    rlk({"11", "0", "1"});
-    bool seen_down = false;
-    for (int i = 0; i < 50 && !seen_down; i++) {
-        seen_down = sim.ctl_ok("services").find("down") != std::string::npos;
-        if (!seen_down) usleep(10 * 1000);
-    }
-    EXPECT_TRUE(seen_down) << sim.ctl_ok("services");
-    rlk_run nv = rlk({"4", "1", "0", "550"});
-    EXPECT_GE(monotonic_ms() - start, restart_ms);
-    EXPECT_TRUE(has_text(nv.out, "data:  08 3A 55 43 13 10 32 54 06\n")) << nv.out;
-    EXPECT_EQ(counter("ext.restart.up"), 1);
-}
-
 TEST_F(SmartTestTest, FullDumpKeepsAnExistingSavedLevelAndCountsTheChange)
 {
     setprop(k_level, "ALL_ENABLE");

@@ -90,9 +90,4 @@ TEST_F(AtAnswerTest, MissingImeiIsAnError)
     EXPECT_EQ(answer("AT+CGSN"), "\r\nERROR\r\n");
 }
 
-TEST(AtEscapeTest, RecordShowsEveryByte)
-{
-    EXPECT_EQ(modemd::at_escape(std::string("AT+X=\"a\\b\"\r\n\t\x7f\x80", 15)), "AT+X=\"a\\\\b\"\\r\\n\\x09\\x7f\\x80");
-}
-
 }  // namespace

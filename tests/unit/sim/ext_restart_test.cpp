@@ -119,14 +119,4 @@ TEST_F(ExtRestartTest, MalformedRequestsAreRefusedWithoutRestart)
     EXPECT_EQ(sim.ctl_ok("services").find("down"), std::string::npos);
 }
 
-TEST_F(ExtRestartTest, RestartDelayControl)
-{
-    EXPECT_EQ(sim.ctl_ok("ext restart-delay"), "200");
-    EXPECT_EQ(sim.ctl("ext restart-delay 600001").compare(0, 11, "error usage"), 0);
-    EXPECT_EQ(sim.ctl("ext restart-delay -1").compare(0, 11, "error usage"), 0);
-    EXPECT_EQ(sim.ctl("ext restart-delay 1 2").compare(0, 11, "error usage"), 0);
-    EXPECT_EQ(sim.ctl_ok("ext restart-delay 0"), "");
-    EXPECT_EQ(sim.ctl_ok("ext restart-delay"), "0");
-}
-
 }  // namespace
