@@ -5,6 +5,7 @@
  *   ext fail-efs <skip> msg_code <c>   the same, failed with framework
  *                                      result <c> instead
  *   ext transfers                      number of open EFS write transfers
+ *   ext restart-delay [ms]             sim/services/ext_restart.h
  * A failure is armed once; a new one replaces it. */
 #include "ext_efs.h"
 #include "ext_restart.h"
