@@ -7,6 +7,7 @@
 #include <string.h>
 
 #include "daemon.h"
+#include "at_channel.h"
 
 namespace modemd {
 namespace {
@@ -50,7 +51,8 @@ const char k_help[] =
     "  efs ls | efs get <path> | efs put <path> <hex> | efs rm <path>\n"
     "  counter get <name> | counter set <name> <value> | counters\n"
     "  loop [reset]   longest time one event kept the daemon busy (us, and its CPU time)\n"
-    "  diag ...\n";
+    "  diag ...\n"
+    "  at path | at received [n] | at clear\n";
 
 }  // namespace
 
@@ -286,6 +288,7 @@ std::string daemon::control(const std::string &request)
     for (auto &s : services_) {
         if (s->def->control && cmd == s->def->name) return s->def->control(*this, a);
     }
+    if (cmd == "at" && at_) return at_->control(a);
     if (cmd == "diag") {
         std::string answer;
         if (diag_ && diag_->control(a, &answer)) return answer;

@@ -1,4 +1,5 @@
 #include "daemon.h"
+#include "at_channel.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -122,6 +123,7 @@ bool daemon::start(std::string *error)
         services_.push_back(std::move(s));
     }
     diag_ = make_diag_endpoint(*this);
+    at_ = make_at_channel(*this);
 
     if (!open_listener(error)) return false;
 

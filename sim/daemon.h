@@ -22,6 +22,7 @@
 namespace modemd {
 
 class daemon;
+class at_channel;
 struct sim_service;
 
 /* Bytes and packets a connection may have waiting for its client to read
@@ -224,6 +225,7 @@ private:
     std::deque<journal_entry> journal_;
     std::map<std::string, int64_t> counters_;
     std::unique_ptr<diag_endpoint> diag_;
+    std::unique_ptr<at_channel> at_; /* sim/at_channel.h */
     event_loop::timer_id idle_timer_ = 0;
     std::map<std::string, std::function<void(uint64_t)>> close_listeners_;
 };

@@ -6,8 +6,10 @@
  *                                      result <c> instead
  *   ext transfers                      number of open EFS write transfers
  *   ext transfer-idle <ms>             drop EFS write transfers idle this long
+ *   ext restart-delay [ms]             sim/services/ext_restart.h
  * A failure is armed once; a new one replaces it. */
 #include "ext_efs.h"
+#include "ext_restart.h"
 
 namespace modemd {
 namespace {
@@ -39,8 +41,10 @@ bool ext_efs_take_failure(tolvek_extend_msg &resp)
     return true;
 }
 
-std::string ext_control(daemon &, const std::vector<std::string> &a)
+std::string ext_control(daemon &d, const std::vector<std::string> &a)
 {
+    std::string answer;
+    if (ext_restart_control(d, a, &answer)) return answer;
     if (a.size() == 2 && a[1] == "transfers") return "ok " + std::to_string(ext_efs_open_transfers());
     int64_t skip = 0, code = 0, ms = 0;
     if (a.size() == 3 && a[1] == "transfer-idle" && parse_number(a[2], &ms) && ms > 0 &&
