@@ -69,12 +69,14 @@ bool write_dump(daemon &d)
     return false;
 }
 
-void bring_up_later(daemon &d, sim_service *s, uint32_t delay_ms)
+/* Brings `s` back after the delay; the modem counts as up again once its
+ * last service is (`last`). */
+void bring_up_later(daemon &d, sim_service *s, uint32_t delay_ms, bool last)
 {
-    s->up_timer = d.loop().add_timer(delay_ms, [&d, s] {
+    s->up_timer = d.loop().add_timer(delay_ms, [&d, s, last] {
         s->up_timer = 0;
         d.service_up(*s);
-        d.counters()["ext.restart.up"]++;
+        if (last) d.counters()["ext.restart.up"]++;
     });
 }
 
@@ -90,7 +92,7 @@ void ext_schedule_restart(daemon &d)
             sim_service *s = d.find_service(g_sim_services[i]->name);
             if (!s) continue;
             d.service_down(*s);
-            bring_up_later(d, s, delay_ms);
+            bring_up_later(d, s, delay_ms, i + 1 == g_sim_service_count);
         }
     });
 }
