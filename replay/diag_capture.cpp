@@ -115,43 +115,55 @@ void diag_capture_reader::take_dlf_record(const uint8_t *record, size_t len)
     }
 }
 
+bool diag_capture_reader::dlf_plausible(const uint8_t *record) const
+{
+    if (diag_le16(record) < DIAG_LOG_LENGTH_SELF) return false;
+    if (!dlf_resyncing_) return true;
+    /* Looking for the next record after a bad one: its code must also
+     * belong to one of the log equipment groups. */
+    unsigned group = diag_le16(record + DIAG_DLF_LENGTH_LEN) >> DIAG_LOG_GROUP_SHIFT;
+    return (DIAG_LOG_GROUPS >> group) & 1u;
+}
+
+void diag_capture_reader::dlf_bad_start()
+{
+    if (!dlf_resyncing_) skip(DIAG_SKIP_BAD_RECORD);
+    dlf_resyncing_ = true;
+}
+
 void diag_capture_reader::feed_dlf(const uint8_t *data, size_t len)
 {
     const uint8_t *p = data;
     const uint8_t *end = data + len;
     while (p < end) {
-        if (partial_.empty() && size_t(end - p) >= DIAG_DLF_LENGTH_LEN) {
-            size_t n = diag_le16(p);
-            if (n < DIAG_LOG_LENGTH_SELF) {
+        if (partial_.empty() && size_t(end - p) >= DIAG_DLF_HEADER_CHECK) {
+            if (!dlf_plausible(p)) {
                 /* Not a record: counted once, then look one byte further. */
-                if (!dlf_resyncing_) skip(DIAG_SKIP_BAD_RECORD);
-                dlf_resyncing_ = true;
+                dlf_bad_start();
                 p++;
                 continue;
             }
-            dlf_resyncing_ = false;
+            size_t n = diag_le16(p);
             if (n <= size_t(end - p)) {
+                dlf_resyncing_ = false;
                 take_dlf_record(p, n);
                 p += n;
                 continue;
             }
         }
-        /* A record split across feeds: gather its length, then its bytes. */
-        size_t need = DIAG_DLF_LENGTH_LEN;
-        if (partial_.size() >= DIAG_DLF_LENGTH_LEN) need = diag_le16(partial_.data());
+        /* A record split across feeds: its header first, then the rest. */
+        size_t need = DIAG_DLF_HEADER_CHECK;
+        if (partial_.size() >= DIAG_DLF_HEADER_CHECK) need = diag_le16(partial_.data());
         size_t take = std::min(need - partial_.size(), size_t(end - p));
         partial_.insert(partial_.end(), p, p + take);
         p += take;
-        if (partial_.size() == DIAG_DLF_LENGTH_LEN && diag_le16(partial_.data()) < DIAG_LOG_LENGTH_SELF) {
-            /* Resynchronise from the second byte of the bad length. */
-            uint8_t second = partial_[1];
-            partial_.clear();
-            if (!dlf_resyncing_) skip(DIAG_SKIP_BAD_RECORD);
-            dlf_resyncing_ = true;
-            feed_dlf(&second, 1);
+        if (partial_.size() < DIAG_DLF_HEADER_CHECK) continue;
+        if (partial_.size() == DIAG_DLF_HEADER_CHECK && !dlf_plausible(partial_.data())) {
+            dlf_bad_start();
+            partial_.erase(partial_.begin());
             continue;
         }
-        if (partial_.size() >= DIAG_DLF_LENGTH_LEN && partial_.size() == diag_le16(partial_.data())) {
+        if (partial_.size() == diag_le16(partial_.data())) {
             dlf_resyncing_ = false;
             take_dlf_record(partial_.data(), partial_.size());
             partial_.clear();
@@ -197,7 +209,7 @@ void diag_capture_reader::finish()
 {
     if (current_ == DIAG_FORMAT_AUTO && !window_.empty()) detect(true);
     if (current_ == DIAG_FORMAT_DLF) {
-        if (!partial_.empty()) skip(DIAG_SKIP_TRUNCATED);
+        if (!partial_.empty() && !dlf_resyncing_) skip(DIAG_SKIP_TRUNCATED);
     } else {
         hdlc_.finish(on_hdlc_frame, this);
     }

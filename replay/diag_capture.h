@@ -9,7 +9,8 @@
  *   DLF   log records without framing: u16 log length (counting itself),
  *         u16 code, u64 timestamp, payload.  A length below the record
  *         header is counted once and the reader moves on byte by byte until
- *         a plausible record starts.
+ *         a plausible record starts (a length that holds the header and a
+ *         code of a known log group).
  *   AUTO  decided from the first bytes of each input: HDLC when CRC-valid
  *         frames appear there, DLF when the bytes chain as DLF records and
  *         no frame checks out; HDLC when neither (everything is then
@@ -43,9 +44,13 @@ constexpr size_t DIAG_DETECT_WINDOW = 65536;
  * HDLC; chained records (with no valid frame) for DLF. */
 constexpr uint32_t DIAG_DETECT_HDLC_FRAMES = 2;
 constexpr uint32_t DIAG_DETECT_DLF_RECORDS = 16;
-/* Largest DLF record: its u16 length. */
-constexpr size_t DIAG_DLF_MAX_RECORD = 65535;
 constexpr size_t DIAG_DLF_LENGTH_LEN = 2;
+/* Bytes that show whether a record may start somewhere: length and code. */
+constexpr size_t DIAG_DLF_HEADER_CHECK = 4;
+/* Equipment groups of log codes (the code's top nibble): 1 common and
+ * 1x, 4 WCDMA, 5 GSM, 7 UMTS NAS, 0xB LTE and NR. */
+constexpr unsigned DIAG_LOG_GROUP_SHIFT = 12;
+constexpr uint32_t DIAG_LOG_GROUPS = (1u << 0x1) | (1u << 0x4) | (1u << 0x5) | (1u << 0x7) | (1u << 0xB);
 
 /* The format of an input that starts with `len` bytes; `complete` when
  * they are the whole input or a full window.  AUTO when more bytes are
@@ -83,6 +88,8 @@ private:
     void feed_format(const uint8_t *data, size_t len);
     void feed_dlf(const uint8_t *data, size_t len);
     void take_dlf_record(const uint8_t *record, size_t len);
+    bool dlf_plausible(const uint8_t *record) const;
+    void dlf_bad_start();
     void detect(bool at_end);
 
     diag_capture_format wanted_;

@@ -92,20 +92,36 @@ replay_utc replay_utc_of(uint64_t timestamp)
 
 void replay_append_time(std::string *out, uint64_t timestamp, bool iso)
 {
-    replay_utc t = replay_utc_of(timestamp);
-    append_digits(out, static_cast<uint64_t>(t.year), 4);
-    out->push_back('-');
-    append_digits(out, t.month, 2);
-    out->push_back('-');
-    append_digits(out, t.day, 2);
-    out->push_back(iso ? 'T' : ' ');
-    append_digits(out, t.hour, 2);
-    out->push_back(':');
-    append_digits(out, t.minute, 2);
-    out->push_back(':');
-    append_digits(out, t.second, 2);
-    out->push_back('.');
-    append_digits(out, t.millisecond, 3);
+    /* Packets come many per second: the date and time of the last second
+     * formatted are kept (one process, one thread). */
+    static uint64_t cached_second = UINT64_MAX;
+    static bool cached_iso = false;
+    static std::string cached;
+    uint64_t second = timestamp / DIAG_TS_UNITS_PER_SECOND;
+    replay_utc t = {};
+    if (second != cached_second || iso != cached_iso) {
+        t = replay_utc_of(timestamp);
+        cached.clear();
+        append_digits(&cached, static_cast<uint64_t>(t.year), 4);
+        cached.push_back('-');
+        append_digits(&cached, t.month, 2);
+        cached.push_back('-');
+        append_digits(&cached, t.day, 2);
+        cached.push_back(iso ? 'T' : ' ');
+        append_digits(&cached, t.hour, 2);
+        cached.push_back(':');
+        append_digits(&cached, t.minute, 2);
+        cached.push_back(':');
+        append_digits(&cached, t.second, 2);
+        cached.push_back('.');
+        cached_second = second;
+        cached_iso = iso;
+    }
+    out->append(cached);
+    uint64_t ms = timestamp % DIAG_TS_UNITS_PER_SECOND * MS_PER_SECOND / DIAG_TS_UNITS_PER_SECOND;
+    out->push_back(static_cast<char>('0' + ms / 100));
+    out->push_back(static_cast<char>('0' + ms / 10 % 10));
+    out->push_back(static_cast<char>('0' + ms % 10));
     if (iso) out->push_back('Z');
 }
 
