@@ -112,12 +112,11 @@ int main(int argc, char **argv)
         return REPLAY_EXIT_INPUT;
     }
     int status = REPLAY_EXIT_OK;
-    for (size_t i = 0; i < opts.inputs.size(); i++) {
-        bool stopped_here = g_replay_stop_signal != 0;
-        if (stopped_here) break;
+    for (size_t i = 0; i < opts.inputs.size() && !g_replay_stop_signal; i++) {
         replay_one(&session, opts.inputs[i], progress, &status);
-        if (g_replay_stop_signal && (i + 1 < opts.inputs.size() || session.counts().inputs_read < session.counts().inputs))
-            status = REPLAY_EXIT_SIGNAL_BASE + g_replay_stop_signal;
+        /* A stop ends the run; only a device read up to it counts as done. */
+        bool cut_short = i + 1 < opts.inputs.size() || session.counts().inputs_read < session.counts().inputs;
+        if (g_replay_stop_signal && cut_short) status = REPLAY_EXIT_SIGNAL_BASE + g_replay_stop_signal;
     }
     session.end();
     if (!session.write_summary()) {

@@ -134,14 +134,13 @@ void replay_session::add_record(uint32_t id, const uint8_t *data, uint32_t len)
 
 /* The 0xB887 parser keeps its newest record and frees the one before: a
  * record is new when the kept one changed during the packet. */
-void replay_session::kept_record_after(const diag_packet &pkt)
+void replay_session::kept_record_after()
 {
     const modem_stats_single_data_common_type *kept = modem_stats_b887_kept_record();
     if (!kept) return;
     bool same = kept == kept_ptr_before_ && kept->data_len == kept_before_.size() &&
                 memcmp(kept->data, kept_before_.data(), kept->data_len) == 0;
     if (!same) add_record(kept->data_id, kept->data, kept->data_len);
-    (void)pkt;
 }
 
 void replay_session::dispatch(const diag_packet &pkt)
@@ -158,7 +157,7 @@ void replay_session::dispatch(const diag_packet &pkt)
         kept_before_.assign(before ? reinterpret_cast<const char *>(before->data) : "", before ? before->data_len : 0);
     }
     modem_stats_diag_process_log_ex(length, pkt.code, pkt.sub, pkt.payload);
-    if (kept) kept_record_after(pkt);
+    if (kept) kept_record_after();
 }
 
 void replay_session::append_json(uint64_t number, const diag_packet &pkt)

@@ -62,7 +62,7 @@ private:
 
     void packet(const diag_packet &pkt);
     void dispatch(const diag_packet &pkt);
-    void kept_record_after(const diag_packet &pkt);
+    void kept_record_after();
     void add_record(uint32_t id, const uint8_t *data, uint32_t len);
     void append_json(uint64_t number, const diag_packet &pkt);
 
