@@ -74,7 +74,8 @@ diag_capture_format diag_capture_detect(const uint8_t *data, size_t len, bool co
     bool whole = false;
     bool broken = false;
     uint32_t records = dlf_chain(data, len, &whole, &broken);
-    bool dlf_fits = !broken && records > 0 && (whole || !complete || len >= DIAG_DETECT_WINDOW);
+    /* A last record cut short is allowed when others chain before it. */
+    bool dlf_fits = !broken && records > 0 && (whole || records >= 2 || !complete);
     if (ev.valid == 0 && dlf_fits && (complete || records >= DIAG_DETECT_DLF_RECORDS)) return DIAG_FORMAT_DLF;
     if (ev.valid >= DIAG_DETECT_HDLC_FRAMES || (ev.valid > 0 && (broken || complete))) return DIAG_FORMAT_HDLC;
     if (complete) return dlf_fits && ev.valid == 0 ? DIAG_FORMAT_DLF : DIAG_FORMAT_HDLC;

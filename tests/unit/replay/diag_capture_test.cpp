@@ -297,6 +297,7 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
         {"hdlc", hdlc_stream, DIAG_FORMAT_HDLC, 3},
         {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
         {"dlf", dlf_stream, DIAG_FORMAT_DLF, 40},
+        {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5), DIAG_FORMAT_DLF, 39},
         {"one dlf record", one_dlf, DIAG_FORMAT_DLF, 1},
         {"garbage", bytes(100, 0x42), DIAG_FORMAT_HDLC, 0},
     };
