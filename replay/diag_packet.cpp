@@ -88,6 +88,16 @@ const char *diag_skip_reason_name(diag_skip_reason reason)
     return reason < DIAG_SKIP_REASON_COUNT ? k_skip_names[reason] : "?";
 }
 
+uint64_t diag_expand_truncated_ts(uint64_t last_full, uint16_t ts16)
+{
+    constexpr uint64_t span = DIAG_EVENT_TRUNCATED_TS_SPAN;
+    uint64_t t = (last_full & ~(span - 1)) | (static_cast<uint64_t>(ts16) << DIAG_EVENT_TRUNCATED_TS_SHIFT);
+    /* The record may lie just across a wrap of the 24 bits, either way. */
+    if (t > last_full && t - last_full > span / 2 && t >= span) return t - span;
+    if (t < last_full && last_full - t > span / 2 && t <= UINT64_MAX - span) return t + span;
+    return t;
+}
+
 bool diag_parse_inner_log(const uint8_t *log, size_t len, uint8_t sub, diag_frame_state *state, diag_packet_fn fn,
                           void *ctx)
 {
@@ -134,7 +144,8 @@ bool diag_split_event_records(const uint8_t *body, size_t len, uint8_t sub, diag
             pkt.ts_short = 0;
             state->last_full_ts = diag_le64(rec + 2);
         }
-        pkt.timestamp = state->last_full_ts;
+        pkt.timestamp = pkt.ts_truncated ? diag_expand_truncated_ts(state->last_full_ts, pkt.ts_short)
+                                         : state->last_full_ts;
         pkt.length = payload_len;
         pkt.payload = payload_len ? rec + payload_at : k_no_payload;
         fn(ctx, pkt);

@@ -16,7 +16,9 @@
  *
  *   u16 word: bits 0-11 event id, bit 12 reserved, bits 13-14 payload
  *             length code, bit 15 truncated timestamp
- *   timestamp: u64, or u16 when bit 15 is set
+ *   timestamp: u64, or u16 when bit 15 is set: bits 8-23 of the full
+ *             timestamp (units of about 4.9 us, a 0.32 s span), the rest
+ *             taken from the last full timestamp of the stream
  *   payload:  code 0 none, 1 one byte, 2 two bytes,
  *             3 a u8 length L, then L bytes
  *
@@ -55,6 +57,9 @@ constexpr uint8_t DIAG_EVENT_LEN_CODE_TWO = 2;
 constexpr uint8_t DIAG_EVENT_LEN_CODE_COUNTED = 3;
 constexpr size_t DIAG_EVENT_FULL_TS_LEN = 8;
 constexpr size_t DIAG_EVENT_TRUNCATED_TS_LEN = 2;
+/* Bits of the full timestamp a truncated one carries: 8 to 23. */
+constexpr unsigned DIAG_EVENT_TRUNCATED_TS_SHIFT = 8;
+constexpr uint64_t DIAG_EVENT_TRUNCATED_TS_SPAN = 1ull << 24;
 
 /* Subscriptions the statistics dispatchers know: 0 and 1. */
 constexpr uint32_t DIAG_SUB_COUNT = 2;
@@ -77,8 +82,8 @@ struct diag_packet {
     uint8_t sub;            /* subscription: 0 or 1 */
     bool ts_truncated;      /* an event record's 2-byte timestamp */
     uint16_t ts_short;      /* that 2-byte value */
-    uint64_t timestamp;     /* the full timestamp (for a truncated one: the
-                               last full one seen before it) */
+    uint64_t timestamp;     /* the full timestamp (a truncated one completed
+                               from the last full one, nearest in time) */
     const uint8_t *payload; /* never null, even when `length` is 0 */
     size_t length;
 };
@@ -113,6 +118,10 @@ struct diag_frame_state {
     uint64_t last_full_ts = 0;                      /* stands in for truncated event timestamps */
     uint64_t other_frames[DIAG_COMMAND_VALUES] = {}; /* frames of other commands, by command */
 };
+
+/* The full timestamp of a truncated one (`ts16`, bits 8-23): the value
+ * with those bits nearest to `last_full`, the last full timestamp. */
+uint64_t diag_expand_truncated_ts(uint64_t last_full, uint16_t ts16);
 
 /* Hands every packet of one unescaped frame (CRC removed) to `fn`.
  * Returns DIAG_SKIP_REASON_COUNT when the frame was well formed (a frame of

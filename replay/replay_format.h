@@ -31,8 +31,8 @@ void replay_append_time(std::string *out, uint64_t timestamp, bool iso);
 /* Appends the header line of a packet (newline included):
  *   "#<n> <date> <time> UTC log 0xB193 length 528 sub 0"
  *   "#<n> <date> <time> UTC event 1606 length 1 sub 0"
- * An event record with a truncated timestamp shows the last full time and
- * ends with " ts16 0x1234". */
+ * An event record with a truncated timestamp ends with " ts16 0x1234"
+ * (its 16-bit value). */
 void replay_append_header(std::string *out, uint64_t number, const diag_packet &pkt);
 
 /* Appends `len` bytes as lower-case hex digits. */

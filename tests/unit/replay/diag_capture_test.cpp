@@ -192,16 +192,16 @@ TEST(CapturePackets, MultiSimWrapperGivesTheSubscription)
 }
 
 /* Records of every length code, with full and truncated timestamps; a
- * truncated one carries the last full timestamp. */
+ * truncated one (bits 8-23) is completed from the last full timestamp. */
 TEST(CapturePackets, EventReportSplitsEveryLengthCode)
 {
     bytes long_payload(200, 0x7E);
     std::vector<bytes> records = {
         event_record(629, 0x1000, false, {}),
-        event_record(1606, 0x2000, false, {4}),
-        event_record(1632, 0xABCD, true, {5, 6}),
-        event_record(3184, 0x3000, false, {1, 2, 3, 4, 5, 6, 7}),
-        event_record(3243, 0x1234, true, {}),
+        event_record(1606, 0x12345678, false, {4}),
+        event_record(1632, 0x3457, true, {5, 6}),
+        event_record(3184, 0x12FFFF00, false, {1, 2, 3, 4, 5, 6, 7}),
+        event_record(3243, 0x0001, true, {}), /* just past a wrap of the 24 bits */
         event_record(1995, 0x4000, false, long_payload),
         event_record(2568, 0x5555, true, {9}, true), /* counted form of one byte */
         event_record(4095, 0x6000, false, {}, true), /* counted form, length 0 */
@@ -216,12 +216,12 @@ TEST(CapturePackets, EventReportSplitsEveryLengthCode)
         bytes payload;
     } want[] = {
         {629, 0x1000, false, 0, {}},
-        {1606, 0x2000, false, 0, {4}},
-        {1632, 0x2000, true, 0xABCD, {5, 6}},
-        {3184, 0x3000, false, 0, {1, 2, 3, 4, 5, 6, 7}},
-        {3243, 0x3000, true, 0x1234, {}},
+        {1606, 0x12345678, false, 0, {4}},
+        {1632, 0x12345700, true, 0x3457, {5, 6}},
+        {3184, 0x12FFFF00, false, 0, {1, 2, 3, 4, 5, 6, 7}},
+        {3243, 0x13000100, true, 0x0001, {}},
         {1995, 0x4000, false, 0, long_payload},
-        {2568, 0x4000, true, 0x5555, {9}},
+        {2568, 0x555500, true, 0x5555, {9}},
         {4095, 0x6000, false, 0, {}},
     };
     for (size_t i = 0; i < records.size(); i++) {
@@ -233,6 +233,28 @@ TEST(CapturePackets, EventReportSplitsEveryLengthCode)
         EXPECT_EQ(p.ts_short, want[i].ts_short) << i;
         EXPECT_EQ(p.payload, want[i].payload) << i;
     }
+    /* A log packet's timestamp is a full one too. */
+    r = read_stream(concat({frame(log_packet(0xB193, 0xABCDEF12345678ull, {})),
+                            frame(event_report({event_record(1606, 0x3500, true, {1})}))}),
+                    DIAG_FORMAT_HDLC);
+    ASSERT_EQ(r.packets.size(), 2u);
+    EXPECT_EQ(r.packets[1].timestamp, 0xABCDEF12350000ull);
+}
+
+TEST(CapturePackets, TruncatedTimestampTakesTheNearestFullValue)
+{
+    struct {
+        uint64_t last;
+        uint16_t ts16;
+        uint64_t want;
+    } cases[] = {
+        {0x12345678, 0x3457, 0x12345700},
+        {0x12FFFF00, 0x0001, 0x13000100},          /* forward across the wrap */
+        {0x13000100, 0xFFFF, 0x12FFFF00},          /* backward across it */
+        {0, 0xFFFF, 0xFFFF00},                     /* nothing below zero */
+        {UINT64_MAX, 0, 0xFFFFFFFFFF000000ull},    /* nothing above the top */
+    };
+    for (const auto &c : cases) EXPECT_EQ(diag_expand_truncated_ts(c.last, c.ts16), c.want) << std::hex << c.last;
 }
 
 TEST(CapturePackets, EventReportThatDoesNotFitHandsOverNothing)
