@@ -172,7 +172,7 @@ summary_tables parse_summary(const std::string &out)
     return t;
 }
 
-child spawn(const std::vector<std::string> &argv, int stdin_fd)
+child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
 {
     child c;
     int out[2], err[2];
@@ -185,7 +185,7 @@ child spawn(const std::vector<std::string> &argv, int stdin_fd)
         int in = stdin_fd >= 0 ? stdin_fd : open("/dev/null", O_RDONLY);
         dup2(in, STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
-        dup2(err[1], STDERR_FILENO);
+        dup2(stderr_fd >= 0 ? stderr_fd : err[1], STDERR_FILENO);
         execv(args[0], args.data());
         _exit(127);
     }
@@ -193,8 +193,12 @@ child spawn(const std::vector<std::string> &argv, int stdin_fd)
     close(err[1]);
     c.out = out[0];
     c.err = err[0];
+    if (stderr_fd >= 0) {
+        close(c.err);
+        c.err = -1;
+    }
     set_nonblocking(c.out);
-    set_nonblocking(c.err);
+    if (c.err >= 0) set_nonblocking(c.err);
     return c;
 }
 
@@ -213,7 +217,7 @@ bool read_until(const child &c, const std::string &needle, int timeout_ms, std::
 int finish(child *c, int timeout_ms, std::string *out, std::string *err)
 {
     long long deadline = now_ms() + timeout_ms;
-    bool out_open = true, err_open = true;
+    bool out_open = true, err_open = c->err >= 0;
     while (out_open || err_open) {
         long long left = deadline - now_ms();
         if (left <= 0) {
@@ -228,7 +232,7 @@ int finish(child *c, int timeout_ms, std::string *out, std::string *err)
     int status = -1;
     waitpid(c->pid, &status, 0);
     close(c->out);
-    close(c->err);
+    if (c->err >= 0) close(c->err);
     c->pid = -1;
     return status;
 }

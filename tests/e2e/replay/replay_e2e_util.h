@@ -51,8 +51,10 @@ struct child {
     int err = -1;
 };
 
-/* Starts `argv` with `stdin_fd` as its standard input (-1: /dev/null). */
-child spawn(const std::vector<std::string> &argv, int stdin_fd);
+/* Starts `argv` with `stdin_fd` as its standard input (-1: /dev/null) and,
+ * when `stderr_fd` is not -1, that as its standard error (c.err is then
+ * -1). */
+child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd = -1);
 
 /* Reads the child's standard output into *acc until it holds `needle` or
  * `timeout_ms` passes; true when found. */

@@ -4,6 +4,7 @@
  * summarised too but reports the interruption. */
 #include <gtest/gtest.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -45,21 +46,51 @@ bool write_all(int fd, const bytes &data)
     return true;
 }
 
+/* A pseudo terminal in raw mode.  The test holds the slave side open, so
+ * that bytes written before the program opens it wait there unchanged. */
+struct pty {
+    int master = -1;
+    int slave = -1;
+    std::string slave_path;
+    ~pty()
+    {
+        if (slave >= 0) close(slave);
+        if (master >= 0) close(master);
+    }
+};
+
+bool open_pty(pty *p)
+{
+    p->master = posix_openpt(O_RDWR | O_NOCTTY);
+    if (p->master < 0 || grantpt(p->master) != 0 || unlockpt(p->master) != 0) return false;
+    p->slave_path = ptsname(p->master);
+    p->slave = open(p->slave_path.c_str(), O_RDWR | O_NOCTTY);
+    struct termios raw;
+    if (p->slave < 0 || tcgetattr(p->slave, &raw) != 0) return false;
+    cfmakeraw(&raw);
+    return tcsetattr(p->slave, TCSANOW, &raw) == 0;
+}
+
+/* What the master side has to read now. */
+std::string read_master(int master)
+{
+    std::string text;
+    char buf[4096];
+    struct pollfd p = {master, POLLIN, 0};
+    while (poll(&p, 1, 0) > 0 && (p.revents & POLLIN)) {
+        ssize_t n = read(master, buf, sizeof(buf));
+        if (n <= 0) break;
+        text.append(buf, size_t(n));
+    }
+    return text;
+}
+
 TEST(ReplayLive, SerialDeviceIsReadUntilInterruptedAndSummarised)
 {
-    int master = posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_GE(master, 0);
-    ASSERT_EQ(grantpt(master), 0);
-    ASSERT_EQ(unlockpt(master), 0);
-    std::string slave_path = ptsname(master);
-    /* Held open (and raw) by the test so that bytes written before the
-     * program opens the device wait for it unchanged. */
-    int slave = open(slave_path.c_str(), O_RDWR | O_NOCTTY);
-    ASSERT_GE(slave, 0);
-    struct termios raw;
-    ASSERT_EQ(tcgetattr(slave, &raw), 0);
-    cfmakeraw(&raw);
-    ASSERT_EQ(tcsetattr(slave, TCSANOW, &raw), 0);
+    pty tty;
+    ASSERT_TRUE(open_pty(&tty));
+    int master = tty.master;
+    std::string slave_path = tty.slave_path;
 
     child c = spawn({RLK_REPLAY_BINARY, slave_path}, -1);
     ASSERT_GT(c.pid, 0);
@@ -69,8 +100,6 @@ TEST(ReplayLive, SerialDeviceIsReadUntilInterruptedAndSummarised)
     EXPECT_TRUE(read_until(c, "#4 ", k_wait_ms, &out)) << out;
     kill(c.pid, SIGINT);
     int status = finish(&c, k_wait_ms, &out, &err);
-    close(slave);
-    close(master);
 
     ASSERT_TRUE(WIFEXITED(status)) << status;
     EXPECT_EQ(WEXITSTATUS(status), 0) << err;
@@ -92,7 +121,7 @@ TEST(ReplayLive, SerialDeviceIsReadUntilInterruptedAndSummarised)
 TEST(ReplayLive, InterruptedPipeIsSummarisedWithTheSignalStatus)
 {
     int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
+    ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
     child c = spawn({RLK_REPLAY_BINARY, "--json", "-"}, fds[0]);
     close(fds[0]);
     ASSERT_GT(c.pid, 0);
@@ -106,6 +135,33 @@ TEST(ReplayLive, InterruptedPipeIsSummarisedWithTheSignalStatus)
     EXPECT_EQ(WEXITSTATUS(status), 128 + SIGTERM);
     EXPECT_NE(out.find("{\"type\":\"summary\",\"inputs\":1,\"inputs_read\":0,"), std::string::npos) << out;
     EXPECT_EQ(err, "rlk-replay: -: interrupted before its end\n");
+}
+
+/* Progress goes to a standard error that is a terminal: a line after a
+ * chunk that comes more than 250 ms after the last one, cleared at the
+ * end. */
+TEST(ReplayLive, ProgressLineOnATerminal)
+{
+    pty tty;
+    ASSERT_TRUE(open_pty(&tty));
+    int fds[2];
+    ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
+    child c = spawn({RLK_REPLAY_BINARY, "-s", "-"}, fds[0], tty.slave);
+    close(fds[0]);
+    ASSERT_GT(c.pid, 0);
+    bytes frames = live_frames();
+    ASSERT_TRUE(write_all(fds[1], frames));
+    usleep(300 * 1000); /* just past the interval between progress lines */
+    ASSERT_TRUE(write_all(fds[1], frames));
+    close(fds[1]);
+    std::string out, err;
+    int status = finish(&c, k_wait_ms, &out, &err);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    std::string shown = read_master(tty.master);
+    EXPECT_NE(shown.find("\rrlk-replay: -: 0.0 MB, 8 packets\033[K"), std::string::npos) << shown;
+    EXPECT_EQ(shown.substr(shown.size() - 4), "\r\033[K") << shown;
+    EXPECT_NE(parse_summary(out).first_line.find(", 8 packets"), std::string::npos) << out;
 }
 
 }  // namespace
