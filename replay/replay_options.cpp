@@ -49,9 +49,11 @@ const char k_help[] =
 bool parse_code(const std::string &text, unsigned long max, unsigned long *value)
 {
     if (text.empty() || text[0] == '-' || text[0] == '+') return false;
+    /* A leading zero is still decimal (strtoul's base 0 would read octal). */
+    bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
     errno = 0;
     char *end = nullptr;
-    unsigned long v = strtoul(text.c_str(), &end, 0);
+    unsigned long v = strtoul(text.c_str(), &end, hex ? 16 : 10);
     if (errno != 0 || *end != '\0' || v > max) return false;
     *value = v;
     return true;

@@ -125,6 +125,9 @@ TEST(ReplayOptions, FormsThatParse)
     EXPECT_TRUE(o.events[4095]);
     EXPECT_FALSE(o.events[1632]);
 
+    o = parse_ok({"--event", "01606", "x"});
+    EXPECT_TRUE(o.events[1606]); /* decimal despite the leading zero */
+
     o = parse_ok({"--help"});
     EXPECT_TRUE(o.help);
     o = parse_ok({"-f", "hdlc", "--no-progress", "/dev/ttyUSB0"});
@@ -148,6 +151,8 @@ TEST(ReplayOptions, UsageErrorsSayWhat)
         {{"--log", "-1", "x"}, "invalid log code '-1'"},
         {{"--event", "4096", "x"}, "invalid event id '4096'"},
         {{"--event", "16o6", "x"}, "invalid event id '16o6'"},
+        {{"--log", "0x", "x"}, "invalid log code '0x'"},
+        {{"--log", "B193", "x"}, "invalid log code 'B193'"},
         {{"--format", "pcap", "x"}, "unknown format 'pcap'"},
         {{"-s", "-j", "x"}, "exclude each other"},
         {{"--json=1", "x"}, "takes no value"},
