@@ -113,9 +113,9 @@ int main(int argc, char **argv)
     }
     int status = REPLAY_EXIT_OK;
     for (size_t i = 0; i < opts.inputs.size() && !g_replay_stop_signal; i++) {
-        replay_one(&session, opts.inputs[i], progress, &status);
+        bool done = replay_one(&session, opts.inputs[i], progress, &status);
         /* A stop ends the run; only a device read up to it counts as done. */
-        bool cut_short = i + 1 < opts.inputs.size() || session.counts().inputs_read < session.counts().inputs;
+        bool cut_short = !done || i + 1 < opts.inputs.size();
         if (g_replay_stop_signal && cut_short) status = REPLAY_EXIT_SIGNAL_BASE + g_replay_stop_signal;
     }
     session.end();
