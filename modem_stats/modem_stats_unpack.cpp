@@ -19,6 +19,8 @@ static_assert(MODEM_STATS_PK_BUF_SLACK >= sizeof(uint64_t), "slack holds the wid
 
 namespace {
 
+modem_stats_version_observer_fn g_version_observer = nullptr;
+
 /* Positioning limit: 2000 after a start, 0 before the first one. */
 int32_t unpk_pos_limit(void)
 {
@@ -189,6 +191,12 @@ void modem_stats_version_not_support(int32_t version, const char *parser)
     g_pk_version_not_support_num++;
     printf("VERSION_NOT_SUPPORT, version(%d), not_support_num(%lu), name(%s), id(0x%x)\n", version,
            static_cast<unsigned long>(g_pk_version_not_support_num), parser, g_pk_data_id);
+    if (g_version_observer) g_version_observer(g_pk_data_id, version);
+}
+
+void modem_stats_set_version_observer(modem_stats_version_observer_fn observer)
+{
+    g_version_observer = observer;
 }
 
 void modem_stats_data_not_valid(int32_t value, const char *parser)

@@ -218,6 +218,12 @@ bool modem_stats_bit_pos_set(int32_t bit);
  * with the new count and the parser's name. */
 void modem_stats_version_not_support(int32_t version, const char *parser);
 
+/* Called with the packet's id and the refused version each time a version
+ * is refused, after its line; null (the default) calls nothing.  Lets a
+ * capture replay count refusals without reading the printed text. */
+typedef void (*modem_stats_version_observer_fn)(uint32_t id, int32_t version);
+void modem_stats_set_version_observer(modem_stats_version_observer_fn observer);
+
 /* Prints "DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)": the packet carries
  * nothing to record. */
 void modem_stats_data_not_valid(int32_t value, const char *parser);

@@ -46,6 +46,35 @@ TEST(HdlcCrc, KnownAnswers)
     EXPECT_EQ(hdlc_crc16(nullptr, 0), 0x0000);
 }
 
+/* The CRC works on eight bytes at a time: every length around and across
+ * those blocks, and every byte value in every slot of a block, agree with
+ * the bit-by-bit definition. */
+TEST(HdlcCrc, BlocksAgreeWithBitwiseDefinition)
+{
+    auto bitwise = [](const bytes &d) {
+        uint16_t crc = 0xFFFF;
+        for (uint8_t b : d) {
+            crc ^= b;
+            for (int i = 0; i < 8; i++) crc = (crc & 1) ? uint16_t((crc >> 1) ^ 0x8408) : uint16_t(crc >> 1);
+        }
+        return uint16_t(crc ^ 0xFFFF);
+    };
+    bytes d;
+    uint32_t seed = 12345;
+    for (size_t len = 0; len <= 40; len++) {
+        EXPECT_EQ(hdlc_crc16(d.data(), d.size()), bitwise(d)) << "length " << len;
+        seed = seed * 1103515245u + 12345u;
+        d.push_back(uint8_t(seed >> 16));
+    }
+    for (size_t slot = 0; slot < 8; slot++) {
+        for (unsigned v = 0; v < 256; v++) {
+            bytes block(9, 0x5A);
+            block[slot] = uint8_t(v);
+            ASSERT_EQ(hdlc_crc16(block.data(), block.size()), bitwise(block)) << slot << " " << v;
+        }
+    }
+}
+
 TEST(HdlcEncode, PlainPayloadIsPayloadCrcLowFirstAndFlag)
 {
     bytes p = {0x00, 0x01, 0x02};

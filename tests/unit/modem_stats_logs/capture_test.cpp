@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "log_test_util.h"
-#include "mi2log_reader.h"
+#include "capture_files.h"
 
 using log_test::fmt;
 using log_test::run_log;
@@ -18,13 +18,13 @@ namespace {
 class CaptureTest : public testing::Test {
 protected:
     /* The log packets of one capture file; skips when it is absent. */
-    std::vector<mi2log_log_packet> logs_of(const std::string &file, uint16_t code)
+    std::vector<capture_log_packet> logs_of(const std::string &file, uint16_t code)
     {
         std::string path = log_test::capture_path(file);
         if (path.empty()) return {};
-        std::vector<mi2log_log_packet> all;
-        EXPECT_TRUE(mi2log_read_logs(path, &all)) << path;
-        return mi2log_logs_of(all, code);
+        std::vector<capture_log_packet> all;
+        EXPECT_TRUE(capture_read_logs(path, &all)) << path;
+        return capture_logs_of(all, code);
     }
     void SetUp() override
     {
@@ -43,7 +43,7 @@ bool contains(const std::string &text, const std::string &part)
  * raw/16 - 30 dB, RSSI = raw/16 - 110 dBm, SNR = raw/10 - 20 dB). */
 TEST_F(CaptureTest, AttServingCellMeasurementVersion19)
 {
-    std::vector<mi2log_log_packet> b193 = logs_of("att.mi2log", 0xB193);
+    std::vector<capture_log_packet> b193 = logs_of("att.mi2log", 0xB193);
     ASSERT_EQ(b193.size(), 1091u);
 
     log_test::run_result pcell = run_log(0xB193, b193[0].payload);
@@ -78,7 +78,7 @@ TEST_F(CaptureTest, AttServingCellMeasurementVersion19)
 
 TEST_F(CaptureTest, EveryAttServingCellPacketMakesOneRecord)
 {
-    std::vector<mi2log_log_packet> b193 = logs_of("att.mi2log", 0xB193);
+    std::vector<capture_log_packet> b193 = logs_of("att.mi2log", 0xB193);
     ASSERT_FALSE(b193.empty());
     for (size_t i = 0; i < b193.size(); i++) {
         log_test::run_result r = run_log(0xB193, b193[i].payload);
@@ -92,7 +92,7 @@ TEST_F(CaptureTest, EveryAttServingCellPacketMakesOneRecord)
 /* Sub-packet version 18 (offsets at odd bytes, 11-bit RSRP). */
 TEST_F(CaptureTest, OfflineServingCellMeasurementVersion18)
 {
-    std::vector<mi2log_log_packet> b193 = logs_of("offline_log_example.mi2log", 0xB193);
+    std::vector<capture_log_packet> b193 = logs_of("offline_log_example.mi2log", 0xB193);
     ASSERT_EQ(b193.size(), 46u);
     log_test::run_result r = run_log(0xB193, b193[0].payload);
     EXPECT_TRUE(contains(r.out, "subpacket_id = 25, version_ssmr = 18\n")) << r.out;
@@ -111,7 +111,7 @@ TEST_F(CaptureTest, OfflineServingCellMeasurementVersion18)
 /* Version 3: PCI 185, EARFCN 5780/23780, 50 RBs, band 17, PLMN 310-410. */
 TEST_F(CaptureTest, AttRrcServingCellInfoVersion3)
 {
-    std::vector<mi2log_log_packet> b0c2 = logs_of("att.mi2log", 0xB0C2);
+    std::vector<capture_log_packet> b0c2 = logs_of("att.mi2log", 0xB0C2);
     ASSERT_EQ(b0c2.size(), 2u);
     log_test::run_result r = run_log(0xB0C2, b0c2[0].payload);
     EXPECT_TRUE(contains(r.out, "version = 3, mcc = 310, mnc_num 3, mnc 410, ")) << r.out;
@@ -128,7 +128,7 @@ TEST_F(CaptureTest, AttRrcServingCellInfoVersion3)
  * 18 in two of them. */
 TEST_F(CaptureTest, AttMacUlTransportBlocks)
 {
-    std::vector<mi2log_log_packet> b064 = logs_of("att.mi2log", 0xB064);
+    std::vector<capture_log_packet> b064 = logs_of("att.mi2log", 0xB064);
     ASSERT_EQ(b064.size(), 86u);
     log_test::run_result r = run_log(0xB064, b064[0].payload);
     EXPECT_TRUE(contains(r.out, "LTE FSSR: [0][0], pad = 21, grant = 26, sfn_grant = 19.23, sfn_full = 0.00\n"))
@@ -149,9 +149,9 @@ TEST_F(CaptureTest, AttMacUlTransportBlocks)
  * with 7- and 15-bit lengths. */
 TEST_F(CaptureTest, OfflineMacUlTransportBlocks)
 {
-    std::vector<mi2log_log_packet> b064 = logs_of("offline_log_example.mi2log", 0xB064);
+    std::vector<capture_log_packet> b064 = logs_of("offline_log_example.mi2log", 0xB064);
     ASSERT_EQ(b064.size(), 3u);
-    for (const mi2log_log_packet &p : b064) {
+    for (const capture_log_packet &p : b064) {
         log_test::run_result r = run_log(0xB064, p.payload);
         EXPECT_EQ(r.records.size(), 1u) << r.out;
         EXPECT_FALSE(contains(r.out, "error")) << r.out;
@@ -165,7 +165,7 @@ TEST_F(CaptureTest, OfflineMacUlTransportBlocks)
  * parser does not decode. */
 TEST_F(CaptureTest, OfflineRachAttemptOfAnotherVersionIsRefused)
 {
-    std::vector<mi2log_log_packet> b062 = logs_of("offline_log_example.mi2log", 0xB062);
+    std::vector<capture_log_packet> b062 = logs_of("offline_log_example.mi2log", 0xB062);
     ASSERT_EQ(b062.size(), 1u);
     log_test::run_result r = run_log(0xB062, b062[0].payload);
     EXPECT_TRUE(contains(r.out, "VERSION_NOT_SUPPORT, version(2), not_support_num(")) << r.out;

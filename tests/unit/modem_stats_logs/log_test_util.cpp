@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "mi2log_reader.h"
+#include "capture_files.h"
 #include "modem_stats_dispatch.h"
 #include "modem_stats_unpack.h"
 #include "../modem_stats/stats_test_util.h"
@@ -152,7 +152,7 @@ std::string parser_name(uint16_t code)
 
 std::string capture_path(const std::string &file)
 {
-    std::string dir = mi2log_captures_dir();
+    std::string dir = capture_files_dir();
     return dir.empty() ? "" : dir + "/" + file;
 }
 

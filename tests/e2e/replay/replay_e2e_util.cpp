@@ -1,0 +1,240 @@
+#include "replay_e2e_util.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <sstream>
+
+namespace replay_e2e {
+
+namespace {
+
+uint16_t crc_bitwise(const bytes &d, size_t n)
+{
+    uint16_t crc = 0xFFFF;
+    for (size_t i = 0; i < n; i++) {
+        crc ^= d[i];
+        for (int b = 0; b < 8; b++) crc = (crc & 1) ? uint16_t((crc >> 1) ^ 0x8408) : uint16_t(crc >> 1);
+    }
+    return uint16_t(~crc);
+}
+
+uint64_t le(const bytes &d, size_t at, int n)
+{
+    uint64_t v = 0;
+    for (int i = n - 1; i >= 0; i--) v = (v << 8) | d[at + size_t(i)];
+    return v;
+}
+
+void scan_events(const bytes &p, capture_scan *scan)
+{
+    size_t end = 3 + size_t(le(p, 1, 2));
+    size_t at = 3;
+    while (at + 2 <= end && end <= p.size()) {
+        uint16_t word = uint16_t(le(p, at, 2));
+        at += 2 + ((word & 0x8000) ? 2 : 8);
+        int code = (word >> 13) & 3;
+        if (code == 3) {
+            at += 1 + (at < p.size() ? p[at] : 0);
+        } else {
+            at += size_t(code);
+        }
+        if (at > end) break;
+        scan->events[word & 0xFFF]++;
+    }
+}
+
+void scan_frame(bytes p, capture_scan *scan)
+{
+    if (!p.empty() && p[0] == 0x98) p.erase(p.begin(), p.begin() + std::min<size_t>(8, p.size()));
+    if (p.size() >= 16 && p[0] == 0x10) {
+        size_t log_len = size_t(le(p, 4, 2));
+        uint16_t code = uint16_t(le(p, 6, 2));
+        scan->logs[code]++;
+        scan->log_packets.push_back({code, le(p, 8, 8), bytes(p.begin() + 16, p.begin() + long(4 + log_len))});
+    } else if (p.size() >= 3 && p[0] == 0x60) {
+        scan_events(p, scan);
+    }
+}
+
+void set_nonblocking(int fd)
+{
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+}
+
+long long now_ms()
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts.tv_sec * 1000LL + ts.tv_nsec / 1000000;
+}
+
+/* Moves what is readable from `fd` into *acc; false at end of file. */
+bool drain(int fd, std::string *acc)
+{
+    char buf[65536];
+    while (true) {
+        ssize_t n = read(fd, buf, sizeof(buf));
+        if (n > 0) {
+            acc->append(buf, size_t(n));
+            continue;
+        }
+        return n < 0;
+    }
+}
+
+}  // namespace
+
+bytes read_file(const std::string &path)
+{
+    bytes data;
+    FILE *f = fopen(path.c_str(), "rb");
+    if (!f) return data;
+    uint8_t buf[65536];
+    size_t n;
+    while ((n = fread(buf, 1, sizeof(buf), f)) > 0) data.insert(data.end(), buf, buf + n);
+    fclose(f);
+    return data;
+}
+
+bool write_file(const std::string &path, const bytes &data)
+{
+    FILE *f = fopen(path.c_str(), "wb");
+    if (!f) return false;
+    bool ok = fwrite(data.data(), 1, data.size(), f) == data.size();
+    return fclose(f) == 0 && ok;
+}
+
+capture_scan scan_capture(const bytes &capture)
+{
+    capture_scan scan;
+    bytes frame;
+    bool escaped = false;
+    for (uint8_t b : capture) {
+        if (b == 0x7E) {
+            if (frame.size() >= 3 && !escaped && crc_bitwise(frame, frame.size() - 2) == le(frame, frame.size() - 2, 2)) {
+                frame.resize(frame.size() - 2);
+                scan_frame(frame, &scan);
+            } else if (!frame.empty()) {
+                scan.bad_frames++;
+            }
+            frame.clear();
+            escaped = false;
+        } else if (escaped) {
+            frame.push_back(uint8_t(b ^ 0x20));
+            escaped = false;
+        } else if (b == 0x7D) {
+            escaped = true;
+        } else {
+            frame.push_back(b);
+        }
+    }
+    return scan;
+}
+
+summary_tables parse_summary(const std::string &out)
+{
+    summary_tables t;
+    size_t at = out.rfind("\nsummary: ");
+    if (at == std::string::npos) {
+        if (out.compare(0, 9, "summary: ") != 0) return t;
+        at = 0;
+    } else {
+        at++;
+    }
+    t.found = true;
+    std::istringstream in(out.substr(at));
+    std::string line;
+    std::getline(in, t.first_line);
+    std::map<uint32_t, uint64_t> *table = nullptr;
+    bool hex = false;
+    while (std::getline(in, line)) {
+        if (line.compare(0, 2, "  ") != 0) {
+            table = nullptr;
+            if (line == "log packets per code:") table = &t.logs, hex = true;
+            if (line == "event records per id:") table = &t.events, hex = false;
+            if (line == "records made per data id:") table = &t.records, hex = false;
+            continue;
+        }
+        if (!table) continue;
+        std::istringstream fields(line);
+        std::string key;
+        uint64_t count = 0;
+        fields >> key >> count;
+        (*table)[uint32_t(strtoul(key.c_str(), nullptr, hex ? 16 : 10))] = count;
+    }
+    return t;
+}
+
+child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
+{
+    child c;
+    int out[2], err[2];
+    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return c;
+    std::vector<char *> args;
+    for (const std::string &a : argv) args.push_back(const_cast<char *>(a.c_str()));
+    args.push_back(nullptr);
+    c.pid = fork();
+    if (c.pid == 0) {
+        int in = stdin_fd >= 0 ? stdin_fd : open("/dev/null", O_RDONLY);
+        dup2(in, STDIN_FILENO);
+        dup2(out[1], STDOUT_FILENO);
+        dup2(stderr_fd >= 0 ? stderr_fd : err[1], STDERR_FILENO);
+        execv(args[0], args.data());
+        _exit(127);
+    }
+    close(out[1]);
+    close(err[1]);
+    c.out = out[0];
+    c.err = err[0];
+    if (stderr_fd >= 0) {
+        close(c.err);
+        c.err = -1;
+    }
+    set_nonblocking(c.out);
+    if (c.err >= 0) set_nonblocking(c.err);
+    return c;
+}
+
+bool read_until(const child &c, const std::string &needle, int timeout_ms, std::string *acc)
+{
+    long long deadline = now_ms() + timeout_ms;
+    while (acc->find(needle) == std::string::npos) {
+        long long left = deadline - now_ms();
+        if (left <= 0) return false;
+        struct pollfd p = {c.out, POLLIN, 0};
+        if (poll(&p, 1, int(left)) > 0 && !drain(c.out, acc)) return acc->find(needle) != std::string::npos;
+    }
+    return true;
+}
+
+int finish(child *c, int timeout_ms, std::string *out, std::string *err)
+{
+    long long deadline = now_ms() + timeout_ms;
+    bool out_open = true, err_open = c->err >= 0;
+    while (out_open || err_open) {
+        long long left = deadline - now_ms();
+        if (left <= 0) {
+            kill(c->pid, SIGKILL);
+            break;
+        }
+        struct pollfd p[2] = {{out_open ? c->out : -1, POLLIN, 0}, {err_open ? c->err : -1, POLLIN, 0}};
+        if (poll(p, 2, int(left)) <= 0) continue;
+        if (out_open && p[0].revents) out_open = drain(c->out, out);
+        if (err_open && p[1].revents) err_open = drain(c->err, err);
+    }
+    int status = -1;
+    waitpid(c->pid, &status, 0);
+    close(c->out);
+    if (c->err >= 0) close(c->err);
+    c->pid = -1;
+    return status;
+}
+
+}  // namespace replay_e2e

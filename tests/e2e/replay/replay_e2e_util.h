@@ -1,0 +1,69 @@
+/* Helpers of the rlk-replay end-to-end tests: an independent scan of a
+ * capture (written apart from the product's reader: whole file in memory,
+ * split on every flag, bit-by-bit CRC), the summary the program prints read
+ * back into numbers, and a child process the test can signal. */
+#ifndef RLK_REPLAY_E2E_UTIL_H
+#define RLK_REPLAY_E2E_UTIL_H
+
+#include <stdint.h>
+#include <sys/types.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace replay_e2e {
+
+using bytes = std::vector<uint8_t>;
+
+struct scanned_log {
+    uint16_t code;
+    uint64_t timestamp;
+    bytes payload;
+};
+
+struct capture_scan {
+    std::map<uint32_t, uint64_t> logs;   /* log packets per code */
+    std::map<uint32_t, uint64_t> events; /* event records per id */
+    std::vector<scanned_log> log_packets;
+    uint64_t bad_frames = 0;
+};
+
+bytes read_file(const std::string &path);
+bool write_file(const std::string &path, const bytes &data);
+
+/* Counts what a capture holds, independently of the product. */
+capture_scan scan_capture(const bytes &capture);
+
+/* The tables of the text summary: "log packets per code" (keys parsed as
+ * hex), "event records per id", "records made per data id". */
+struct summary_tables {
+    bool found = false;
+    std::string first_line;
+    std::map<uint32_t, uint64_t> logs, events, records;
+};
+summary_tables parse_summary(const std::string &out);
+
+/* A running rlk-replay with its standard output and error as pipes. */
+struct child {
+    pid_t pid = -1;
+    int out = -1;
+    int err = -1;
+};
+
+/* Starts `argv` with `stdin_fd` as its standard input (-1: /dev/null) and,
+ * when `stderr_fd` is not -1, that as its standard error (c.err is then
+ * -1). */
+child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd = -1);
+
+/* Reads the child's standard output into *acc until it holds `needle` or
+ * `timeout_ms` passes; true when found. */
+bool read_until(const child &c, const std::string &needle, int timeout_ms, std::string *acc);
+
+/* Waits up to `timeout_ms` for the child's end (killing it after that),
+ * reading the rest of its output; returns the wait status. */
+int finish(child *c, int timeout_ms, std::string *out, std::string *err);
+
+}  // namespace replay_e2e
+
+#endif

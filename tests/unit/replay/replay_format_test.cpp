@@ -1,0 +1,168 @@
+/* Output texts of the replay: UTC times of diag timestamps, header lines,
+ * JSON strings and hex; and the command line. */
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "replay_format.h"
+#include "replay_options.h"
+
+namespace {
+
+/* A timestamp `seconds` after 1980-01-06 00:00:00 plus `ms` milliseconds. */
+uint64_t ts_of(uint64_t seconds, uint64_t ms)
+{
+    return seconds * DIAG_TS_UNITS_PER_SECOND + (ms * DIAG_TS_UNITS_PER_SECOND + 999) / 1000;
+}
+
+std::string time_text(uint64_t ts, bool iso = false)
+{
+    std::string s;
+    replay_append_time(&s, ts, iso);
+    return s;
+}
+
+TEST(ReplayTime, CalendarAndMilliseconds)
+{
+    constexpr uint64_t DAY = 86400;
+    struct {
+        uint64_t ts;
+        const char *text;
+    } cases[] = {
+        {0, "1980-01-06 00:00:00.000"},
+        {ts_of(DAY - 1, 999), "1980-01-06 23:59:59.999"},
+        {ts_of(25 * DAY, 0), "1980-01-31 00:00:00.000"},
+        {ts_of(54 * DAY, 0), "1980-02-29 00:00:00.000"},  /* 1980 is a leap year */
+        {ts_of(55 * DAY, 0), "1980-03-01 00:00:00.000"},
+        {ts_of(7359 * DAY, 0), "2000-02-29 00:00:00.000"}, /* leap by the 400-year rule */
+        /* 2016-01-17 03:40:41 UTC is Unix 1453002041. */
+        {ts_of(1453002041 - 315964800, 642), "2016-01-17 03:40:41.642"},
+        {ts_of(4102444800 - 315964800 - 1, 500), "2099-12-31 23:59:59.500"},
+        /* The sub-millisecond rest never rounds up. */
+        {ts_of(0, 1) - 1, "1980-01-06 00:00:00.000"},
+    };
+    for (const auto &c : cases) EXPECT_EQ(time_text(c.ts), c.text) << c.ts;
+    /* The same second twice, then the ISO form of it. */
+    EXPECT_EQ(time_text(ts_of(100, 5)), "1980-01-06 00:01:40.005");
+    EXPECT_EQ(time_text(ts_of(100, 6), true), "1980-01-06T00:01:40.006Z");
+    EXPECT_EQ(time_text(ts_of(100, 7)), "1980-01-06 00:01:40.007");
+    /* 2^64 units are about 11149 years. */
+    EXPECT_EQ(time_text(UINT64_MAX).substr(0, 5), "13129");
+}
+
+TEST(ReplayHeader, LogEventAndTruncatedTimestamp)
+{
+    const uint8_t byte = 0;
+    diag_packet log = {DIAG_PACKET_LOG, 0xB193, 1, false, 0, ts_of(60, 250), &byte, 528};
+    diag_packet event = {DIAG_PACKET_EVENT, 1606, 0, false, 0, ts_of(61, 0), &byte, 1};
+    diag_packet truncated = event;
+    truncated.ts_truncated = true;
+    truncated.ts_short = 0x0abc;
+    truncated.length = 0;
+    std::string s;
+    replay_append_header(&s, 7, log);
+    replay_append_header(&s, 8, event);
+    replay_append_header(&s, 9, truncated);
+    EXPECT_EQ(s,
+              "#7 1980-01-06 00:01:00.250 UTC log 0xB193 length 528 sub 1\n"
+              "#8 1980-01-06 00:01:01.000 UTC event 1606 length 1 sub 0\n"
+              "#9 1980-01-06 00:01:01.000 UTC event 1606 length 0 sub 0 ts16 0x0abc\n");
+}
+
+TEST(ReplayJson, StringsEscapeWhatJsonRequires)
+{
+    struct {
+        std::string in;
+        const char *out;
+    } cases[] = {
+        {"plain text = 1, x(2)", "\"plain text = 1, x(2)\""},
+        {"q\"b\\s/", "\"q\\\"b\\\\s/\""},
+        {std::string("nl\n cr\r tab\t nul") + '\0' + "\x01\x1f", "\"nl\\n cr\\r tab\\t nul\\u0000\\u0001\\u001f\""},
+        {"caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6", "\"caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6\""},
+        /* Not UTF-8: a lone continuation byte, a cut sequence, an overlong
+         * form and an encoded surrogate keep their byte values. */
+        {"\x80", "\"\\u0080\""},
+        {"a\xc3", "\"a\\u00c3\""},
+        {"\xc0\xaf", "\"\\u00c0\\u00af\""},
+        {"\xed\xa0\x80", "\"\\u00ed\\u00a0\\u0080\""},
+        {"", "\"\""},
+    };
+    for (const auto &c : cases) {
+        std::string s;
+        replay_append_json_string(&s, c.in.data(), c.in.size());
+        EXPECT_EQ(s, c.out) << c.in;
+    }
+    std::string hex;
+    const uint8_t data[] = {0x00, 0x7e, 0xff, 0x10};
+    replay_append_hex(&hex, data, sizeof(data));
+    EXPECT_EQ(hex, "007eff10");
+}
+
+replay_options parse_ok(std::vector<const char *> args)
+{
+    replay_options opts;
+    std::string error;
+    EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &opts, &error)) << error;
+    return opts;
+}
+
+TEST(ReplayOptions, FormsThatParse)
+{
+    replay_options o = parse_ok({"-s", "--format=dlf", "a.qmdl", "-", "--", "-j"});
+    EXPECT_EQ(o.mode, REPLAY_OUTPUT_SUMMARY);
+    EXPECT_EQ(o.format, DIAG_FORMAT_DLF);
+    EXPECT_EQ(o.inputs, (std::vector<std::string>{"a.qmdl", "-", "-j"}));
+    EXPECT_FALSE(o.filter);
+
+    o = parse_ok({"--log", "0xB193,45236", "-l", "0x1", "-e", "1606", "--event=4095", "--json", "x"});
+    EXPECT_TRUE(o.filter);
+    EXPECT_EQ(o.mode, REPLAY_OUTPUT_JSON);
+    EXPECT_TRUE(o.logs[0xB193]);
+    EXPECT_TRUE(o.logs[0xB0B4]);
+    EXPECT_TRUE(o.logs[1]);
+    EXPECT_FALSE(o.logs[0xB0C2]);
+    EXPECT_TRUE(o.events[1606]);
+    EXPECT_TRUE(o.events[4095]);
+    EXPECT_FALSE(o.events[1632]);
+
+    o = parse_ok({"--event", "01606", "x"});
+    EXPECT_TRUE(o.events[1606]); /* decimal despite the leading zero */
+
+    o = parse_ok({"--help"});
+    EXPECT_TRUE(o.help);
+    o = parse_ok({"-f", "hdlc", "--no-progress", "/dev/ttyUSB0"});
+    EXPECT_EQ(o.format, DIAG_FORMAT_HDLC);
+    EXPECT_FALSE(o.progress);
+}
+
+TEST(ReplayOptions, UsageErrorsSayWhat)
+{
+    struct {
+        std::vector<const char *> args;
+        const char *error_part;
+    } cases[] = {
+        {{}, "no capture given"},
+        {{"-s"}, "no capture given"},
+        {{"--bogus", "x"}, "unknown option '--bogus'"},
+        {{"-x", "x"}, "unknown option '-x'"},
+        {{"x", "--log"}, "needs a value"},
+        {{"--log", "0x10000", "x"}, "invalid log code '0x10000'"},
+        {{"--log", "0xB193,", "x"}, "invalid log code ''"},
+        {{"--log", "-1", "x"}, "invalid log code '-1'"},
+        {{"--event", "4096", "x"}, "invalid event id '4096'"},
+        {{"--event", "16o6", "x"}, "invalid event id '16o6'"},
+        {{"--log", "0x", "x"}, "invalid log code '0x'"},
+        {{"--log", "B193", "x"}, "invalid log code 'B193'"},
+        {{"--format", "pcap", "x"}, "unknown format 'pcap'"},
+        {{"-s", "-j", "x"}, "exclude each other"},
+        {{"--json=1", "x"}, "takes no value"},
+    };
+    for (const auto &c : cases) {
+        replay_options opts;
+        std::string error;
+        EXPECT_FALSE(replay_parse_options(int(c.args.size()), c.args.data(), &opts, &error)) << c.error_part;
+        EXPECT_NE(error.find(c.error_part), std::string::npos) << error;
+    }
+}
+
+}  // namespace
