@@ -6,6 +6,7 @@
  *                                      result <c> instead
  *   ext transfers                      number of open EFS write transfers
  * A failure is armed once; a new one replaces it. */
+#include "ext_card_slot.h"
 #include "ext_efs.h"
 
 namespace modemd {
@@ -38,8 +39,9 @@ bool ext_efs_take_failure(tolvek_extend_msg &resp)
     return true;
 }
 
-std::string ext_control(daemon &, const std::vector<std::string> &a)
+std::string ext_control(daemon &d, const std::vector<std::string> &a)
 {
+    if (a.size() >= 2 && a[1] == "card") return card_control(d, a);
     if (a.size() == 2 && a[1] == "transfers") return "ok " + std::to_string(ext_efs_open_transfers());
     int64_t skip = 0, code = 0;
     if (a.size() == 5 && a[1] == "fail-efs" && parse_number(a[2], &skip) && skip >= 0 &&
