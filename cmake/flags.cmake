@@ -2,12 +2,16 @@
 # counters and fixed arrays of the tool must abort the process when they are
 # exceeded.  RLK_SANITIZE selects the AddressSanitizer + UBSan configuration,
 # where UBSan's own (non-recovering) checks cover the same faults.
-option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+# RLK_SANITIZE=thread selects ThreadSanitizer instead, keeping the traps.
+option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer (or =thread: ThreadSanitizer)" OFF)
 
 add_compile_options(-Wall -Wextra -Werror -g)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
 
-if(RLK_SANITIZE)
+if(RLK_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fsanitize=signed-integer-overflow,bounds -fsanitize-undefined-trap-on-error)
+  add_link_options(-fsanitize=thread)
+elseif(RLK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 else()
