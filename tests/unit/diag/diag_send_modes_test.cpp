@@ -251,3 +251,39 @@ TEST_F(DiagSendModesTest, WithResultCommandsFromSeveralThreadsEachGetTheirOwnRep
 }
 
 }  // namespace
+
+namespace {
+
+TEST(DiagSendNoSimulator, BothWithResultModesFailAtOnceAndReleaseWhatTheyOpened)
+{
+    const char *before = getenv("RLK_MODEMD_SOCKET");
+    std::string saved = before ? before : "";
+    setenv("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock", 1);
+    unsigned char cmd[1] = {0x1C};
+    unsigned char reply[16];
+    int len = sizeof(reply);
+
+    testing::internal::CaptureStdout();
+    long long t0 = monotonic_ms();
+    int callback = tolvek_diag_cmd_send_with_result_by_callback_mode(cmd, 1, reply, &len, 3000);
+    int dci = tolvek_diag_cmd_send_with_result_by_dci_mode(cmd, 1, reply, &len, 3000);
+    long long ms = monotonic_ms() - t0;
+    std::string out = captured();
+
+    EXPECT_EQ(callback, 1);
+    EXPECT_EQ(dci, 1);
+    EXPECT_LT(ms, 1000) << "no wait without a request in flight";
+    EXPECT_TRUE(has(out, "LSM init failed"));
+    EXPECT_TRUE(has(out, "ret_send = -1, will wait callback"));
+    EXPECT_TRUE(has(out, "Fail to send diag cmd"));
+    EXPECT_TRUE(has(out, "Could not register with DCI, err: 1006, errno: "));
+    EXPECT_FALSE(has(out, "Releasing DCI connection")) << "no client to release";
+    EXPECT_EQ(g_diag_init_status, 0);
+    if (before) {
+        setenv("RLK_MODEMD_SOCKET", saved.c_str(), 1);
+    } else {
+        unsetenv("RLK_MODEMD_SOCKET");
+    }
+}
+
+}  // namespace
