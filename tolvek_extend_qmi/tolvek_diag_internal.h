@@ -34,6 +34,20 @@ extern tolvek_diag_wait_state g_diag_wait;
  * shorten it). */
 extern uint32_t g_diag_wait_tick_us;
 
+/* Ends the current wait (under the response mutex, which the caller
+ * holds): clears the wait flag, restores the default limit and moves the
+ * wait id on, and wakes a ticking wait thread so that it ends at once. */
+void tolvek_diag_wait_end_locked(void);
+
+/* Waits at most `timeout_ms` until no wait thread runs any more (under the
+ * response mutex, which the caller holds); 0 when none does.  A caller
+ * that returns only then never leaves a wait thread behind, even when the
+ * process ends right after. */
+int tolvek_diag_wait_threads_gone_locked(int timeout_ms);
+
+/* How long a with-result mode waits for its wait thread to end. */
+#define TOLVEK_DIAG_WAIT_THREAD_END_MS 1000
+
 /* Drops the stored response (under the response mutex). */
 void tolvek_diag_rsp_buf_clear(void);
 

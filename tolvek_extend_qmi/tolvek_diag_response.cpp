@@ -3,9 +3,10 @@
  * response; DCI: pieces are appended, a 4096-byte piece meaning more
  * follow); the printing-only callbacks of the without-result modes; and the
  * wait thread that ends a with-result wait at its limit. */
+#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
+#include <time.h>
 
 #include "tolvek_convert.h"
 #include "tolvek_diag_internal.h"
@@ -23,6 +24,52 @@ constexpr int32_t k_unknown_processor = -1;
 
 /* The old bytes of the last DCI append, kept until the next one. */
 uint8_t *g_diag_rsp_scratch = NULL;
+
+/* Signalled when a wait ends (a ticking wait thread then stops at once)
+ * and when a wait thread ends; used with the response mutex.  Waits on
+ * the monotonic clock. */
+pthread_cond_t g_diag_wait_cond;
+pthread_once_t g_diag_wait_cond_once = PTHREAD_ONCE_INIT;
+/* Wait threads not yet ended (under the response mutex). */
+int32_t g_diag_wait_threads = 0;
+
+void init_wait_cond(void)
+{
+    pthread_condattr_t attr;
+    pthread_condattr_init(&attr);
+    pthread_condattr_setclock(&attr, CLOCK_MONOTONIC);
+    pthread_cond_init(&g_diag_wait_cond, &attr);
+    pthread_condattr_destroy(&attr);
+}
+
+pthread_cond_t *wait_cond(void)
+{
+    pthread_once(&g_diag_wait_cond_once, init_wait_cond);
+    return &g_diag_wait_cond;
+}
+
+struct timespec deadline_after_us(uint64_t us)
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    uint64_t ns = uint64_t(ts.tv_nsec) + us * 1000u;
+    ts.tv_sec += time_t(ns / 1000000000u);
+    ts.tv_nsec = long(ns % 1000000000u);
+    return ts;
+}
+
+/* Sleeps one tick on the condition (the response mutex held); false when
+ * the wait `wait_id` ended meanwhile. */
+bool tick_locked(uint64_t wait_id)
+{
+    struct timespec deadline = deadline_after_us(g_diag_wait_tick_us);
+    while (g_diag_wait.wait_id == wait_id) {
+        if (pthread_cond_timedwait(wait_cond(), &g_diag_rsp_mutex, &deadline) == ETIMEDOUT) {
+            return g_diag_wait.wait_id == wait_id;
+        }
+    }
+    return false;
+}
 
 struct rsp_lock {
     rsp_lock() { pthread_mutex_lock(&g_diag_rsp_mutex); }
@@ -202,29 +249,38 @@ void *tolvek_diag_cmd_send_with_result_wait_thread_proc(void *arg)
 {
     const uint64_t wait_id = uint64_t(uintptr_t(arg));
     int32_t cnt_of_100ms = 0;
-    bool go_on = true;
-    while (go_on) {
-        usleep(g_diag_wait_tick_us);
+    pthread_mutex_lock(&g_diag_rsp_mutex);
+    bool current = true;
+    for (;;) {
+        current = tick_locked(wait_id);
+        if (!current) {
+            /* The caller has its answer and has moved on. */
+            break;
+        }
         cnt_of_100ms++;
+        pthread_mutex_unlock(&g_diag_rsp_mutex);
         TOLVEK_LOGD("tolvek_diag_cmd_send_with_result_wait_thread_proc, cnt_of_100ms = %d", cnt_of_100ms);
-        rsp_lock lock;
-        go_on = g_diag_wait.wait_id == wait_id && g_diag_wait.waiting == 1 && cnt_of_100ms < g_diag_wait.time_count;
+        pthread_mutex_lock(&g_diag_rsp_mutex);
+        current = g_diag_wait.wait_id == wait_id;
+        if (!current || g_diag_wait.waiting != 1 || cnt_of_100ms >= g_diag_wait.time_count) {
+            break;
+        }
     }
-    rsp_lock lock;
-    if (g_diag_wait.wait_id != wait_id || g_diag_wait.waiting != 1) {
-        /* The caller has its answer and has moved on. */
-        return NULL;
+    if (current && g_diag_wait.waiting == 1) {
+        int32_t length = g_qcril_diag_rsp_buf.length;
+        if (length != 0 && length % TOLVEK_DIAG_DCI_PIECE_LEN == 0) {
+            /* The DCI callback does not post for a final 4096-byte piece. */
+            TOLVEK_LOGD("stop waiting, receive success, length is times of 4096");
+            sem_post(&g_diag_rsp_sem);
+        } else {
+            TOLVEK_LOGD("stop waiting");
+            sem_post(&g_diag_rsp_sem);
+            g_diag_wait.timed_out = 1;
+        }
     }
-    int32_t length = g_qcril_diag_rsp_buf.length;
-    if (length != 0 && length % TOLVEK_DIAG_DCI_PIECE_LEN == 0) {
-        /* The DCI callback does not post for a final 4096-byte piece. */
-        TOLVEK_LOGD("stop waiting, receive success, length is times of 4096");
-        sem_post(&g_diag_rsp_sem);
-    } else if (cnt_of_100ms >= g_diag_wait.time_count) {
-        TOLVEK_LOGD("stop waiting");
-        sem_post(&g_diag_rsp_sem);
-        g_diag_wait.timed_out = 1;
-    }
+    g_diag_wait_threads--;
+    pthread_cond_broadcast(wait_cond());
+    pthread_mutex_unlock(&g_diag_rsp_mutex);
     return NULL;
 }
 
@@ -234,14 +290,38 @@ int tolvek_diag_cmd_send_with_result_wait_create_thread(void)
     {
         rsp_lock lock;
         wait_id = g_diag_wait.wait_id;
+        g_diag_wait_threads++;
     }
     int conf = tolvek_diag_start_detached(tolvek_diag_cmd_send_with_result_wait_thread_proc,
                                           reinterpret_cast<void *>(uintptr_t(wait_id)));
+    if (conf != 0) {
+        rsp_lock lock;
+        g_diag_wait_threads--;
+    }
     TOLVEK_LOGD("tolvek daig is created, conf = %d", conf);
     return conf;
 }
 
 }  // extern "C"
+
+void tolvek_diag_wait_end_locked(void)
+{
+    g_diag_wait.waiting = 0;
+    g_diag_wait.time_count = TOLVEK_DIAG_DEFAULT_WAIT_STEPS;
+    g_diag_wait.wait_id++;
+    pthread_cond_broadcast(wait_cond());
+}
+
+int tolvek_diag_wait_threads_gone_locked(int timeout_ms)
+{
+    struct timespec deadline = deadline_after_us(uint64_t(timeout_ms < 0 ? 0 : timeout_ms) * 1000u);
+    while (g_diag_wait_threads > 0) {
+        if (pthread_cond_timedwait(wait_cond(), &g_diag_rsp_mutex, &deadline) == ETIMEDOUT) {
+            break;
+        }
+    }
+    return g_diag_wait_threads > 0 ? 1 : 0;
+}
 
 void tolvek_diag_rsp_buf_clear(void)
 {

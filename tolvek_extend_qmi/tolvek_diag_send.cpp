@@ -92,9 +92,7 @@ void begin_wait(int32_t time_count)
 void cancel_wait(void)
 {
     pthread_mutex_lock(&g_diag_rsp_mutex);
-    g_diag_wait.waiting = 0;
-    g_diag_wait.time_count = TOLVEK_DIAG_DEFAULT_WAIT_STEPS;
-    g_diag_wait.wait_id++;
+    tolvek_diag_wait_end_locked();
     pthread_mutex_unlock(&g_diag_rsp_mutex);
 }
 
@@ -119,9 +117,9 @@ void wait_for_response(void)
 int finish_wait(const char *func, unsigned char *reply_buf, int *p_reply_len)
 {
     pthread_mutex_lock(&g_diag_rsp_mutex);
-    g_diag_wait.waiting = 0;
-    g_diag_wait.time_count = TOLVEK_DIAG_DEFAULT_WAIT_STEPS;
-    g_diag_wait.wait_id++;
+    tolvek_diag_wait_end_locked();
+    /* The wait thread stops at once; none outlives its command. */
+    tolvek_diag_wait_threads_gone_locked(TOLVEK_DIAG_WAIT_THREAD_END_MS);
     TOLVEK_LOGD_AS(func, "req end, data_size = %d, g_qcril_diag_rsp_buf.length = %d, reply_len = %d",
                 g_qcril_diag_rsp_buf.length, g_qcril_diag_rsp_buf.length, *p_reply_len);
     int copy = g_qcril_diag_rsp_buf.length < *p_reply_len ? g_qcril_diag_rsp_buf.length : *p_reply_len;

@@ -184,21 +184,24 @@ TEST_F(CmnDiagTest, CommandLengthsAndArgumentCounts)
 TEST_F(CmnDiagTest, ParallelRlkProcessesEachReceiveTheirOwnReply)
 {
     constexpr int k_processes = 8;
-    std::vector<rlk_run> runs(k_processes);
+    std::vector<run_result> runs(k_processes);
     std::vector<std::thread> threads;
     for (int i = 0; i < k_processes; i++) {
-        threads.emplace_back([this, i, &runs] {
-            /* CONTROL echoes its mode: mode i % 7, and 0x4B 0x13 0x00 0x00
-             * (EFS hello) for the eighth. */
-            std::vector<std::string> cmd = i < 7 ? std::vector<std::string>{"0x29", std::to_string(i), "0x00"}
-                                                 : std::vector<std::string>{"0x1C"};
-            runs[size_t(i)] = diag(i % 2, 0, 5000, cmd);
-        });
+        /* CONTROL echoes its mode: modes 0..6, and DIAG_VER for the eighth;
+         * callback and DCI modes alternate. */
+        std::vector<std::string> argv = {RLK_BINARY, "5", "0", std::to_string(i % 2), "0", "5000"};
+        if (i < 7) {
+            argv.insert(argv.end(), {"0x29", std::to_string(i), "0x00"});
+        } else {
+            argv.push_back("0x1C");
+        }
+        threads.emplace_back([this, i, argv, &runs] { runs[size_t(i)] = run_process(argv, sim.env()); });
     }
     for (std::thread &t : threads) t.join();
     for (int i = 0; i < k_processes; i++) {
         std::string want = i < 7 ? "\nrsp data len(3)\nrsp data: 0x29 0x0" + std::to_string(i) + " 0x00\n"
                                  : "\nrsp data len(3)\nrsp data: 0x1C 0x08 0x00\n";
+        EXPECT_TRUE(exited_cleanly(runs[size_t(i)].status)) << "process " << i << "\n" << runs[size_t(i)].err;
         EXPECT_TRUE(has_text(runs[size_t(i)].out, want)) << "process " << i << "\n" << runs[size_t(i)].out;
     }
     expect_nothing_left();

@@ -61,13 +61,10 @@ protected:
     void TearDown() override
     {
         pthread_mutex_lock(&g_diag_rsp_mutex);
-        g_diag_wait.waiting = 0;
-        g_diag_wait.time_count = TOLVEK_DIAG_DEFAULT_WAIT_STEPS;
         g_diag_wait.timed_out = 0;
-        g_diag_wait.wait_id++;
+        tolvek_diag_wait_end_locked();
+        EXPECT_EQ(tolvek_diag_wait_threads_gone_locked(1000), 0) << "a wait thread ends with its wait";
         pthread_mutex_unlock(&g_diag_rsp_mutex);
-        /* A wait thread still ticking sees the new wait id and ends. */
-        usleep(20 * k_fast_tick_us);
         g_diag_wait_tick_us = saved_tick_;
         tolvek_diag_rsp_buf_clear();
         sem_destroy(&g_diag_rsp_sem);
@@ -225,7 +222,7 @@ TEST_F(DiagSendStateTest, WaitThreadEndsAWaitOnlyAtItsLimit)
     /* Exactly 8192 bytes in two full pieces: no callback posted, the wait
      * thread ends the wait as a success. */
     pthread_mutex_lock(&g_diag_rsp_mutex);
-    g_diag_wait.wait_id++;
+    tolvek_diag_wait_end_locked();
     pthread_mutex_unlock(&g_diag_rsp_mutex);
     bytes full = piece(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B);
     arm_wait(3);
@@ -246,14 +243,18 @@ TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
     arm_wait(2);
     testing::internal::CaptureStdout();
     ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
-    /* The caller got its answer and moved on before the limit. */
+    /* The caller got its answer and moved on before the limit: the thread
+     * ends at once, without a tick. */
     pthread_mutex_lock(&g_diag_rsp_mutex);
-    g_diag_wait.wait_id++;
+    tolvek_diag_wait_end_locked();
+    int left = tolvek_diag_wait_threads_gone_locked(1000);
     pthread_mutex_unlock(&g_diag_rsp_mutex);
     arm_wait(1000);
-    EXPECT_FALSE(sem_wait_ms(100));
-    captured();
+    EXPECT_FALSE(sem_wait_ms(50));
+    std::string out = captured();
+    EXPECT_EQ(left, 0);
     EXPECT_EQ(timed_out(), 0);
+    EXPECT_EQ(out.find("cnt_of_100ms"), std::string::npos);
 }
 
 }  // namespace
