@@ -3,6 +3,7 @@
  * counts, the dumps of the simulator's answers, a hot-swap run watched
  * through repeated status queries, and the SAR state set through the
  * control interface. */
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -117,11 +118,15 @@ int slot0_presence(sim_instance &sim)
 
 TEST_F(CmnCardTest, HotSwapRunSeenThroughRepeatedStatusQueries)
 {
-    /* One hot-swap second lasts 150 ms: two cycles of pull, 1 s, push, 1 s. */
-    sim.ctl_ok("ext card second-ms 150");
+    /* Two cycles of pull, 1 s, push, 1 s, with a hot-swap second three
+     * status queries long (at least 150 ms), so that every step is seen. */
+    long long t0 = monotonic_ms();
+    ASSERT_EQ(slot0_presence(sim), 1);
+    long long second_ms = std::min(1000LL, std::max(150LL, 3 * (monotonic_ms() - t0)));
+    sim.ctl_ok("ext card second-ms " + std::to_string(second_ms));
     sim.run_rlk({"5", "6", "1", "2", "1", "1"});
     std::vector<int> seen;
-    long long deadline = monotonic_ms() + 5000;
+    long long deadline = monotonic_ms() + 10 * second_ms;
     while (monotonic_ms() < deadline) {
         int p = slot0_presence(sim);
         if (seen.empty() || seen.back() != p) seen.push_back(p);

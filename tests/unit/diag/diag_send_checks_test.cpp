@@ -240,6 +240,8 @@ TEST_F(DiagSendStateTest, WaitThreadEndsAWaitOnlyAtItsLimit)
 
 TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
 {
+    /* A full tick, so that the wait surely ends before the first one. */
+    g_diag_wait_tick_us = TOLVEK_DIAG_WAIT_TICK_US;
     arm_wait(2);
     testing::internal::CaptureStdout();
     ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
