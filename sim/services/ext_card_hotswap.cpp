@@ -17,7 +17,7 @@ constexpr uint32_t k_start_len = sizeof(tolvek_card_hotswap_start_req);
 constexpr uint32_t k_max_cycles = 10000;
 constexpr uint32_t k_max_wait_s = 3600;
 constexpr int64_t k_default_second_ms = 1000;
-constexpr int64_t k_max_second_ms = 1000;
+constexpr int64_t k_max_second_ms = 10000;
 
 struct hotswap_run {
     bool running = false;

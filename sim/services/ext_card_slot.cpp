@@ -114,7 +114,7 @@ std::string card_control(daemon &d, const std::vector<std::string> &a)
 {
     int64_t ms = 0;
     if (a.size() == 4 && a[2] == "second-ms" && parse_number(a[3], &ms)) {
-        return card_hotswap_set_second_ms(ms) ? "ok" : "error second-ms must be 1..1000";
+        return card_hotswap_set_second_ms(ms) ? "ok" : "error second-ms must be 1..10000";
     }
     if (a.size() != 2) return "error usage: ext card [second-ms <ms>]";
     card_slots slots = card_slots_load(d.store());

@@ -45,8 +45,9 @@ int32_t card_hotswap(qmi_call &call, const tolvek_common_req &req, tolvek_common
 
 /* "ext card ..." control requests (args[1] == "card"):
  *   ext card                  the slots and the hot-swap run
- *   ext card second-ms <ms>   length of one hot-swap "second" (default
- *                             1000), so that tests need not wait long */
+ *   ext card second-ms <ms>   length of one hot-swap "second" (1..10000,
+ *                             default 1000), so that tests need not wait
+ *                             long, or can slow a run down */
 std::string card_control(daemon &d, const std::vector<std::string> &args);
 
 /* One line describing the hot-swap run (ext_card_hotswap.cpp). */

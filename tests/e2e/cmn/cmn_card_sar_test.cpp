@@ -118,11 +118,14 @@ int slot0_presence(sim_instance &sim)
 
 TEST_F(CmnCardTest, HotSwapRunSeenThroughRepeatedStatusQueries)
 {
-    /* Two cycles of pull, 1 s, push, 1 s, with a hot-swap second three
-     * status queries long (at least 150 ms), so that every step is seen. */
+    /* Two cycles of pull, 1 s, push, 1 s, with a hot-swap second four rlk
+     * runs long (at least 150 ms), so that every step is seen however slow
+     * the build makes a run. */
     long long t0 = monotonic_ms();
     ASSERT_EQ(slot0_presence(sim), 1);
-    long long second_ms = std::min(1000LL, std::max(150LL, 3 * (monotonic_ms() - t0)));
+    sim.run_rlk({"5", "6", "0"});
+    long long run_ms = (monotonic_ms() - t0) / 2;
+    long long second_ms = std::min(5000LL, std::max(150LL, 4 * run_ms));
     sim.ctl_ok("ext card second-ms " + std::to_string(second_ms));
     sim.run_rlk({"5", "6", "1", "2", "1", "1"});
     std::vector<int> seen;
