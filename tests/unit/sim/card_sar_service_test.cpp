@@ -50,7 +50,7 @@ protected:
         c.cmd_code = TOLVEK_COMMON_CMD_TYPED;
         c.type = type;
         c.len = len < 0 ? uint32_t(values.size() * 4) : uint32_t(len);
-        memcpy(c.value, values.data(), values.size() * 4);
+        if (!values.empty()) memcpy(c.value, values.data(), values.size() * 4);
         req.msg_code = REQUEST_ID_COMMON;
         req.data_len = TOLVEK_EXTEND_DATA_MAX;
         req.data_valid = 1;
