@@ -1,9 +1,9 @@
 # Every build traps signed overflow and out-of-bounds array indexes: several
 # counters and fixed arrays of the tool must abort the process when they are
 # exceeded.  RLK_SANITIZE selects the AddressSanitizer + UBSan configuration,
-# where UBSan's own (non-recovering) checks cover the same faults;
-# RLK_SANITIZE=thread selects ThreadSanitizer instead.
-option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+# where UBSan's own (non-recovering) checks cover the same faults.
+# RLK_SANITIZE=thread selects ThreadSanitizer instead, keeping the traps.
+option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer (or =thread: ThreadSanitizer)" OFF)
 
 add_compile_options(-Wall -Wextra -Werror -g)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)

@@ -61,6 +61,12 @@ constexpr uint32_t k_log_result_bad_equip = 1;
 
 /* EVENT_REPORT response: u8 code, u16 length (0: no event follows). */
 
+/* CONTROL (mode change): u8 code, u16 mode; the response echoes the
+ * request.  Modes 0 offline analog, 1 offline digital, 2 reset, 3 factory
+ * test, 4 online, 5 low power, 6 power off. */
+constexpr size_t k_control_len = 3;
+constexpr uint16_t k_control_last_mode = 6;
+
 typedef void (*diag_cmd_handler)(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp);
 
 struct diag_cmd_entry {
@@ -250,6 +256,17 @@ void cmd_event_report(diag_modem_state &m, const uint8_t *req, size_t, std::vect
     diag_put_u16(rsp, 0);
 }
 
+void cmd_control(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp)
+{
+    uint16_t mode = diag_get_u16(req + 1);
+    if (mode > k_control_last_mode) {
+        diag_error_response(k_diag_cmd_bad_parm, req, len, rsp);
+        return;
+    }
+    m.oper_mode = mode;
+    rsp->assign(req, req + len);
+}
+
 void cmd_subsys(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp)
 {
     diag_answer_subsys(m, req, len, rsp);
@@ -263,6 +280,7 @@ const diag_cmd_entry k_diag_commands[] = {
     {k_diag_cmd_timestamp, 1, 1, cmd_timestamp},
     {k_diag_cmd_nv_read, k_nv_packet_len, k_nv_packet_len, cmd_nv},
     {k_diag_cmd_nv_write, k_nv_packet_len, k_nv_packet_len, cmd_nv},
+    {k_diag_cmd_control, k_control_len, k_control_len, cmd_control},
     {k_diag_cmd_subsys, k_diag_subsys_header_len, k_no_max, cmd_subsys},
     {k_diag_cmd_event_report, 2, 2, cmd_event_report},
     {k_diag_cmd_log_config, k_log_config_head_len, k_no_max, cmd_log_config},

@@ -28,6 +28,7 @@ constexpr uint8_t k_diag_cmd_diag_ver = 0x1C;
 constexpr uint8_t k_diag_cmd_timestamp = 0x1D;
 constexpr uint8_t k_diag_cmd_nv_read = 0x26;
 constexpr uint8_t k_diag_cmd_nv_write = 0x27;
+constexpr uint8_t k_diag_cmd_control = 0x29;
 constexpr uint8_t k_diag_cmd_subsys = 0x4B;
 constexpr uint8_t k_diag_cmd_event_report = 0x60;
 constexpr uint8_t k_diag_cmd_log_config = 0x73;
@@ -56,6 +57,8 @@ struct diag_modem_state {
     /* LOG_CONFIG masks by equipment id, one bit per log item. */
     std::map<uint32_t, std::vector<uint8_t>> log_masks;
     bool event_report_on = false;
+    /* Operating mode set by CONTROL (0x29); the modem runs online. */
+    uint16_t oper_mode = 4;
 };
 
 /* The EFS path that holds NV item `item`, so that NV and EFS views of the

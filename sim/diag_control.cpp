@@ -38,7 +38,8 @@ bool diag_endpoint_impl::control(const std::vector<std::string> &a, std::string 
     if (cmd == "reply" || cmd == "reply-clear" || cmd == "delay" || cmd == "drop" || cmd == "undrop" ||
         cmd == "clear") {
         *answer = control_faults(a);
-    } else if (cmd == "dci-piece" || cmd == "remote-mask" || cmd == "dci-support" || cmd == "status") {
+    } else if (cmd == "dci-piece" || cmd == "remote-mask" || cmd == "dci-support" || cmd == "status" ||
+               cmd == "next-size") {
         *answer = control_config(a);
     } else if (cmd == "log" || cmd == "event") {
         std::vector<uint8_t> record;
@@ -64,6 +65,7 @@ std::string diag_endpoint_impl::control_faults(const std::vector<std::string> &a
         delays_.clear();
         drops_.clear();
         piece_ = k_diag_default_piece;
+        next_size_ = 0;
         return "ok";
     }
     uint8_t code = 0;
@@ -112,7 +114,10 @@ std::string diag_endpoint_impl::control_config(const std::vector<std::string> &a
     }
     int64_t v = 0;
     if (a.size() < 3 || !parse_number(a[2], &v)) return "error usage: diag " + cmd + " <value>";
-    if (cmd == "dci-piece") {
+    if (cmd == "next-size") {
+        if (v < 0 || v > int64_t(k_max_canned_len)) return "error size must be 0.." + std::to_string(k_max_canned_len);
+        next_size_ = size_t(v);
+    } else if (cmd == "dci-piece") {
         if (v < 1 || v > int64_t(k_diag_max_piece)) return "error piece size must be 1.." + std::to_string(k_diag_max_piece);
         piece_ = size_t(v);
     } else if (cmd == "remote-mask") {

@@ -77,6 +77,7 @@ void diag_endpoint_impl::on_command(diag_conn &dc, const diag_envelope &env, con
     } else {
         diag_answer_command(modem_, cmd.data(), cmd.size(), &rsp);
     }
+    apply_next_size(&rsp);
 
     std::vector<std::vector<uint8_t>> pkts;
     if (!dci) {
@@ -97,6 +98,15 @@ void diag_endpoint_impl::on_command(diag_conn &dc, const diag_envelope &env, con
     }
     auto delay = delays_.find(code);
     deliver(dc.c->id, std::move(pkts), delay == delays_.end() ? 0 : delay->second);
+}
+
+void diag_endpoint_impl::apply_next_size(std::vector<uint8_t> *rsp)
+{
+    if (next_size_ == 0) return;
+    size_t real = rsp->size() < next_size_ ? rsp->size() : next_size_;
+    rsp->resize(next_size_);
+    for (size_t i = real; i < next_size_; i++) (*rsp)[i] = uint8_t(i - real);
+    next_size_ = 0;
 }
 
 void diag_endpoint_impl::deliver(uint64_t conn_id, std::vector<std::vector<uint8_t>> pkts, uint32_t delay_ms)

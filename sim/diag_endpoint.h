@@ -11,6 +11,9 @@
  *                             DCI piece size
  *   diag dci-piece <bytes>    cut DCI responses into pieces of this size
  *                             (default 4096)
+ *   diag next-size <bytes>    make the next answer (to any command) that
+ *                             long: the real answer, cut or followed by
+ *                             filler bytes 0x00, 0x01, ... (0 cancels)
  *   diag remote-mask <mask>   remote processors present (bit n = proc n)
  *   diag dci-support <mask> [proc]  DCI peripheral list of proc (default 0)
  *   diag log <hex>            send a log record to every DCI client
@@ -70,6 +73,8 @@ private:
     std::string control_faults(const std::vector<std::string> &a);
     std::string control_config(const std::vector<std::string> &a);
     std::string control_last(const std::vector<std::string> &a);
+    /* Gives `rsp` the length a "diag next-size" asked for, once. */
+    void apply_next_size(std::vector<uint8_t> *rsp);
 
     daemon &d_;
     diag_modem_state modem_;
@@ -81,6 +86,7 @@ private:
     std::map<uint8_t, uint32_t> delays_;
     std::set<uint8_t> drops_;
     size_t piece_ = k_diag_default_piece;
+    size_t next_size_ = 0; /* 0: answers keep their own length */
 
     uint16_t remote_mask_ = 0;
     std::map<int32_t, uint16_t> dci_support_;

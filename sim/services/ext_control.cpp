@@ -8,6 +8,7 @@
  *   ext transfer-idle <ms>             drop EFS write transfers idle this long
  *   ext restart-delay [ms]             sim/services/ext_restart.h
  * A failure is armed once; a new one replaces it. */
+#include "ext_card_slot.h"
 #include "ext_efs.h"
 #include "ext_restart.h"
 
@@ -45,6 +46,7 @@ std::string ext_control(daemon &d, const std::vector<std::string> &a)
 {
     std::string answer;
     if (ext_restart_control(d, a, &answer)) return answer;
+    if (a.size() >= 2 && a[1] == "card") return card_control(d, a);
     if (a.size() == 2 && a[1] == "transfers") return "ok " + std::to_string(ext_efs_open_transfers());
     int64_t skip = 0, code = 0, ms = 0;
     if (a.size() == 3 && a[1] == "transfer-idle" && parse_number(a[2], &ms) && ms > 0 &&

@@ -58,7 +58,8 @@ const qmi_handler_entry k_handlers[] = {
 const sim_service_def g_extension_service_def = {
     "ext", ext_object, 0, k_handlers, sizeof(k_handlers) / sizeof(k_handlers[0]), ext_fill_error, ext_control,
     "  ext fail-efs <skip> result|msg_code <code> | ext transfers | ext transfer-idle <ms>\n"
-    "  ext restart-delay [ms]\n",
+    "  ext restart-delay [ms]\n"
+    "  ext card [second-ms <ms>]\n",
 };
 
 }  // namespace modemd

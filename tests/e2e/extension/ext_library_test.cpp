@@ -68,11 +68,11 @@ TEST_F(ExtLibraryTest, AnswersWithoutPayloadOrWithAFrameworkError)
                                           "tolvek_extend_qmi_handle_req_cb result:-3\n"));
 
     /* An unknown typed common request is answered with its own result. */
-    probe_run typed = probe({"common", "39", "4"});
-    EXPECT_TRUE(has_text(typed.run.out, "PROBE word=2 result=-95 type=39 len=0")) << typed.run.out;
+    probe_run typed = probe({"common", "99", "4"});
+    EXPECT_TRUE(has_text(typed.run.out, "PROBE word=2 result=-95 type=99 len=0")) << typed.run.out;
     EXPECT_EQ(ext_last_requests(sim, 1).at(0).u32(12), 4u);
     /* A value beyond the 496-byte area is a fault of the caller. */
-    EXPECT_TRUE(ended_abnormally(probe({"common", "39", "497"}).run.status));
+    EXPECT_TRUE(ended_abnormally(probe({"common", "99", "497"}).run.status));
 }
 
 /* An abandoned transfer (its writer killed between chunks) leaves the old
