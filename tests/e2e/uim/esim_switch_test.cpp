@@ -22,11 +22,11 @@ class EsimSwitchTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(sim.start()); }
 
-    /* `rlk 5 10 <esim_on> <debug_on>` through the switch's driver. */
+    /* `rlk 5 10 <esim_on> <debug_on>`. */
     rlk_run esim(const std::vector<std::string> &args)
     {
         std::string syslog = sim.dir() + "/esim" + std::to_string(++runs) + "-syslog.log";
-        std::vector<std::string> argv = {ESIM_PROBE_BINARY, "5", "10"};
+        std::vector<std::string> argv = {RLK_BINARY, "5", "10"};
         argv.insert(argv.end(), args.begin(), args.end());
         std::vector<std::string> env = sim.env();
         env.push_back("RLK_SYSLOG_FILE=" + syslog);
