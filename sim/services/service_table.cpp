@@ -1,11 +1,13 @@
 /* The services of the simulated modem, in the order they are published. */
 #include "daemon.h"
 #include "extension_service.h"
+#include "pdc_service.h"
 
 namespace modemd {
 
 const sim_service_def *const g_sim_services[] = {
     &g_extension_service_def,
+    &g_pdc_service_def,
 };
 const size_t g_sim_service_count = sizeof(g_sim_services) / sizeof(g_sim_services[0]);
 
