@@ -31,6 +31,8 @@ int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len);
 
 /* Marks the slot of `op` in progress with nothing arrived yet. */
 void pdc_begin(pdc_op op);
+/* Clears the in-progress mark of `op` (a request that was not sent). */
+void pdc_end(pdc_op op);
 /* Waits (bounded by timeout_ms) for the outcome of `op`; clears the
  * in-progress mark when it ends. */
 pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms);

@@ -22,13 +22,33 @@ void set_id(uint32_t *len, uint8_t *dst, const pdc_config_id &id)
     memcpy(dst, id.bytes, *len);
 }
 
+/* The requester is gone: late indications find nothing to fill. */
+void end_locked(pdc_op op)
+{
+    *pdc_slot_of(op).in_progress = 0;
+    if (op == PDC_OP_LIST) {
+        g_pdc_info.slots.list.num_of_configs = nullptr;
+        g_pdc_info.slots.list.config_list_holder = nullptr;
+    }
+}
+
 }  // namespace
+
+void pdc_end(pdc_op op)
+{
+    pdc_lock lock(g_pdc_info.pdc_mutex);
+    end_locked(op);
+}
 
 uint32_t pdc_next_token() { return g_next_token++; }
 
 int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len)
 {
-    qmi_client_type handle = g_pdc_info.client_handle;
+    qmi_client_type handle;
+    {
+        pdc_lock lock(g_pdc_info.pdc_mutex);
+        handle = g_pdc_info.client_handle;
+    }
     if (!handle) return QMI_CLIENT_INVALID_CLNT;
     pdc_load_config_resp_msg_v01 resp;
     memset(&resp, 0, sizeof(resp));
@@ -62,7 +82,7 @@ pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms)
         return *v.done || g_pdc_info.cancelled;
     });
     *v.waiting = 0;
-    *v.in_progress = 0;
+    end_locked(op);
     if (*v.done) return PDC_WAIT_DONE;
     return arrived ? PDC_WAIT_CANCELLED : PDC_WAIT_TIMEOUT;
 }

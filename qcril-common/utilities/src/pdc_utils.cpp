@@ -48,6 +48,12 @@ pdc_slot_view view_of(pdc_outcome_slot &s)
     return {&s.in_progress, &s.waiting, &s.done, &s.result, &s.qmi_error, &s.ind_token};
 }
 
+void set_handle(qmi_client_type handle)
+{
+    std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+    g_pdc_info.client_handle = handle;
+}
+
 }  // namespace
 
 pdc_slot_view pdc_slot_of(pdc_op op)
@@ -99,24 +105,31 @@ int pdc_init()
         int rc = qmi_client_init_instance(svc, PDC_INIT_INSTANCE, qmi_pdc_unsol_ind_cb, nullptr, &os_params,
                                           PDC_INIT_TIMEOUT_MS, &handle);
         if (rc == QMI_NO_ERR) {
-            g_pdc_info.client_handle = handle;
+            set_handle(handle);
             PDC_LOGI("qmi_client_init succeeds for PDC");
             return 0;
         }
         PDC_LOGE("qmi_client_init returned failure (%d) for PDC, retry times %d", rc, attempt);
         g_retry_sleep(PDC_INIT_RETRY_SECONDS);
     }
-    g_pdc_info.client_handle = nullptr;
+    set_handle(nullptr);
     return -1;
 }
 
 void pdc_clean()
 {
-    if (g_pdc_info.client_handle) {
-        PDC_LOGI("Release client connection to PDC");
-        qmi_client_release(g_pdc_info.client_handle);
+    qmi_client_type handle;
+    {
+        std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+        handle = g_pdc_info.client_handle;
     }
-    g_pdc_info.client_handle = nullptr;
+    /* Released without the mutex: the release waits for indication
+     * callbacks that may be taking it. */
+    if (handle) {
+        PDC_LOGI("Release client connection to PDC");
+        qmi_client_release(handle);
+    }
+    set_handle(nullptr);
 }
 
 void qmi_pdc_unsol_ind_cb(qmi_client_type client, unsigned int msg_id, void *ind_buf, unsigned int ind_buf_len,
