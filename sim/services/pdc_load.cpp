@@ -84,6 +84,7 @@ void pdc_handle_load(qmi_call &call, const void *req_v, void *resp_v)
         resp.resp.error = PDC_QMI_ERR_INVALID_ARG;
         return;
     }
+    call.d.counters()["pdc.load_frames"]++;
     uint32_t type = uint32_t(info.config_type);
     std::string id(reinterpret_cast<const char *>(info.config_id), info.config_id_len);
     const pdc_fault *f = pdc_take_fault(call.msg_id);

@@ -134,7 +134,7 @@ inline std::vector<std::string> pdc_journal(const sim_instance &sim, int n = 200
 inline int count_msg(const std::vector<std::string> &journal, const std::string &msg)
 {
     int n = 0;
-    for (const std::string &l : journal) n += l.compare(0, 14, "0x0024 " + msg) == 0;
+    for (const std::string &l : journal) n += l.compare(0, 13, "0x0024 " + msg) == 0;
     return n;
 }
 
