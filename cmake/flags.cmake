@@ -7,7 +7,13 @@ option(RLK_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer"
 add_compile_options(-Wall -Wextra -Werror -g)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
 
-if(RLK_SANITIZE)
+if(RLK_SANITIZE STREQUAL "thread")
+  # ThreadSanitizer (-DRLK_SANITIZE=thread), with the same overflow and
+  # bounds traps as the plain build.
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer
+                      -fsanitize=signed-integer-overflow,bounds -fsanitize-undefined-trap-on-error)
+  add_link_options(-fsanitize=thread)
+elseif(RLK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 else()

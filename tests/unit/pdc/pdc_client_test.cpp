@@ -3,6 +3,9 @@
  * through the real QMI library threads. */
 #include <thread>
 
+#include "../frontend/frontend_test_util.h"
+#include "tolvek_test_mbn.h"
+
 #include "pdc_test_util.h"
 
 namespace {
@@ -133,6 +136,25 @@ TEST_F(PdcClientTest, RequestsWaitForTheirIndications)
 
     /* An invalid type is refused in the response; no indication follows. */
     EXPECT_EQ(pdc_request_activate(7, 0, pdc_next_token()), PDC_QMI_ERR_NOT_SUPPORTED);
+}
+
+/* Option 10 opens the client once per process and reuses it; a forced
+ * initialisation releases it and opens it again. */
+TEST_F(PdcClientTest, GroupOpensTheClientOnceUnlessForced)
+{
+    pdc_log_scope log;
+    g_pdc_init_status = -1;
+    capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(0), 0); });
+    size_t after_first = log.lines().size();
+    std::string out = capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(0), 0); });
+    EXPECT_EQ(log.lines().size(), after_first) << "open already: PDC untouched";
+    EXPECT_EQ(out.find("start tolvek pdc init"), std::string::npos);
+    capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(1), 0); });
+    std::vector<std::string> l = log.lines();
+    ASSERT_EQ(l.size(), after_first + 3);
+    EXPECT_EQ(l[after_first], "4 Release client connection to PDC");
+    EXPECT_EQ(l.back(), "4 qmi_client_init succeeds for PDC");
+    g_pdc_init_status = -1;
 }
 
 }  // namespace
