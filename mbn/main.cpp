@@ -20,6 +20,7 @@ int main(int argc, char **argv)
     mbn_session_start();
     if (!mbn_open_pdc(o.timeout_s)) {
         mbn_close_pdc();
+        mbn_session_end();
         int sig = mbn_session_signal();
         if (sig) {
             fprintf(stderr, "rlk-mbn: interrupted\n");
@@ -32,6 +33,7 @@ int main(int argc, char **argv)
     mbn_result res = mbn_run(o, &report);
     /* Released on every path: success, failure, time-out and signal. */
     mbn_close_pdc();
+    mbn_session_end();
     if (res.exit_code != k_mbn_exit_ok) {
         fprintf(stderr, "rlk-mbn: %s\n", res.error.c_str());
         return res.exit_code;

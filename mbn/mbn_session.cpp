@@ -13,7 +13,11 @@
 
 namespace {
 
+/* Sent by this process to its own signal thread to end it. */
+constexpr int k_quit_signal = SIGUSR1;
+
 std::atomic<int> g_signal{0};
+std::thread g_signal_thread;
 std::mutex g_sleep_mu;
 std::condition_variable g_sleep_cv;
 std::chrono::steady_clock::time_point g_open_deadline;
@@ -23,6 +27,7 @@ void signal_set(sigset_t *set)
     sigemptyset(set);
     sigaddset(set, SIGINT);
     sigaddset(set, SIGTERM);
+    sigaddset(set, k_quit_signal);
 }
 
 void signal_thread()
@@ -32,6 +37,7 @@ void signal_thread()
     int sig = 0;
     while (sigwait(&set, &sig) != 0) {
     }
+    if (sig == k_quit_signal) return;
     {
         std::lock_guard<std::mutex> g(g_sleep_mu);
         g_signal = sig;
@@ -57,7 +63,16 @@ void mbn_session_start()
     sigset_t set;
     signal_set(&set);
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    std::thread(signal_thread).detach();
+    g_signal_thread = std::thread(signal_thread);
+}
+
+void mbn_session_end()
+{
+    if (!g_signal_thread.joinable()) return;
+    /* The thread may still be waking the waiters: it is joined before the
+     * process's objects go away. */
+    pthread_kill(g_signal_thread.native_handle(), k_quit_signal);
+    g_signal_thread.join();
 }
 
 int mbn_session_signal() { return g_signal.load(); }

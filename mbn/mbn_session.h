@@ -8,6 +8,8 @@
 /* Blocks SIGINT and SIGTERM in this thread (and every thread started
  * after) and starts the thread that waits for them.  Call first. */
 void mbn_session_start();
+/* Ends the signal thread (after it finished with a signal, if one came). */
+void mbn_session_end();
 /* The signal that asked the run to stop, 0 when none did. */
 int mbn_session_signal();
 
