@@ -27,16 +27,20 @@ mbn_result send_failure(int rc, const char *what)
     return fail(k_mbn_exit_failure, text);
 }
 
-/* Sends with `send` and waits for the outcome of `op`. */
-mbn_result exchange(pdc_op op, const char *what, unsigned int timeout_s, const std::function<int()> &send)
+/* Sends with `send` (given a fresh token) and waits for the outcome of
+ * `op`, the indication that carries the same token. */
+mbn_result exchange(pdc_op op, const char *what, unsigned int timeout_s, const std::function<int(uint32_t)> &send)
 {
+    uint32_t token = pdc_next_token();
     pdc_begin(op);
-    int rc = send();
+    int rc = send(token);
     if (rc != 0) {
         pdc_end(op);
         return send_failure(rc, what);
     }
-    pdc_wait_status w = pdc_wait_outcome(op, timeout_s * 1000u);
+    /* Pages of a list are checked by the list itself; the other outcomes
+     * must carry this request's token. */
+    pdc_wait_status w = pdc_wait_outcome(op, timeout_s * 1000u, op == PDC_OP_LIST ? 0 : token);
     if (w == PDC_WAIT_CANCELLED) return fail(k_mbn_exit_signal_base + mbn_session_signal(), "interrupted");
     if (w == PDC_WAIT_TIMEOUT) {
         return fail(k_mbn_exit_timeout, std::string(what) + ": no answer from the modem within " +
@@ -52,8 +56,8 @@ std::string format_id(const pdc_config_id &id) { return mbn_format_id(id.bytes, 
 /* Active and pending ids of type/sub into the report. */
 mbn_result get_selected(const mbn_options &o, mbn_report *r)
 {
-    mbn_result res = exchange(PDC_OP_GET_SELECTED, "selected", o.timeout_s, [&o] {
-        return pdc_request_get_selected(o.config_type, o.sub, pdc_next_token());
+    mbn_result res = exchange(PDC_OP_GET_SELECTED, "selected", o.timeout_s, [&o](uint32_t token) {
+        return pdc_request_get_selected(o.config_type, o.sub, token);
     });
     if (res.exit_code) return res;
     pdc_guard lock(g_pdc_info.pdc_mutex);
@@ -67,8 +71,8 @@ mbn_result list(const mbn_options &o, mbn_report *r)
 {
     uint32_t count = 0;
     pdc_config_list_element *head = nullptr;
-    mbn_result res = exchange(PDC_OP_LIST, "list", o.timeout_s, [&] {
-        return pdc_list_start(o.config_type, &count, &head);
+    mbn_result res = exchange(PDC_OP_LIST, "list", o.timeout_s, [&](uint32_t token) {
+        return pdc_list_start(o.config_type, token, &count, &head);
     });
     /* The handler pushed each id at the head: walk it backwards. */
     for (pdc_config_list_element *e = head; e; e = e->next) {
@@ -82,8 +86,8 @@ mbn_result list(const mbn_options &o, mbn_report *r)
 mbn_result info(const mbn_options &o, mbn_report *r)
 {
     r->id = format_id(o.id);
-    mbn_result res = exchange(PDC_OP_GET_CONFIG_INFO, "info", o.timeout_s, [&o] {
-        return pdc_request_config_info(o.config_type, o.id, pdc_next_token());
+    mbn_result res = exchange(PDC_OP_GET_CONFIG_INFO, "info", o.timeout_s, [&o](uint32_t token) {
+        return pdc_request_config_info(o.config_type, o.id, token);
     });
     if (res.exit_code) return res;
     pdc_guard lock(g_pdc_info.pdc_mutex);
@@ -137,9 +141,9 @@ mbn_result load(const mbn_options &o, mbn_report *r)
     for (size_t sent = 0; sent < data.size();) {
         uint32_t frame = uint32_t(data.size() - sent < PDC_CONFIG_FRAME_SIZE_MAX_V01 ? data.size() - sent
                                                                                     : PDC_CONFIG_FRAME_SIZE_MAX_V01);
-        mbn_result res = exchange(PDC_OP_LOAD, "load", o.timeout_s, [&] {
+        mbn_result res = exchange(PDC_OP_LOAD, "load", o.timeout_s, [&](uint32_t token) {
             return pdc_request_load_frame(o.config_type, id, uint32_t(data.size()), data.data() + sent, frame,
-                                          pdc_next_token());
+                                          token);
         });
         if (res.exit_code) return res;
         sent += frame;
@@ -188,21 +192,21 @@ mbn_result mbn_run(const mbn_options &o, mbn_report *r)
         return load(o, r);
     case MBN_CMD_SELECT:
         r->id = format_id(o.id);
-        return exchange(PDC_OP_SELECT, "select", o.timeout_s, [&o] {
-            return pdc_request_select(o.config_type, o.id, o.sub, pdc_next_token());
+        return exchange(PDC_OP_SELECT, "select", o.timeout_s, [&o](uint32_t token) {
+            return pdc_request_select(o.config_type, o.id, o.sub, token);
         });
     case MBN_CMD_ACTIVATE:
-        return exchange(PDC_OP_ACTIVATE, "activate", o.timeout_s, [&o] {
-            return pdc_request_activate(o.config_type, o.sub, pdc_next_token());
+        return exchange(PDC_OP_ACTIVATE, "activate", o.timeout_s, [&o](uint32_t token) {
+            return pdc_request_activate(o.config_type, o.sub, token);
         });
     case MBN_CMD_DEACTIVATE:
-        return exchange(PDC_OP_DEACTIVATE, "deactivate", o.timeout_s, [&o] {
-            return pdc_request_deactivate(o.config_type, o.sub, pdc_next_token());
+        return exchange(PDC_OP_DEACTIVATE, "deactivate", o.timeout_s, [&o](uint32_t token) {
+            return pdc_request_deactivate(o.config_type, o.sub, token);
         });
     case MBN_CMD_DELETE:
         r->id = format_id(o.id);
-        return exchange(PDC_OP_DELETE, "delete", o.timeout_s, [&o] {
-            return pdc_request_delete(o.config_type, o.id, pdc_next_token());
+        return exchange(PDC_OP_DELETE, "delete", o.timeout_s, [&o](uint32_t token) {
+            return pdc_request_delete(o.config_type, o.id, token);
         });
     default:
         return fail(k_mbn_exit_usage, "no command");

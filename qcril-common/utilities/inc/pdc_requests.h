@@ -33,11 +33,12 @@ int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len);
 void pdc_begin(pdc_op op);
 /* Clears the in-progress mark of `op` (a request that was not sent). */
 void pdc_end(pdc_op op);
-/* Waits (bounded by timeout_ms) for the outcome of `op`; clears the
- * in-progress mark when it ends. */
-pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms);
+/* Waits (bounded by timeout_ms) for the outcome of `op`; with a non-zero
+ * `token`, an indication carrying another token is not the outcome and
+ * the wait goes on.  Clears the in-progress mark when it ends. */
+pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms, uint32_t token = 0);
 
-/* A fresh token for a request. */
+/* A fresh token for a request (never 0). */
 uint32_t pdc_next_token();
 
 /* The requests.  `sub` is the subscription; `token` pairs the request with
@@ -54,8 +55,8 @@ int pdc_request_load_frame(uint32_t config_type, const pdc_config_id &id, uint32
 
 /* Starts listing `config_type` into the caller's count and list head (the
  * list slot keeps pointers to them until the list ends) and sends the
- * first request. */
-int pdc_list_start(uint32_t config_type, uint32_t *num_of_configs, pdc_config_list_element **holder);
+ * first request with `token`, which every further page reuses. */
+int pdc_list_start(uint32_t config_type, uint32_t token, uint32_t *num_of_configs, pdc_config_list_element **holder);
 /* Frees a list built by the list handler. */
 void pdc_free_config_list(pdc_config_list_element *head);
 

@@ -40,7 +40,11 @@ void pdc_end(pdc_op op)
     end_locked(op);
 }
 
-uint32_t pdc_next_token() { return g_next_token++; }
+uint32_t pdc_next_token()
+{
+    uint32_t token = g_next_token++;
+    return token ? token : g_next_token++; /* 0 means "no token" */
+}
 
 int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len)
 {
@@ -70,21 +74,29 @@ void pdc_begin(pdc_op op)
     *v.done = 0;
     *v.result = PDC_RESULT_SUCCESS;
     *v.qmi_error = 0;
+    *v.ind_token = 0;
 }
 
-pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms)
+pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms, uint32_t token)
 {
     pdc_lock lock(g_pdc_info.pdc_mutex);
     pdc_slot_view v = pdc_slot_of(op);
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
     *v.waiting = 1;
-    bool arrived = g_pdc_info.cond[op].wait_until(lock, deadline, [&v] {
-        return *v.done || g_pdc_info.cancelled;
-    });
+    for (;;) {
+        bool woken = g_pdc_info.cond[op].wait_until(lock, deadline, [&v] {
+            return *v.done || g_pdc_info.cancelled;
+        });
+        /* An indication that answered another request (its token is not
+         * ours) does not end the wait. */
+        if (!woken || g_pdc_info.cancelled || !token || !*v.ind_token || *v.ind_token == token) break;
+        *v.done = 0;
+        *v.ind_token = 0;
+    }
     *v.waiting = 0;
     end_locked(op);
     if (*v.done) return PDC_WAIT_DONE;
-    return arrived ? PDC_WAIT_CANCELLED : PDC_WAIT_TIMEOUT;
+    return g_pdc_info.cancelled ? PDC_WAIT_CANCELLED : PDC_WAIT_TIMEOUT;
 }
 
 int pdc_request_list(uint32_t config_type, uint32_t token)
@@ -191,9 +203,8 @@ int pdc_request_load_frame(uint32_t config_type, const pdc_config_id &id, uint32
     return rc;
 }
 
-int pdc_list_start(uint32_t config_type, uint32_t *num_of_configs, pdc_config_list_element **holder)
+int pdc_list_start(uint32_t config_type, uint32_t token, uint32_t *num_of_configs, pdc_config_list_element **holder)
 {
-    uint32_t token = pdc_next_token();
     {
         pdc_lock lock(g_pdc_info.pdc_mutex);
         pdc_list_slot &s = g_pdc_info.slots.list;

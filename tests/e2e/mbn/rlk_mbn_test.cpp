@@ -197,6 +197,25 @@ TEST_F(RlkMbnTest, BinaryIdsRoundTripAsHex)
     EXPECT_EQ(info.out, "{\"id\":\"hex:00ff10\",\"size\":10,\"version\":0,\"description\":\"Loaded configuration\"}\n");
 }
 
+/* An indication of the same message for another request (its token is
+ * not this run's) does not end the wait. */
+TEST_F(RlkMbnTest, AnIndicationWithAnotherTokenIsNotTheOutcome)
+{
+    sim.ctl_ok("pdc fail 0x23 noind 1");
+    int before = count_msg(pdc_journal(sim), "0x0023");
+    mbn_background bg(sim, {"select", "Commercial_VZW_VoLTE", "--timeout", "1"});
+    bool sent = false;
+    for (long long end = monotonic_ms() + 5000; !sent && monotonic_ms() < end; usleep(5000)) {
+        sent = count_msg(pdc_journal(sim), "0x0023") > before;
+    }
+    ASSERT_TRUE(sent);
+    EXPECT_EQ(sim.ctl("ind pdc 0x23 010200000010040000ffffff"), "ok");
+    int status = bg.wait(5000);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    EXPECT_EQ(bg.err(), "rlk-mbn: select: no answer from the modem within 1 s\n");
+}
+
 /* SIGTERM (and SIGINT) while the run waits for an indication that never
  * comes: the run ends at once, releases its client, and the simulator has
  * no PDC client left. */

@@ -75,6 +75,26 @@ TEST(PdcSimpleHandlers, WaiterIsWokenAndALateWaiterSeesTheOutcome)
     EXPECT_EQ(pdc_wait_outcome(PDC_OP_DELETE, 1), PDC_WAIT_DONE);
 }
 
+TEST(PdcWaiter, AnOutcomeWithAnotherTokenDoesNotEndTheWait)
+{
+    pdc_log_scope log;
+    pdc_begin(PDC_OP_SELECT);
+    pdc_wait_status status = PDC_WAIT_TIMEOUT;
+    std::thread waiter([&status] { status = pdc_wait_outcome(PDC_OP_SELECT, 5000, 5); });
+    pdc_generic_ind_msg_v01 other = generic_ind(3);
+    other.ind_token_valid = 1;
+    other.ind_token = 9;
+    qmi_pdc_select_config_ind_hdlr(&other, sizeof(other));
+    usleep(20000);
+    pdc_generic_ind_msg_v01 ours = generic_ind(0);
+    ours.ind_token_valid = 1;
+    ours.ind_token = 5;
+    qmi_pdc_select_config_ind_hdlr(&ours, sizeof(ours));
+    waiter.join();
+    EXPECT_EQ(status, PDC_WAIT_DONE);
+    EXPECT_EQ(outcome_of(PDC_OP_SELECT).result, PDC_RESULT_SUCCESS) << "the outcome is our request's";
+}
+
 TEST(PdcWaiter, TimeOutAndCancel)
 {
     pdc_log_scope log;
