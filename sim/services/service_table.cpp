@@ -4,6 +4,7 @@
 #include "vs_stats_service.h"
 #include "uim_service.h"
 #include "sar_service.h"
+#include "pdc_service.h"
 
 namespace modemd {
 
@@ -12,6 +13,7 @@ const sim_service_def *const g_sim_services[] = {
     &g_vs_stats_service_def,
     &g_uim_service_def,
     &g_sar_service_def,
+    &g_pdc_service_def,
 };
 const size_t g_sim_service_count = sizeof(g_sim_services) / sizeof(g_sim_services[0]);
 

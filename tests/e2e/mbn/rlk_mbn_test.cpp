@@ -1,0 +1,253 @@
+/* rlk-mbn end to end against a private simulator: paged lists, a load
+ * followed by select and activate across the modem's restart, delete,
+ * every PDC failure by name with its exit status, time-outs, and a run
+ * stopped by a signal while it waits. */
+#include <signal.h>
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "mbn_test_util.h"
+
+namespace {
+
+class RlkMbnTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim.start());
+        sim.ctl_ok("pdc reset");
+    }
+
+    std::string write_file(const std::string &name, size_t size)
+    {
+        std::string path = sim.dir() + "/" + name;
+        std::ofstream f(path, std::ios::binary);
+        for (size_t i = 0; i < size; i++) f.put(char(i * 7 + 3));
+        return path;
+    }
+
+    sim_instance sim;
+};
+
+TEST_F(RlkMbnTest, ListOfSixtyComesInThreePagesWithOneToken)
+{
+    sim.ctl_ok("pdc clear sw");
+    sim.ctl_ok("pdc fill sw 60");
+    mbn_run r = run_mbn(sim, {"list", "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_NE(r.out.find("\"count\":60,"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("{\"id\":\"sw_cfg_000\",\"active\":false,\"pending\":false},{\"id\":\"sw_cfg_001\""),
+              std::string::npos)
+        << "ids in the modem's order";
+    EXPECT_NE(r.out.find("{\"id\":\"sw_cfg_059\",\"active\":false,\"pending\":false}]}"), std::string::npos);
+    std::vector<std::string> journal = pdc_journal(sim);
+    ASSERT_EQ(count_msg(journal, "0x0024"), 3);
+    /* Every page was asked for with the same token (TLV 0x10). */
+    std::string token;
+    for (const std::string &l : journal) {
+        if (l.compare(0, 13, "0x0024 0x0024") != 0) continue;
+        size_t at = l.rfind(' ') + 1 + 14; /* header, then "10 04 00" */
+        ASSERT_EQ(l.substr(at, 6), "100400");
+        if (token.empty()) token = l.substr(at + 6, 8);
+        EXPECT_EQ(l.substr(at + 6, 8), token);
+    }
+    std::vector<std::string> pages;
+    for (const std::string &line : r.logcat) {
+        if (line.compare(0, 11, "PDC_SUCCESS") == 0) pages.push_back(line);
+    }
+    EXPECT_EQ(pages, (std::vector<std::string>{
+                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 1, get_list_complete 0",
+                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 1, get_list_complete 0",
+                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 0, get_list_complete 1"}));
+    EXPECT_EQ(r.logcat.back(), "Release client connection to PDC");
+}
+
+TEST_F(RlkMbnTest, ListMarksTheActiveConfiguration)
+{
+    mbn_run r = run_mbn(sim, {"list", "--type", "hw", "--sub", "1"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(r.out, "2 hw configurations (sub 1)\n  mcfg_hw_ssss\n  mcfg_hw_dsds  [active]\n");
+}
+
+TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
+{
+    sim.ctl_ok("pdc timing 100 300");
+    /* Three frames: 32768 + 32768 + 4464 bytes. */
+    std::string file = write_file("carrier_x.mbn", 70000);
+    mbn_run load = run_mbn(sim, {"load", file});
+    ASSERT_EQ(load.exit_code, 0) << load.err;
+    EXPECT_EQ(load.out, "loaded carrier_x.mbn (70000 bytes)\n");
+    EXPECT_EQ(sim.ctl_ok("counter get pdc.load_frames"), "3");
+    mbn_run info = run_mbn(sim, {"info", "carrier_x.mbn"});
+    EXPECT_EQ(info.out, "id: carrier_x.mbn\nsize: 70000\nversion: 0x00000000\ndescription: carrier_x.mbn\n");
+
+    EXPECT_EQ(run_mbn(sim, {"select", "carrier_x.mbn", "--sub", "1"}).exit_code, 0);
+    EXPECT_EQ(run_mbn(sim, {"selected", "--sub", "1"}).out, "active: ROW_Generic_3GPP\npending: carrier_x.mbn\n");
+    long long start = monotonic_ms();
+    mbn_run act = run_mbn(sim, {"activate", "--sub", "1"});
+    ASSERT_EQ(act.exit_code, 0) << act.err;
+    EXPECT_GE(monotonic_ms() - start, 100) << "activation takes its time";
+    EXPECT_EQ(act.out, "activated; the modem restarts\n");
+    /* The restart takes every service down and brings them back. */
+    bool restarted = false;
+    for (long long end = monotonic_ms() + 5000; !restarted && monotonic_ms() < end; usleep(10000)) {
+        restarted = sim.ctl_ok("counter get pdc.restarts") == "1" && sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+    }
+    ASSERT_TRUE(restarted);
+    EXPECT_NE(sim.ctl_ok("services").find("ext 0xffe4 instance 0 up port 3"), std::string::npos) << "new ports after the restart";
+    mbn_run sel = run_mbn(sim, {"selected", "--sub", "1", "--json"});
+    ASSERT_EQ(sel.exit_code, 0) << sel.err;
+    EXPECT_EQ(sel.out, "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n");
+    EXPECT_EQ(run_mbn(sim, {"selected"}).out, "active: ROW_Generic_3GPP\npending: none\n") << "sub 0 unchanged";
+
+    /* The state is on disk: a restarted simulator still has it. */
+    sim.stop();
+    ASSERT_TRUE(sim.restart());
+    EXPECT_EQ(run_mbn(sim, {"selected", "--sub", "1"}).out, "active: carrier_x.mbn\npending: none\n");
+}
+
+TEST_F(RlkMbnTest, DeleteAndDeactivate)
+{
+    mbn_run del = run_mbn(sim, {"delete", "Commercial_TMO_VoLTE"});
+    ASSERT_EQ(del.exit_code, 0) << del.err;
+    EXPECT_EQ(del.out, "deleted Commercial_TMO_VoLTE\n");
+    EXPECT_EQ(sim.ctl_ok("pdc show").find("Commercial_TMO_VoLTE"), std::string::npos);
+    mbn_run again = run_mbn(sim, {"delete", "Commercial_TMO_VoLTE"});
+    EXPECT_EQ(again.exit_code, 1);
+    EXPECT_EQ(again.err, "rlk-mbn: delete: failed (QMI error 41)\n");
+    mbn_run active = run_mbn(sim, {"delete", "ROW_Generic_3GPP"});
+    EXPECT_EQ(active.err, "rlk-mbn: delete: failed (QMI error 90)\n") << "the active configuration stays";
+
+    EXPECT_EQ(run_mbn(sim, {"deactivate"}).exit_code, 0);
+    EXPECT_EQ(run_mbn(sim, {"selected"}).out, "active: none\npending: none\n");
+    EXPECT_EQ(run_mbn(sim, {"deactivate"}).err, "rlk-mbn: deactivate: failed (QMI error 16)\n");
+}
+
+TEST_F(RlkMbnTest, EveryFailureByNameWithItsExitStatus)
+{
+    struct failure_case {
+        const char *name;
+        std::vector<std::string> setup; /* control requests */
+        std::vector<std::string> args;
+        int exit_code;
+        std::string err;
+    };
+    std::string file = write_file("f.mbn", 100);
+    const failure_case cases[] = {
+        {"no memory", {"pdc capacity 1000"}, {"load", file}, 4,
+         "rlk-mbn: load: no memory (the modem has no room for the configuration)\n"},
+        {"config exists", {}, {"load", file, "--id", "ROW_Generic_3GPP"}, 5,
+         "rlk-mbn: load: config exists (a configuration with this id is stored)\n"},
+        {"frame reset", {"pdc fail 0x26 reset 1"}, {"load", file}, 6,
+         "rlk-mbn: load: frame reset (the modem dropped the partial transfer)\n"},
+        {"no MBN", {"pdc clear hw"}, {"list", "--type", "hw"}, 7,
+         "rlk-mbn: list: no MBN (no configuration of this type is stored)\n"},
+        {"no memory forced", {"pdc fail 0x26 nomem 1"}, {"load", file}, 4,
+         "rlk-mbn: load: no memory (the modem has no room for the configuration)\n"},
+        {"exists forced", {"pdc fail 0x26 exists 1"}, {"load", file}, 5,
+         "rlk-mbn: load: config exists (a configuration with this id is stored)\n"},
+        {"no MBN forced", {"pdc fail 0x24 nombn 1"}, {"list"}, 7,
+         "rlk-mbn: list: no MBN (no configuration of this type is stored)\n"},
+        {"no indication", {"pdc fail 0x22 noind 1"}, {"selected", "--timeout", "1"}, 3,
+         "rlk-mbn: selected: no answer from the modem within 1 s\n"},
+        {"refused request", {}, {"activate", "--type", "hw"}, 1, "rlk-mbn: activate: failed (QMI error 16)\n"},
+    };
+    for (const failure_case &c : cases) {
+        SCOPED_TRACE(c.name);
+        sim.ctl_ok("pdc reset");
+        for (const std::string &s : c.setup) sim.ctl_ok(s);
+        mbn_run r = run_mbn(sim, c.args);
+        EXPECT_EQ(r.exit_code, c.exit_code);
+        EXPECT_EQ(r.err, c.err);
+        EXPECT_EQ(r.out, "");
+        ASSERT_FALSE(r.logcat.empty());
+        EXPECT_EQ(r.logcat.back(), "Release client connection to PDC") << "released on the failure path too";
+    }
+}
+
+TEST_F(RlkMbnTest, UsageErrorsAndAnAbsentService)
+{
+    const std::vector<std::string> bad[] = {
+        {}, {"frobnicate"}, {"info"}, {"list", "extra"}, {"list", "--sub", "2"}, {"list", "--type", "xx"},
+        {"list", "--timeout", "0"}, {"delete", std::string(125, 'x')}, {"info", "hex:zz"},
+    };
+    for (const auto &args : bad) {
+        mbn_run r = run_mbn(sim, args);
+        EXPECT_EQ(r.exit_code, 2) << (args.empty() ? "" : args[0]);
+        EXPECT_EQ(r.err.compare(0, 9, "rlk-mbn: "), 0);
+        EXPECT_TRUE(r.logcat.empty()) << "PDC untouched";
+    }
+    EXPECT_EQ(run_mbn(sim, {"--help"}).exit_code, 0);
+
+    sim.ctl_ok("down pdc");
+    long long start = monotonic_ms();
+    mbn_run r = run_mbn(sim, {"list", "--timeout", "1"});
+    EXPECT_EQ(r.exit_code, 8);
+    EXPECT_EQ(r.err, "rlk-mbn: the PDC service is not available\n");
+    EXPECT_LT(monotonic_ms() - start, 4000) << "the retries stop at the time-out";
+}
+
+TEST_F(RlkMbnTest, BinaryIdsRoundTripAsHex)
+{
+    std::string file = write_file("bin.mbn", 10);
+    EXPECT_EQ(run_mbn(sim, {"load", file, "--id", "hex:00ff10"}).out, "loaded hex:00ff10 (10 bytes)\n");
+    mbn_run info = run_mbn(sim, {"info", "hex:00ff10", "--json"});
+    EXPECT_EQ(info.out, "{\"id\":\"hex:00ff10\",\"size\":10,\"version\":0,\"description\":\"Loaded configuration\"}\n");
+}
+
+/* An indication of the same message for another request (its token is
+ * not this run's) does not end the wait. */
+TEST_F(RlkMbnTest, AnIndicationWithAnotherTokenIsNotTheOutcome)
+{
+    sim.ctl_ok("pdc fail 0x23 noind 1");
+    int before = count_msg(pdc_journal(sim), "0x0023");
+    mbn_background bg(sim, {"select", "Commercial_VZW_VoLTE", "--timeout", "1"});
+    bool sent = false;
+    for (long long end = monotonic_ms() + 5000; !sent && monotonic_ms() < end; usleep(5000)) {
+        sent = count_msg(pdc_journal(sim), "0x0023") > before;
+    }
+    ASSERT_TRUE(sent);
+    EXPECT_EQ(sim.ctl("ind pdc 0x23 010200000010040000ffffff"), "ok");
+    int status = bg.wait(5000);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    EXPECT_EQ(bg.err(), "rlk-mbn: select: no answer from the modem within 1 s\n");
+}
+
+/* SIGTERM (and SIGINT) while the run waits for an indication that never
+ * comes: the run ends at once, releases its client, and the simulator has
+ * no PDC client left. */
+TEST_F(RlkMbnTest, SignalWhileWaitingReleasesTheClient)
+{
+    for (int sig : {SIGTERM, SIGINT}) {
+        SCOPED_TRACE(sig);
+        sim.ctl_ok("pdc fail 0x27 noind");
+        sim.ctl_ok("pdc add sw pending_one");
+        ASSERT_EQ(run_mbn(sim, {"select", "pending_one"}).exit_code, 0);
+        int before = count_msg(pdc_journal(sim), "0x0027");
+        mbn_background bg(sim, {"activate", "--timeout", "60"});
+        bool sent = false;
+        for (long long end = monotonic_ms() + 5000; !sent && monotonic_ms() < end; usleep(5000)) {
+            sent = count_msg(pdc_journal(sim), "0x0027") > before;
+        }
+        ASSERT_TRUE(sent);
+        usleep(50000); /* well inside the wait */
+        long long start = monotonic_ms();
+        bg.signal(sig);
+        int status = bg.wait(5000);
+        EXPECT_LT(monotonic_ms() - start, 2000);
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 128 + sig);
+        EXPECT_EQ(bg.err(), "rlk-mbn: interrupted\n");
+        ASSERT_FALSE(bg.logcat().empty());
+        EXPECT_EQ(bg.logcat().back(), "Release client connection to PDC");
+        /* No client is left to receive a configuration-change indication. */
+        EXPECT_EQ(sim.ctl("ind pdc 0x21 010600010000000161"), "error no client");
+        sim.ctl_ok("pdc clear-faults");
+        sim.ctl_ok("pdc reset");
+    }
+}
+
+}  // namespace

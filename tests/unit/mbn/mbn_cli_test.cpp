@@ -1,0 +1,74 @@
+/* rlk-mbn's command line, ids as users write them, and JSON output of
+ * texts the modem chose (descriptions). */
+#include <gtest/gtest.h>
+
+#include "mbn_options.h"
+#include "mbn_print.h"
+
+namespace {
+
+bool parse(std::vector<std::string> words, mbn_options *o, std::string *error)
+{
+    std::vector<char *> argv = {const_cast<char *>("rlk-mbn")};
+    for (std::string &w : words) argv.push_back(&w[0]);
+    return mbn_parse_options(int(argv.size()), argv.data(), o, error);
+}
+
+TEST(MbnOptions, OptionsMayComeAnywhere)
+{
+    mbn_options o;
+    std::string error;
+    ASSERT_TRUE(parse({"--sub", "1", "select", "abc", "--type", "hw", "--timeout", "5", "--json"}, &o, &error));
+    EXPECT_EQ(o.command, MBN_CMD_SELECT);
+    EXPECT_EQ(o.sub, 1u);
+    EXPECT_EQ(o.config_type, uint32_t(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01));
+    EXPECT_EQ(o.timeout_s, 5u);
+    EXPECT_TRUE(o.json);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(o.id.bytes), o.id.len), "abc");
+}
+
+TEST(MbnOptions, WrongWordsAreRefusedWithAReason)
+{
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"list", "--timeout"}, "--timeout needs a value"},
+        {{"list", "--timeout", "3601"}, "--timeout takes 1 to 3600 seconds"},
+        {{"list", "--sub", "-1"}, "--sub takes 0 or 1"},
+        {{"select"}, "select takes one argument"},
+        {{"activate", "x"}, "activate takes no argument"},
+        {{"load", "f", "--id", ""}, "--id takes an id of 1 to 124 bytes"},
+        {{"list", "--frob"}, "unknown option --frob"},
+    };
+    for (const auto &c : cases) {
+        mbn_options o;
+        std::string error;
+        EXPECT_FALSE(parse(c.first, &o, &error));
+        EXPECT_EQ(error, c.second);
+    }
+}
+
+TEST(MbnIds, HexFormRoundTripsAndTheLimitIsKept)
+{
+    pdc_config_id id;
+    ASSERT_TRUE(mbn_parse_id("hex:00FFa0", &id));
+    EXPECT_EQ(id.len, 3u);
+    EXPECT_EQ(mbn_format_id(id.bytes, id.len), "hex:00ffa0");
+    EXPECT_FALSE(mbn_parse_id("hex:0", &id)) << "odd digit count";
+    EXPECT_FALSE(mbn_parse_id("hex:", &id)) << "empty";
+    EXPECT_TRUE(mbn_parse_id(std::string(124, 'a'), &id));
+    EXPECT_FALSE(mbn_parse_id(std::string(125, 'a'), &id));
+    /* Printable text that would read back as hex, or with blanks or quotes,
+     * is shown in the hex form. */
+    const std::string tricky[] = {"hex:ab", "a b", "a\"b"};
+    for (const std::string &t : tricky) {
+        std::string shown = mbn_format_id(reinterpret_cast<const uint8_t *>(t.data()), uint32_t(t.size()));
+        ASSERT_TRUE(mbn_parse_id(shown, &id)) << shown;
+        EXPECT_EQ(std::string(reinterpret_cast<char *>(id.bytes), id.len), t);
+    }
+}
+
+TEST(MbnJson, DescriptionsAreEscaped)
+{
+    EXPECT_EQ(mbn_json_string("a\"b\\c\n\x01\xc3"), "\"a\\\"b\\\\c\\u000a\\u0001\\u00c3\"");
+}
+
+}  // namespace

@@ -1,0 +1,84 @@
+/* Helpers of the PDC client tests: a private radio log per test, a clean
+ * g_pdc_info, and indication structures built in a line. */
+#ifndef RLK_PDC_TEST_UTIL_H
+#define RLK_PDC_TEST_UTIL_H
+
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "pdc_requests.h"
+#include "pdc_utils.h"
+#include "sim_fixture.h"
+
+/* Points the Android log of this process at a fresh file for one test and
+ * resets the PDC client's record. */
+class pdc_log_scope {
+public:
+    pdc_log_scope()
+    {
+        char path[] = "/tmp/rlk_pdc_logcat_XXXXXX";
+        int fd = mkstemp(path);
+        if (fd >= 0) close(fd);
+        path_ = path;
+        const char *old = getenv("RLK_LOGCAT_FILE");
+        saved_ = old ? old : "";
+        setenv("RLK_LOGCAT_FILE", path_.c_str(), 1);
+        qmi_pdc_init_pdc_info();
+        pdc_reset_cancel();
+        start_ = lines().size();
+    }
+    ~pdc_log_scope()
+    {
+        if (saved_.empty()) {
+            unsetenv("RLK_LOGCAT_FILE");
+        } else {
+            setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
+        }
+        unlink(path_.c_str());
+    }
+    /* "<priority> <message>" of every PDC_UTIL line since the scope began. */
+    std::vector<std::string> lines() const
+    {
+        std::vector<std::string> out;
+        for (const log_line &l : read_log_file(path_, true)) {
+            EXPECT_EQ(l.buffer, 1);
+            EXPECT_EQ(l.tag, "PDC_UTIL");
+            out.push_back(std::to_string(l.priority) + " " + l.text);
+        }
+        return std::vector<std::string>(out.begin() + long(start_ < out.size() ? start_ : out.size()), out.end());
+    }
+
+private:
+    std::string path_, saved_;
+    size_t start_ = 0;
+};
+
+inline pdc_generic_ind_msg_v01 generic_ind(int32_t error)
+{
+    pdc_generic_ind_msg_v01 ind;
+    memset(&ind, 0, sizeof(ind));
+    ind.error = error;
+    return ind;
+}
+
+/* The stored outcome of `op`, read under the PDC mutex. */
+struct pdc_outcome_copy {
+    uint32_t done;
+    int8_t result;
+    uint16_t qmi_error;
+};
+inline pdc_outcome_copy outcome_of(pdc_op op)
+{
+    std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+    pdc_slot_view v = pdc_slot_of(op);
+    return {*v.done, *v.result, *v.qmi_error};
+}
+
+#endif
