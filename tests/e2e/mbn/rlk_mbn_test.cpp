@@ -85,6 +85,13 @@ TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
 
     EXPECT_EQ(run_mbn(sim, {"select", "carrier_x.mbn", "--sub", "1"}).exit_code, 0);
     EXPECT_EQ(run_mbn(sim, {"selected", "--sub", "1"}).out, "active: ROW_Generic_3GPP\npending: carrier_x.mbn\n");
+    /* The extension service's line of `services` ("ext 0xffe4 instance 0 up port N"). */
+    auto ext_line = [this] {
+        std::string all = sim.ctl_ok("services");
+        size_t at = all.find("ext 0xffe4");
+        return at == std::string::npos ? std::string() : all.substr(at, all.find('\n', at) - at);
+    };
+    std::string ext_before = ext_line();
     long long start = monotonic_ms();
     mbn_run act = run_mbn(sim, {"activate", "--sub", "1"});
     ASSERT_EQ(act.exit_code, 0) << act.err;
@@ -96,7 +103,9 @@ TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
         restarted = sim.ctl_ok("counter get pdc.restarts") == "1" && sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
     }
     ASSERT_TRUE(restarted);
-    EXPECT_NE(sim.ctl_ok("services").find("ext 0xffe4 instance 0 up port 3"), std::string::npos) << "new ports after the restart";
+    std::string ext_after = ext_line();
+    EXPECT_NE(ext_after.find(" up port "), std::string::npos) << ext_after;
+    EXPECT_NE(ext_after, ext_before) << "a new port after the restart";
     mbn_run sel = run_mbn(sim, {"selected", "--sub", "1", "--json"});
     ASSERT_EQ(sel.exit_code, 0) << sel.err;
     EXPECT_EQ(sel.out, "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n");
