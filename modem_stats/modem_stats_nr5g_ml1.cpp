@@ -27,10 +27,16 @@ constexpr uint32_t Q7_FIELD_BITS = 32;
  * which rsrp_i2/rsrp_i3 take Rx 2 and Rx 3. */
 constexpr size_t B97F_CARRIER_FIELDS = 5;
 typedef modem_stats_bit_field_row b97f_carrier_rows[B97F_CARRIER_FIELDS];
-constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V2 = {
-    {"cc_id", 40, 8, 8}, {"num_cells", 32, 8, 8}, {"srv_pci", 48, 16, 16}, {"rsrp_i2", 96, 32, 32}, {"rsrp_i3", 128, 32, 32}};
-constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V3 = {
-    {"cc_id", 32, 8, 8}, {"num_cells", 40, 8, 8}, {"srv_pci", 48, 16, 16}, {"rsrp_i2", 160, 32, 32}, {"rsrp_i3", 192, 32, 32}};
+constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V2 = {{"cc_id", 40, 8, 8},
+                                                    {"num_cells", 32, 8, 8},
+                                                    {"srv_pci", 48, 16, 16},
+                                                    {"rsrp_i2", 96, 32, 32},
+                                                    {"rsrp_i3", 128, 32, 32}};
+constexpr b97f_carrier_rows B97F_CARRIER_ROWS_V3 = {{"cc_id", 32, 8, 8},
+                                                    {"num_cells", 40, 8, 8},
+                                                    {"srv_pci", 48, 16, 16},
+                                                    {"rsrp_i2", 160, 32, 32},
+                                                    {"rsrp_i3", 192, 32, 32}};
 constexpr uint32_t B97F_CARRIER_BYTES_V2 = 32;
 constexpr uint32_t B97F_CARRIER_BYTES_V3 = 40;
 

@@ -3,7 +3,10 @@
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <linux/openat2.h>
 #include <stdio.h>
+#include <string.h>
+#include <sys/syscall.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,11 +66,42 @@ void fd_guard::reset(int fd)
 
 int open_dir_nofollow(const std::string &dir) { return open(dir.c_str(), k_dir_flags); }
 
+/* One system call where the kernel has openat2(): the whole relative path
+ * resolved beneath `at` with no link allowed anywhere in it.  -1 with
+ * errno ENOSYS where it has not (or a filter forbids it). */
+int open_beneath(int at, const std::vector<std::string> &components, size_t count)
+{
+#if defined(SYS_openat2) && defined(RESOLVE_NO_SYMLINKS)
+    std::string rel = ".";
+    for (size_t i = 0; i < count && i < components.size(); i++) rel += "/" + components[i];
+    struct open_how how;
+    memset(&how, 0, sizeof(how));
+    how.flags = k_dir_flags;
+    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+    long fd = syscall(SYS_openat2, at, rel.c_str(), &how, sizeof(how));
+    if (fd >= 0) return static_cast<int>(fd);
+    if (errno == EPERM || errno == EINVAL || errno == E2BIG) errno = ENOSYS;
+    return -1;
+#else
+    (void)at;
+    (void)components;
+    (void)count;
+    errno = ENOSYS;
+    return -1;
+#endif
+}
+
 int open_subdir_nofollow(int at, const std::vector<std::string> &components, size_t count, bool create)
 {
-    int cur = dup(at);
+    int fast = open_beneath(at, components, count);
+    if (fast >= 0 || (errno != ENOSYS && !(create && errno == ENOENT))) return fast;
+    return open_subdir_walk(at, components, count, create);
+}
+
+int open_subdir_walk(int at, const std::vector<std::string> &components, size_t count, bool create)
+{
+    int cur = fcntl(at, F_DUPFD_CLOEXEC, 0);
     if (cur < 0) return -1;
-    fcntl(cur, F_SETFD, FD_CLOEXEC);
     for (size_t i = 0; i < count && i < components.size(); i++) {
         const char *name = components[i].c_str();
         int next = openat(cur, name, k_dir_flags);

@@ -36,6 +36,9 @@ int open_dir_nofollow(const std::string &dir);
  * may be a symbolic link; with `create`, missing ones are made (0700).
  * -1 with errno set (ELOOP or ENOTDIR for a link or a file on the way). */
 int open_subdir_nofollow(int at, const std::vector<std::string> &components, size_t count, bool create);
+/* The same, one openat() per component: what open_subdir_nofollow falls
+ * back to on kernels without openat2(). */
+int open_subdir_walk(int at, const std::vector<std::string> &components, size_t count, bool create);
 
 /* Replaces `name` in directory `dir_fd` atomically: a temporary file
  * ".<name>.tmp.<pid>" is written, synced and renamed over it, and the

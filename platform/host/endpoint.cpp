@@ -127,6 +127,8 @@ int trusted_or_closed(int fd)
     std::string error;
     if (modemd_peer_is_trusted(fd, &error)) return fd;
     close(fd);
+    /* Nor does this process start a simulator of its own there later. */
+    g_autostart_tried = true;
     return refuse(error);
 }
 

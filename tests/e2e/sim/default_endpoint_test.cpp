@@ -26,6 +26,17 @@ constexpr uid_t k_other_uid = 65534;
 constexpr int k_run_ms = 10000;
 /* How long the other user's simulator waits for the tool's packets. */
 constexpr int k_listen_ms = 3000;
+/* Up to 5 s for the simulator this test started to leave. */
+constexpr int k_exit_polls = 250;
+constexpr useconds_t k_exit_poll_us = 20000;
+
+/* Alive and not a zombie waiting for whoever adopted it. */
+bool running(pid_t pid)
+{
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string pid_text, name, state;
+    return stat >> pid_text >> name >> state && state != "Z";
+}
 
 class DefaultEndpointTest : public ::testing::Test {
 protected:
@@ -105,7 +116,10 @@ TEST_F(DefaultEndpointTest, PlantedDefaultDirectoryIsRefused)
     std::ifstream lock(dir + "/state/lock");
     pid_t pid = 0;
     lock >> pid;
-    if (pid > 0) kill(pid, SIGTERM);
+    if (pid > 0 && kill(pid, SIGTERM) == 0) {
+        /* Gone before the directory is removed under it. */
+        for (int i = 0; i < k_exit_polls && running(pid); i++) usleep(k_exit_poll_us);
+    }
 }
 
 /* Another user's simulator listens at the default socket of a private
@@ -125,39 +139,58 @@ TEST_F(DefaultEndpointTest, SimulatorOfAnotherUserIsNotUsed)
     addr.sun_family = AF_UNIX;
     snprintf(addr.sun_path, sizeof(addr.sun_path), "%s", path.c_str());
     ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)), 0);
-    int report[2];
+    int report[2], done[2], ready[2];
     ASSERT_EQ(pipe(report), 0);
+    ASSERT_EQ(pipe(done), 0);
+    ASSERT_EQ(pipe(ready), 0);
     pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        /* Reports how many bytes the tool sent (-1: never connected). */
-        long received = -1;
+        /* Serves every connection until the test is done, then reports how
+         * many connections came and how many bytes they sent. */
+        close(done[1]);
+        long counts[2] = {-1, -1};
         if (setgid(k_other_uid) == 0 && setuid(k_other_uid) == 0 && listen(listener, 4) == 0) {
-            pollfd p = {listener, POLLIN, 0};
-            if (poll(&p, 1, k_listen_ms) == 1) {
+            counts[0] = counts[1] = 0;
+            char c = 1;
+            if (write(ready[1], &c, 1) != 1) _exit(1);
+            for (;;) {
+                pollfd p[2] = {{listener, POLLIN, 0}, {done[0], POLLIN, 0}};
+                if (poll(p, 2, k_listen_ms) <= 0 || p[1].revents) break;
                 int conn = accept(listener, nullptr, nullptr);
-                received = 0;
+                if (conn < 0) break;
+                counts[0]++;
                 char buf[4096];
                 pollfd q = {conn, POLLIN, 0};
                 while (poll(&q, 1, k_listen_ms) == 1) {
                     ssize_t n = recv(conn, buf, sizeof(buf), 0);
                     if (n <= 0) break;
-                    received += n;
+                    counts[1] += n;
                 }
+                close(conn);
             }
         }
-        if (write(report[1], &received, sizeof(received)) != ssize_t(sizeof(received))) _exit(1);
+        if (write(report[1], counts, sizeof(counts)) != ssize_t(sizeof(counts))) _exit(1);
         _exit(0);
     }
     close(listener);
     close(report[1]);
+    close(done[0]);
+    close(ready[1]);
+    char c = 0;
+    ASSERT_EQ(read(ready[0], &c, 1), 1) << "the listener did not start";
+    close(ready[0]);
     run_result tool = run_process({PLATFORM_PROBE_BINARY}, env, "", k_run_ms);
     EXPECT_NE(tool.out, "0 1\n");
     EXPECT_NE(tool.err.find("runs as uid 65534"), std::string::npos) << tool.err;
-    long received = -2;
-    ASSERT_EQ(read(report[0], &received, sizeof(received)), ssize_t(sizeof(received)));
-    EXPECT_EQ(received, 0) << "the tool connected and sent its packets anyway";
+    close(done[1]);
+    long counts[2] = {-2, -2};
+    ASSERT_EQ(read(report[0], counts, sizeof(counts)), ssize_t(sizeof(counts)));
+    EXPECT_GE(counts[0], 1) << "the tool never connected";
+    EXPECT_EQ(counts[1], 0) << "the tool sent its packets anyway";
     close(report[0]);
+    /* Nor did it start a simulator of its own beside the other one. */
+    EXPECT_FALSE(exists(dir + "/state"));
     int status = 0;
     waitpid(child, &status, 0);
 }

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "state_files.h"
 #include "state_store.h"
 
 namespace {
@@ -110,6 +111,38 @@ TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
     std::vector<uint8_t> got;
     EXPECT_EQ(store.efs_read("/tst/real", &got), modemd::k_efs_ok);
     EXPECT_EQ(got, data);
+}
+
+/* Both ways of reaching a directory (one openat2() call, or a walk of
+ * openat() calls on kernels without it) stop at a link anywhere. */
+TEST_F(StateStoreTest, DirectoryWalksStopAtLinks)
+{
+    const std::string efs = state + "/efs";
+    ASSERT_EQ(mkdir((efs + "/w").c_str(), 0700), 0);
+    ASSERT_EQ(mkdir((efs + "/w/real").c_str(), 0700), 0);
+    ASSERT_EQ(symlink(outside.c_str(), (efs + "/w/link").c_str()), 0);
+    ASSERT_EQ(symlink("real", (efs + "/w/relative").c_str()), 0);
+    modemd::fd_guard root(modemd::open_dir_nofollow(efs));
+    ASSERT_GE(root.get(), 0);
+    using opener = int (*)(int, const std::vector<std::string> &, size_t, bool);
+    const opener openers[] = {modemd::open_subdir_nofollow, modemd::open_subdir_walk};
+    for (opener open_dir : openers) {
+        const std::vector<std::string> real = {"w", "real"}, link = {"w", "link", "x"}, rel = {"w", "relative"};
+        modemd::fd_guard ok(open_dir(root.get(), real, real.size(), false));
+        EXPECT_GE(ok.get(), 0);
+        for (const auto &path : {link, rel}) {
+            for (bool create : {false, true}) {
+                modemd::fd_guard bad(open_dir(root.get(), path, path.size(), create));
+                EXPECT_LT(bad.get(), 0) << path[1] << " create " << create;
+            }
+        }
+        EXPECT_FALSE(exists_nofollow(outside + "/x"));
+        /* Made when asked for. */
+        const std::vector<std::string> fresh = {"w", "real", "made"};
+        modemd::fd_guard made(open_dir(root.get(), fresh, fresh.size(), true));
+        EXPECT_GE(made.get(), 0);
+        ASSERT_EQ(rmdir((efs + "/w/real/made").c_str()), 0);
+    }
 }
 
 TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)

@@ -4,13 +4,10 @@
  * (when the tests run as root) a directory given to another uid. */
 #include <errno.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -157,9 +154,10 @@ TEST_F(ModemdPathsTest, LogFilesAreNotOpenedThroughALink)
     close(fd);
 }
 
-/* A peer of this user is trusted; one that runs as another uid is not
- * (root plays the other user by changing its uid in a child). */
-TEST_F(ModemdPathsTest, PeerOfAnotherUserIsNotTrusted)
+/* A peer of this user is trusted (another user's simulator is played end
+ * to end in tests/e2e/sim/default_endpoint_test.cpp); a descriptor that is
+ * no socket gives a reason, not a pass. */
+TEST_F(ModemdPathsTest, PeerCredentials)
 {
     int sv[2];
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, sv), 0);
@@ -167,43 +165,11 @@ TEST_F(ModemdPathsTest, PeerOfAnotherUserIsNotTrusted)
     EXPECT_TRUE(modemd_peer_is_trusted(sv[0], &error)) << error;
     close(sv[0]);
     close(sv[1]);
-    if (geteuid() != 0) {
-        printf("skipping the other-user peer: needs root\n");
-        return;
-    }
-    std::string path = root + "/peer.sock";
-    int listener = socket(AF_UNIX, SOCK_SEQPACKET, 0);
-    ASSERT_GE(listener, 0);
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    snprintf(addr.sun_path, sizeof(addr.sun_path), "%s", path.c_str());
-    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)), 0);
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        /* The credentials a client sees are the listener's at listen(). */
-        if (setgid(k_other_uid) != 0 || setuid(k_other_uid) != 0 || listen(listener, 1) != 0) _exit(1);
-        char c = 1;
-        if (write(ready[1], &c, 1) != 1) _exit(1);
-        pollfd p = {listener, POLLIN, 0};
-        poll(&p, 1, 5000);
-        _exit(0);
-    }
-    char c = 0;
-    ASSERT_EQ(read(ready[0], &c, 1), 1);
-    int fd = socket(AF_UNIX, SOCK_SEQPACKET, 0);
-    ASSERT_EQ(connect(fd, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)), 0);
+    int fd = open("/dev/null", O_RDONLY);
+    ASSERT_GE(fd, 0);
     EXPECT_FALSE(modemd_peer_is_trusted(fd, &error));
-    EXPECT_NE(error.find("uid 65534"), std::string::npos) << error;
+    EXPECT_FALSE(error.empty());
     close(fd);
-    close(listener);
-    close(ready[0]);
-    close(ready[1]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 }  // namespace
