@@ -10,6 +10,7 @@
 
 #include <vector>
 
+#include "modemd_paths.h"
 #include "modemd_proto.h"
 
 namespace modemd {
@@ -34,6 +35,7 @@ public:
     }
 
     bool connect_to(const std::string &path, std::string *error);
+    int fd() const { return fd_; }
     bool send_packet(const void *data, size_t len, std::string *error);
     /* One packet into `buf`; its length, or -1 (error says why). */
     ssize_t recv_packet(std::vector<char> &buf, std::string *error);
@@ -130,6 +132,9 @@ bool control_request(const std::string &socket_path, const std::string &request,
     answer->clear();
     session s(timeout_ms);
     if (!s.connect_to(socket_path, error)) return false;
+    /* At the default socket, only a simulator of this user (or root) may
+     * receive what the user asks. */
+    if (socket_path == modemd_default_socket_path() && !modemd_peer_is_trusted(s.fd(), error)) return false;
     modemd_hello hello = {MODEMD_HELLO_MAGIC, MODEMD_CONN_CONTROL, MODEMD_CONTROL_PIECES, 0};
     if (!s.send_packet(&hello, sizeof(hello), error)) return false;
     std::string piece;

@@ -184,6 +184,9 @@ TEST_F(DefaultEndpointTest, SimulatorOfAnotherUserIsNotUsed)
     run_result tool = run_process({PLATFORM_PROBE_BINARY}, env, "", k_run_ms);
     EXPECT_NE(tool.out, "0 1\n");
     EXPECT_NE(tool.err.find("runs as uid 65534"), std::string::npos) << tool.err;
+    run_result ctl = run_process({RLK_MODEMD_BINARY, "ctl", "ping"}, env, "", k_run_ms);
+    EXPECT_NE(ctl.status, 0);
+    EXPECT_NE(ctl.err.find("runs as uid 65534"), std::string::npos) << ctl.err;
     close(done[1]);
     long counts[2] = {-2, -2};
     ASSERT_EQ(read(report[0], counts, sizeof(counts)), ssize_t(sizeof(counts)));
