@@ -129,6 +129,12 @@ void client_reader(std::shared_ptr<client_state> st)
         }
     }
     on_lost(st);
+    /* The link is gone for good.  Unless the handle is being released (and
+     * its releaser joins this thread), the thread lets go of itself: a tool
+     * keeps its handle until exit and must not leave a finished thread
+     * nobody joins. */
+    std::lock_guard<std::mutex> g(st->mu);
+    if (!st->closing && st->reader.get_id() == std::this_thread::get_id()) st->reader.detach();
 }
 
 /* Connects to one server; returns the socket or a negative QMI error. */
@@ -297,7 +303,12 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
     auto *h = new qmi_client_struct{st};
     st->handle = h;
     st->callbacks.start();
-    st->reader = std::thread(client_reader, st);
+    {
+        /* Under the lock: the reader may end (and look at its own thread
+         * object) before this assignment would otherwise be complete. */
+        std::lock_guard<std::mutex> g(st->mu);
+        st->reader = std::thread(client_reader, st);
+    }
     *user_handle = h;
     return QMI_NO_ERR;
 }
