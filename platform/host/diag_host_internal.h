@@ -80,6 +80,10 @@ struct state {
     std::mutex mu;      /* everything below */
     std::condition_variable cv;
     std::shared_ptr<link> conn; /* null: no link */
+    /* The link of a session that ended because the link was lost, until
+     * Diag_LSM_DeInit has waited for its reader: after DeInit no callback
+     * of that session runs any more. */
+    std::shared_ptr<link> lost;
 
     /* Session op answers by op, one op in flight at a time (session_mu). */
     std::mutex session_mu;

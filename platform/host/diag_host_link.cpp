@@ -64,7 +64,10 @@ void dispatch(const diag_packet &pkt)
 void forget_link(const std::shared_ptr<link> &l)
 {
     std::lock_guard<std::mutex> lk(g().mu);
-    if (g().conn == l) g().conn.reset();
+    if (g().conn == l) {
+        g().conn.reset();
+        g().lost = l;
+    }
     g().cv.notify_all();
 }
 
@@ -195,7 +198,19 @@ bool link_close()
     {
         std::lock_guard<std::mutex> lk(g().mu);
         l = g().conn;
-        if (!l) return false;
+        if (!l) {
+            /* The session ended with its link; wait until its reader has
+             * delivered its last callback. */
+            std::shared_ptr<link> lost = std::move(g().lost);
+            g().lost.reset();
+            if (lost && lost->reader != std::this_thread::get_id()) {
+                std::unique_lock<std::mutex> wait(g().mu, std::adopt_lock);
+                g().cv.wait(wait, [&] { return lost->done; });
+                wait.release();
+            }
+            return false;
+        }
+        g().lost.reset();
         g().conn.reset();
         g().logging_mode = USB_MODE;
         for (callback_slot &s : g().callbacks) s = callback_slot();

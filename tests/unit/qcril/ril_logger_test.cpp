@@ -17,6 +17,9 @@ using namespace qti::ril::logger;
  * sanitizer, so that the failure path can be tested. */
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
 #endif
+#if defined(__SANITIZE_THREAD__)
+extern "C" const char *__tsan_default_options() { return "allocator_may_return_null=1"; }
+#endif
 
 namespace {
 
