@@ -162,6 +162,7 @@ void diag_endpoint_impl::on_session(diag_conn &dc, const diag_envelope &env)
     default:
         status = DIAG_SESSION_BAD_OP;
     }
+    answer.reserve(answer.size() + 4 + data.size());
     diag_put_u32(&answer, status);
     answer.insert(answer.end(), data.begin(), data.end());
     std::vector<uint8_t> pkt;

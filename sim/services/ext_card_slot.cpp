@@ -54,9 +54,15 @@ card_slots card_slots_load(const state_store &store)
 
 bool card_slots_save(state_store &store, const card_slots &slots)
 {
-    std::vector<uint8_t> data;
-    for (const card_slot &s : slots.slot) {
-        data.insert(data.end(), {s.present, s.power, s.kind, s.line_mode, s.line_level});
+    std::vector<uint8_t> data(k_slot_file_len);
+    for (size_t i = 0; i < TOLVEK_CARD_SLOT_COUNT; i++) {
+        const card_slot &s = slots.slot[i];
+        uint8_t *r = data.data() + i * k_slot_record_len;
+        r[0] = s.present;
+        r[1] = s.power;
+        r[2] = s.kind;
+        r[3] = s.line_mode;
+        r[4] = s.line_level;
     }
     return store.efs_write(k_card_slot_file, data) == k_efs_ok;
 }

@@ -156,10 +156,11 @@ TEST_F(UimClientTest, IndicationNinetySevenIsDecodedAndABadOneReported)
 /* A STORE DATA command on `channel` carrying `data`. */
 std::vector<uint8_t> store_data(uint8_t channel, const std::vector<uint8_t> &data)
 {
-    std::vector<uint8_t> apdu = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
-                                 uint8_t(data.size())};
-    apdu.insert(apdu.end(), data.begin(), data.end());
-    apdu.push_back(0);
+    const uint8_t head[] = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
+                            uint8_t(data.size())};
+    std::vector<uint8_t> apdu(sizeof(head) + data.size() + 1, 0);
+    memcpy(apdu.data(), head, sizeof(head));
+    if (!data.empty()) memcpy(apdu.data() + sizeof(head), data.data(), data.size());
     return apdu;
 }
 
