@@ -251,10 +251,15 @@ void callback_queue::stop()
 void release_handle(qmi_client_type handle)
 {
     auto st = handle->state;
-    if (st->qmux && st->fd >= 0) qmux_detach(st->fd); /* the client id goes back before the handle */
     {
         std::lock_guard<std::mutex> g(st->mu);
         st->closing = true;
+    }
+    /* The client id goes back before the handle; the pair's end closing
+     * under it is then no loss to report. */
+    if (st->qmux && st->fd >= 0) qmux_detach(st->fd);
+    {
+        std::lock_guard<std::mutex> g(st->mu);
         if (st->fd >= 0) shutdown(st->fd, SHUT_RDWR);
     }
     st->cv.notify_all();
@@ -288,7 +293,7 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
     if (!service_info || !service_obj || !user_handle) return QMI_CLIENT_PARAM_ERR;
     qmi_server s = info_to_server(service_info);
     if (!server_matches(service_obj, s)) return QMI_CLIENT_PARAM_ERR;
-    bool qmux = qmux_mode();
+    bool qmux = qmux_carries(s.service);
     int fd = qmux ? qmux_attach(s.service) : attach(s);
     if (fd < 0) return qmux ? QMI_SERVICE_ERR : fd;
     auto st = std::make_shared<client_state>();

@@ -198,7 +198,7 @@ void qmux_servers(qmi_idl_service_object_type svc, std::vector<qmi_server> *out)
 
 bool lookup_servers(qmi_idl_service_object_type svc, std::vector<qmi_server> *out)
 {
-    if (qmux_mode()) {
+    if (qmux_carries(svc->service_id)) {
         qmux_servers(svc, out);
         return true;
     }
@@ -236,7 +236,7 @@ extern "C" qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object
     if (os_params) QMI_CCI_OS_SIGNAL_INIT(os_params, nullptr);
     auto *h = new qmi_client_struct{st};
     st->handle = h;
-    if (qmux_mode()) {
+    if (qmux_carries(service_obj->service_id)) {
         /* A QMUX device's services are fixed: the list is taken once, and
          * a service it lacks is never announced. */
         qmux_servers(service_obj, &st->servers);

@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "endpoint.h"
 #include "modemd_proto.h"
 #include "qmux.h"
 
@@ -360,6 +361,11 @@ bool qmux_mode()
 {
     const char *path = getenv(k_device_env);
     return path && *path;
+}
+
+bool qmux_carries(uint32_t service)
+{
+    return qmux_mode() && (service <= QMUX_SERVICE_MAX || modemd_socket_is_default());
 }
 
 bool qmux_lookup(uint32_t service, uint32_t *major)

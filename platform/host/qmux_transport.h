@@ -22,6 +22,14 @@ constexpr int k_qmux_ctl_timeout_ms = 2000;
 /* True when RLK_QMI_DEVICE names a device. */
 bool qmux_mode();
 
+/* Whether `service` goes over the device: every service when
+ * RLK_QMI_DEVICE is set, except that a service the service byte cannot
+ * name (the 16-bit vendor services) is still looked up on the simulator
+ * when RLK_MODEMD_SOCKET names one explicitly (the simulator then stands
+ * in for the modem's other channel).  Without RLK_MODEMD_SOCKET such a
+ * service is looked up on the device, which never has it. */
+bool qmux_carries(uint32_t service);
+
 /* Whether the device has `service`, and its major version; false when it
  * has not (services above the service byte never are) or the device
  * cannot be reached. */
