@@ -170,6 +170,7 @@ void fail_all(device &d)
 {
     std::lock_guard<std::mutex> g(d.mu);
     d.failed = true;
+    g_device_fd.store(-1); /* nothing left to release on it */
     for (bridge &b : d.bridges) {
         hold(b.service, b.cid, false);
         close(b.local);
@@ -229,6 +230,43 @@ bool from_handle(device &d, const bridge &b)
     return true;
 }
 
+/* Reads what the device has and hands out its whole frames; false when
+ * the device is gone. */
+bool from_device(device &d, std::vector<uint8_t> *buf)
+{
+    ssize_t n = read(d.fd, buf->data(), buf->size());
+    if (n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR)) return false;
+    if (n > 0) d.reader.feed(buf->data(), size_t(n));
+    qmux_frame f;
+    while (d.reader.next(&f)) {
+        if (!(f.flags & QMUX_FLAG_FROM_SERVICE)) continue;
+        if (f.service == QMUX_SERVICE_CTL) {
+            on_ctl_frame(d, f);
+        } else {
+            on_service_frame(d, f);
+        }
+    }
+    return true;
+}
+
+/* A handle's end closed without qmux_detach: its client id is released
+ * for it (without waiting: this is the thread that reads the answer). */
+void handle_gone(device &d, const bridge &b)
+{
+    std::lock_guard<std::mutex> g(d.mu);
+    for (bridge &live : d.bridges) {
+        if (live.local != b.local || live.closing) continue;
+        live.closing = true;
+        hold(live.service, live.cid, false);
+        std::vector<uint8_t> tlvs;
+        qmi_tlv_append(&tlvs, QMI_CTL_TLV_INFO, {live.service, live.cid});
+        uint8_t txn = d.next_txn++;
+        if (d.next_txn == 0) d.next_txn = 1;
+        std::vector<uint8_t> m = qmi_ctl_message(QMI_CTL_FLAG_REQUEST, txn, QMI_CTL_MSG_RELEASE_CID, tlvs);
+        send_frame(d, QMUX_SERVICE_CTL, 0, m.data(), m.size());
+    }
+}
+
 void run(device *dp)
 {
     device &d = *dp;
@@ -259,39 +297,12 @@ void run(device *dp)
             while (read(d.wake[0], drain, sizeof(drain)) > 0) {
             }
         }
-        if (fds[1].revents) {
-            ssize_t n = read(d.fd, buf.data(), buf.size());
-            if (n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR)) {
-                fail_all(d);
-                return;
-            }
-            if (n > 0) d.reader.feed(buf.data(), size_t(n));
-            qmux_frame f;
-            while (d.reader.next(&f)) {
-                if (!(f.flags & QMUX_FLAG_FROM_SERVICE)) continue;
-                if (f.service == QMUX_SERVICE_CTL) {
-                    on_ctl_frame(d, f);
-                } else {
-                    on_service_frame(d, f);
-                }
-            }
+        if (fds[1].revents && !from_device(d, &buf)) {
+            fail_all(d);
+            return;
         }
         for (size_t i = 2; i < fds.size(); i++) {
-            if (!fds[i].revents) continue;
-            const bridge &b = snapshot[i - 2];
-            if (from_handle(d, b)) continue;
-            /* The handle went without releasing: release for it. */
-            std::lock_guard<std::mutex> g(d.mu);
-            for (bridge &live : d.bridges) {
-                if (live.local != b.local || live.closing) continue;
-                live.closing = true;
-                hold(live.service, live.cid, false);
-                std::vector<uint8_t> tlvs;
-                qmi_tlv_append(&tlvs, QMI_CTL_TLV_INFO, {live.service, live.cid});
-                std::vector<uint8_t> m = qmi_ctl_message(QMI_CTL_FLAG_REQUEST, d.next_txn++, QMI_CTL_MSG_RELEASE_CID,
-                                                         tlvs);
-                send_frame(d, QMUX_SERVICE_CTL, 0, m.data(), m.size());
-            }
+            if (fds[i].revents && !from_handle(d, snapshot[i - 2])) handle_gone(d, snapshot[i - 2]);
         }
     }
 }

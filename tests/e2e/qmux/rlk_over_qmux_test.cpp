@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <regex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -30,9 +29,11 @@ std::string without_addresses(const std::string &text)
     return std::regex_replace(text, std::regex("0x[0-9a-f]{6,}"), "0x?");
 }
 
-/* Indication callbacks print from their own thread, so where their lines
- * fall among the main thread's depends on timing: they are compared as a
- * set, apart from the rest. */
+/* Indication callbacks print from their own thread: where their lines fall
+ * among the main thread's, and whether a late one prints before the
+ * process ends, depends on timing, over the socket as over the device.
+ * They are left out of the comparison (rlk-mbn list below waits for its
+ * answers in indications, so their delivery is checked there). */
 const char k_ind_line[] = "unsol_ind_cb";
 
 std::string without_indications(const std::string &text)
@@ -47,17 +48,6 @@ std::string without_indications(const std::string &text)
     return out + line;
 }
 
-std::multiset<std::string> indications(const std::string &text)
-{
-    std::multiset<std::string> out;
-    size_t pos = 0;
-    while ((pos = text.find(k_ind_line, pos)) != std::string::npos) {
-        size_t end = text.find('\n', pos);
-        out.insert(text.substr(pos, end - pos));
-        pos = end;
-    }
-    return out;
-}
 
 std::vector<std::string> device_env(const sim_instance &sim) { return {"RLK_QMI_DEVICE=" + sim.qmux_path()}; }
 
@@ -111,7 +101,6 @@ TEST_F(RlkOverQmux, EsimSwitchAndBackMatchTheSocket)
         EXPECT_EQ(without_indications(without_addresses(device.out)),
                   without_indications(without_addresses(socket.out)))
             << args[2];
-        EXPECT_EQ(indications(device.out), indications(socket.out)) << args[2];
         EXPECT_EQ(sim_.ctl_ok("uim state"), plain.ctl_ok("uim state")) << args[2];
     }
     EXPECT_NE(sim_.ctl_ok("uim state").find("psim"), std::string::npos);
