@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <regex>
+#include <ctype.h>
 #include <string>
 #include <vector>
 
@@ -24,9 +24,25 @@ constexpr const char k_qmi_timeout[] = "-3";
 constexpr const char k_qmi_service_err[] = "-2";
 
 /* Handle addresses differ from run to run. */
+constexpr size_t k_address_min_digits = 6;
+
 std::string without_addresses(const std::string &text)
 {
-    return std::regex_replace(text, std::regex("0x[0-9a-f]{6,}"), "0x?");
+    std::string out;
+    size_t i = 0;
+    while (i < text.size()) {
+        size_t digits = 0;
+        if (text.compare(i, 2, "0x") == 0) {
+            while (i + 2 + digits < text.size() && isxdigit(static_cast<unsigned char>(text[i + 2 + digits]))) digits++;
+        }
+        if (digits >= k_address_min_digits) {
+            out += "0x?";
+            i += 2 + digits;
+        } else {
+            out += text[i++];
+        }
+    }
+    return out;
 }
 
 /* Indication callbacks print from their own thread: where their lines fall
