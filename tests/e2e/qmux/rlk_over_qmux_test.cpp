@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <ctype.h>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -132,6 +133,28 @@ TEST_F(RlkOverQmux, MbnListMatchesTheSocket)
     EXPECT_TRUE(exited_cleanly(device.status)) << device.err;
     EXPECT_EQ(device.out, socket.out);
     EXPECT_NE(device.out.find("ROW_Generic_3GPP  [active]"), std::string::npos) << device.out;
+    EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+}
+
+/* Load chunks are QMUX frames of tens of kilobytes: they cross the
+ * pseudo-terminal in pieces and are put together again. */
+TEST_F(RlkOverQmux, MbnLoadOfLargeFramesReachesTheModem)
+{
+    std::string path = sim_.dir() + "/large.mbn";
+    {
+        std::ofstream f(path, std::ios::binary);
+        for (int i = 0; i < 150000; i++) f.put(char(i * 13 + 1));
+    }
+    std::vector<std::string> env = sim_.env();
+    env.push_back("RLK_QMI_DEVICE=" + sim_.qmux_path());
+    run_result r = run_process({RLK_MBN_BINARY, "load", path, "--id", "LARGE"}, env);
+    EXPECT_TRUE(exited_cleanly(r.status)) << r.out << r.err;
+    EXPECT_EQ(r.out, "loaded LARGE (150000 bytes)\n");
+    run_result listed = run_process({RLK_MBN_BINARY, "list"}, sim_.env());
+    EXPECT_NE(listed.out.find("  LARGE\n"), std::string::npos) << "seen over the socket too:\n" << listed.out;
+    std::string counters = sim_.ctl_ok("qmux counters");
+    EXPECT_NE(counters.find("dropped-malformed 0\n"), std::string::npos) << counters;
+    EXPECT_NE(counters.find("skipped-bytes 0\n"), std::string::npos) << counters;
     EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
 }
 
