@@ -55,14 +55,17 @@ const char k_ind_line[] = "unsol_ind_cb";
 
 std::string without_indications(const std::string &text)
 {
-    std::string out, line;
-    for (char ch : text) {
-        line += ch;
-        if (ch != '\n') continue;
-        if (line.find(k_ind_line) == std::string::npos) out += line;
-        line.clear();
+    /* A line of the callback thread may even land inside a line of the
+     * main thread: each is cut from its "RIL[" to its newline. */
+    std::string out = text;
+    size_t at;
+    while ((at = out.find(k_ind_line)) != std::string::npos) {
+        size_t from = out.rfind("RIL[", at);
+        size_t to = out.find('\n', at);
+        if (from == std::string::npos) from = at;
+        out.erase(from, to == std::string::npos ? std::string::npos : to + 1 - from);
     }
-    return out + line;
+    return out;
 }
 
 
