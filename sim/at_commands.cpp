@@ -14,7 +14,6 @@ constexpr const char *k_crlf = "\r\n";
 
 constexpr const char *k_manufacturer = "RLK";
 constexpr const char *k_model = "rlk-modemd";
-constexpr const char *k_revision = "RLK.MPSS.1.0";
 
 /* Signal quality the simulated cell gives: rssi 23 (-67 dBm), ber unknown. */
 constexpr const char *k_csq = "+CSQ: 23,99";
@@ -62,7 +61,7 @@ std::string answer_extended(const std::string &cmd, at_modem_state *state, const
 {
     if (cmd == "+CGMI" || cmd == "+GMI") return framed({k_manufacturer}, k_ok);
     if (cmd == "+CGMM" || cmd == "+GMM") return framed({k_model}, k_ok);
-    if (cmd == "+CGMR" || cmd == "+GMR") return framed({k_revision}, k_ok);
+    if (cmd == "+CGMR" || cmd == "+GMR") return framed({k_at_revision}, k_ok);
     if (cmd == "+CGSN" || cmd == "+GSN") {
         std::string digits = imei(store);
         return digits.empty() ? framed({}, k_error) : framed({digits}, k_ok);
@@ -115,7 +114,7 @@ std::string at_answer(const std::string &line, at_modem_state *state, const stat
     if (cmd == "I") {
         std::string digits = imei(store);
         return framed({std::string("Manufacturer: ") + k_manufacturer, std::string("Model: ") + k_model,
-                       std::string("Revision: ") + k_revision, "IMEI: " + digits},
+                       std::string("Revision: ") + k_at_revision, "IMEI: " + digits},
                       k_ok);
     }
     if (cmd[0] == '+') return answer_extended(cmd, state, store);

@@ -26,6 +26,9 @@ struct at_modem_state {
     int cfun = 1;
 };
 
+/* The firmware revision the modem reports (AT+CGMR, ATI, DMS). */
+constexpr const char *k_at_revision = "RLK.MPSS.1.0";
+
 /* The NV item that holds the IMEI (length byte, then BCD digits). */
 constexpr const char *k_at_imei_item = "/nvm/num/550";
 

@@ -8,6 +8,7 @@
 
 #include "daemon.h"
 #include "at_channel.h"
+#include "qmux_device.h"
 
 namespace modemd {
 namespace {
@@ -52,7 +53,8 @@ const char k_help[] =
     "  counter get <name> | counter set <name> <value> | counters\n"
     "  loop [reset]   longest time one event kept the daemon busy (us, and its CPU time)\n"
     "  diag ...\n"
-    "  at path | at received [n] | at clear\n";
+    "  at path | at received [n] | at clear\n"
+    "  qmux [clients | counters | path]   the QMUX device: allocated client ids per service, frames dropped\n";
 
 }  // namespace
 
@@ -289,6 +291,7 @@ std::string daemon::control(const std::string &request)
         if (s->def->control && cmd == s->def->name) return s->def->control(*this, a);
     }
     if (cmd == "at" && at_) return at_->control(a);
+    if (cmd == "qmux") return qmux_ ? qmux_->control(a) : "error no QMUX device (start with --qmux LINK)";
     if (cmd == "diag") {
         std::string answer;
         if (diag_ && diag_->control(a, &answer)) return answer;

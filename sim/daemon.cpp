@@ -1,5 +1,6 @@
 #include "daemon.h"
 #include "at_channel.h"
+#include "qmux_device.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -53,7 +54,10 @@ daemon::daemon(const daemon_options &opts) : opts_(opts) {}
 
 daemon::~daemon()
 {
-    for (auto &kv : conns_) close(kv.second->fd);
+    qmux_.reset();
+    for (auto &kv : conns_) {
+        if (kv.second->fd >= 0) close(kv.second->fd);
+    }
     if (listen_fd_ >= 0) {
         close(listen_fd_);
         unlink(opts_.socket_path.c_str());
@@ -126,6 +130,10 @@ bool daemon::start(std::string *error)
     at_ = make_at_channel(*this);
 
     if (!open_listener(error)) return false;
+    if (!opts_.qmux_link.empty()) {
+        qmux_ = std::make_unique<qmux_device>(*this);
+        if (!qmux_->open(opts_.qmux_link, error)) return false;
+    }
 
     sigset_t mask;
     sigemptyset(&mask);

@@ -23,6 +23,7 @@ namespace modemd {
 
 class daemon;
 class at_channel;
+class qmux_device;
 struct sim_service;
 
 /* Bytes and packets a connection may have waiting for its client to read
@@ -45,6 +46,10 @@ struct connection {
     /* Queues one packet for the client without ever waiting for it; false
      * when the connection is closing (its client left or stopped reading). */
     bool send(const void *data, size_t len) const;
+
+    /* Pseudo connections (clients of another transport, the QMUX device):
+     * where their packets go instead of a socket. */
+    std::function<bool(const void *, size_t)> sink;
 
     /* Kept by the daemon (sim/daemon_io.cpp). */
     daemon *owner = nullptr;
@@ -122,6 +127,7 @@ struct daemon_options {
     uint32_t idle_exit_s = 0; /* 0: never */
     uint32_t hello_timeout_ms = k_default_hello_timeout_ms;
     uint64_t log_max_bytes = k_log_default_max_bytes;
+    std::string qmux_link; /* non-empty: also serve a QMUX device, linked here */
 };
 
 class daemon {
@@ -156,6 +162,17 @@ public:
 
     /* Handles one control request; used by the CONTROL connections. */
     std::string control(const std::string &request);
+
+    /* The services, in the order they are published. */
+    const std::vector<std::unique_ptr<sim_service>> &services() const { return services_; }
+
+    /* Pseudo connections: a QMI client of service `s` whose packets (QMI
+     * messages as the socket carries them) go to `sink`.  Requests enter
+     * through pseudo_request and take the socket clients' path; indications
+     * reach it like any client of the service.  Returns its connection id. */
+    uint64_t open_pseudo_client(sim_service &s, std::function<bool(const void *, size_t)> sink);
+    void pseudo_request(uint64_t conn_id, const uint8_t *data, size_t len);
+    void close_pseudo_client(uint64_t conn_id) { close_connection(conn_id); }
 
     /* Calls `fn` with the id of every connection that closes from now on;
      * a second registration under the same key replaces the first. */
@@ -226,6 +243,7 @@ private:
     std::map<std::string, int64_t> counters_;
     std::unique_ptr<diag_endpoint> diag_;
     std::unique_ptr<at_channel> at_; /* sim/at_channel.h */
+    std::unique_ptr<qmux_device> qmux_; /* sim/qmux_device.h */
     event_loop::timer_id idle_timer_ = 0;
     std::map<std::string, std::function<void(uint64_t)>> close_listeners_;
 };

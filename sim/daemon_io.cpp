@@ -37,7 +37,30 @@ constexpr uint64_t k_no_fd_limit = uint64_t(1) << 20;
 
 bool connection::send(const void *data, size_t len) const
 {
+    if (sink) return !closing && sink(data, len);
     return owner && owner->queue_packet(id, data, len);
+}
+
+uint64_t daemon::open_pseudo_client(sim_service &s, std::function<bool(const void *, size_t)> sink)
+{
+    auto c = std::make_unique<connection>();
+    c->id = next_conn_id_++;
+    c->owner = this;
+    c->kind = MODEMD_CONN_CLIENT;
+    c->hello_done = true;
+    c->service = s.obj->service_id;
+    c->attached = &s;
+    c->sink = std::move(sink);
+    uint64_t id = c->id;
+    conns_[id] = std::move(c);
+    update_idle_timer();
+    return id;
+}
+
+void daemon::pseudo_request(uint64_t conn_id, const uint8_t *data, size_t len)
+{
+    auto it = conns_.find(conn_id);
+    if (it != conns_.end() && it->second->sink) on_qmi_request(*it->second, data, len);
 }
 
 bool daemon::open_listener(std::string *error)
@@ -296,8 +319,10 @@ void daemon::close_connection(uint64_t conn_id)
     if (c.hello_timer) loop_.cancel_timer(c.hello_timer);
     if (c.kind == MODEMD_CONN_DIAG && c.hello_done && diag_) diag_->on_close(c);
     for (auto &kv : close_listeners_) kv.second(conn_id);
-    loop_.remove_fd(c.fd);
-    close(c.fd);
+    if (c.fd >= 0) {
+        loop_.remove_fd(c.fd);
+        close(c.fd);
+    }
     conns_.erase(it);
     update_idle_timer();
 }

@@ -1,7 +1,7 @@
 /* rlk-modemd: the modem simulator behind rlk's host platform.
  *
  *   rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]
- *              [--hello-timeout MS] [--log-max BYTES]
+ *              [--hello-timeout MS] [--log-max BYTES] [--qmux LINK]
  *   rlk-modemd ctl [--socket PATH] [--timeout MS] <request words...>
  *
  * The socket defaults to RLK_MODEMD_SOCKET, else the per-user default; the
@@ -36,7 +36,7 @@ void usage()
 {
     fprintf(stderr,
             "usage: rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]\n"
-            "                  [--hello-timeout MS] [--log-max BYTES]\n"
+            "                  [--hello-timeout MS] [--log-max BYTES] [--qmux LINK]\n"
             "       rlk-modemd ctl [--socket PATH] [--timeout MS] <request...>   (rlk-modemd ctl help)\n");
 }
 
@@ -111,6 +111,8 @@ int main(int argc, char **argv)
             opts.socket_path = argv[++i];
         } else if (a == "--state") {
             opts.state_dir = argv[++i];
+        } else if (a == "--qmux") {
+            opts.qmux_link = argv[++i];
         } else if (a == "--log") {
             opts.log_path = argv[++i];
         } else if (a == "--idle-exit") {

@@ -11,6 +11,7 @@
 #include "endpoint.h"
 #include "qmi_client_internal.h"
 #include "qmi_codec.h"
+#include "qmux_transport.h"
 
 namespace rlk_host {
 namespace {
@@ -259,6 +260,12 @@ void release_handle(qmi_client_type handle)
     {
         std::lock_guard<std::mutex> g(st->mu);
         st->closing = true;
+    }
+    /* The client id goes back before the handle; the pair's end closing
+     * under it is then no loss to report. */
+    if (st->qmux && st->fd >= 0) qmux_detach(st->fd);
+    {
+        std::lock_guard<std::mutex> g(st->mu);
         if (st->fd >= 0) shutdown(st->fd, SHUT_RDWR);
     }
     st->cv.notify_all();
@@ -292,11 +299,13 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
     if (!service_info || !service_obj || !user_handle) return QMI_CLIENT_PARAM_ERR;
     qmi_server s = info_to_server(service_info);
     if (!server_matches(service_obj, s)) return QMI_CLIENT_PARAM_ERR;
-    int fd = attach(s);
-    if (fd < 0) return fd;
+    bool qmux = qmux_carries(s.service);
+    int fd = qmux ? qmux_attach(s.service) : attach(s);
+    if (fd < 0) return qmux ? QMI_SERVICE_ERR : fd;
     auto st = std::make_shared<client_state>();
     st->svc = service_obj;
     st->fd = fd;
+    st->qmux = qmux;
     st->server = s;
     st->ind_cb = ind_cb;
     st->ind_cb_data = ind_cb_data;

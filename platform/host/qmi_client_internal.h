@@ -69,6 +69,7 @@ struct client_state {
     qmi_idl_service_object_type svc = nullptr;
     int fd = -1;
     bool notifier = false;
+    bool qmux = false; /* carried over the QMUX device (qmux_transport.h) */
     qmi_client_type handle = nullptr;
 
     std::mutex mu;

@@ -9,6 +9,7 @@
 
 #include "endpoint.h"
 #include "qmi_client_internal.h"
+#include "qmux_transport.h"
 
 namespace rlk_host {
 namespace {
@@ -185,8 +186,22 @@ void unregister_notifier(const client_state *st)
                       g_notifiers.end());
 }
 
+/* On a QMUX device: the one server of a service the version info lists
+ * (instance 0; the service id stands in for the port). */
+void qmux_servers(qmi_idl_service_object_type svc, std::vector<qmi_server> *out)
+{
+    uint32_t major = 0;
+    if (!qmux_lookup(svc->service_id, &major)) return;
+    qmi_server s = {svc->service_id, major & 0xFFu, MODEMD_MODEM_NODE, svc->service_id};
+    if (server_matches(svc, s)) out->push_back(s);
+}
+
 bool lookup_servers(qmi_idl_service_object_type svc, std::vector<qmi_server> *out)
 {
+    if (qmux_carries(svc->service_id)) {
+        qmux_servers(svc, out);
+        return true;
+    }
     {
         std::lock_guard<std::mutex> g(g_notifiers_mu);
         for (auto &w : g_notifiers) {
@@ -219,6 +234,17 @@ extern "C" qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object
     st->notifier = true;
     st->os_params = os_params;
     if (os_params) QMI_CCI_OS_SIGNAL_INIT(os_params, nullptr);
+    auto *h = new qmi_client_struct{st};
+    st->handle = h;
+    if (qmux_carries(service_obj->service_id)) {
+        /* A QMUX device's services are fixed: the list is taken once, and
+         * a service it lacks is never announced. */
+        qmux_servers(service_obj, &st->servers);
+        st->callbacks.start();
+        if (!st->servers.empty() && os_params) qmi_cci_os_signal_set(os_params);
+        *user_handle = h;
+        return QMI_NO_ERR;
+    }
     /* Take the current list before returning, so that a lookup right after
      * this call sees what the simulator has. */
     st->fd = modemd_connect(MODEMD_CONN_LOOKUP, service_obj->service_id, 0xFFFFFFFFu);
@@ -227,8 +253,6 @@ extern "C" qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object
         st->fd = -1;
         st->servers.clear();
     }
-    auto *h = new qmi_client_struct{st};
-    st->handle = h;
     st->callbacks.start();
     if (!st->servers.empty() && os_params) qmi_cci_os_signal_set(os_params);
     register_notifier(st);

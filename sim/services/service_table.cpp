@@ -5,6 +5,7 @@
 #include "uim_service.h"
 #include "sar_service.h"
 #include "pdc_service.h"
+#include "dms_service.h"
 
 namespace modemd {
 
@@ -14,6 +15,7 @@ const sim_service_def *const g_sim_services[] = {
     &g_uim_service_def,
     &g_sar_service_def,
     &g_pdc_service_def,
+    &g_dms_service_def,
 };
 const size_t g_sim_service_count = sizeof(g_sim_services) / sizeof(g_sim_services[0]);
 

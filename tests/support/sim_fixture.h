@@ -61,6 +61,9 @@ public:
      * of open descriptors for it (0: inherited). */
     void set_extra_args(const std::vector<std::string> &args) { extra_args_ = args; }
     void set_fd_limit(unsigned long limit) { fd_limit_ = limit; }
+    /* Before start(): also serve the QMUX device, linked at qmux_path(). */
+    void enable_qmux() { qmux_ = true; }
+    std::string qmux_path() const { return dir_ + "/qmux"; }
     /* The simulator's own log file. */
     std::string log_path() const { return dir_ + "/modemd.log"; }
 
@@ -78,6 +81,7 @@ private:
     int runs_ = 0;
     std::vector<std::string> extra_args_;
     unsigned long fd_limit_ = 0;
+    bool qmux_ = false;
 };
 
 /* Reads a log file of the host platform. */

@@ -1,0 +1,117 @@
+/* Debian's qmicli, a QMI tool of its own, drives rlk-modemd's QMUX device
+ * as it drives a USB modem: each command gives the simulated modem's
+ * answer, and leaves no client id allocated behind it. */
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "process_runner.h"
+#include "sim_fixture.h"
+
+namespace {
+
+constexpr const char k_qmicli[] = "/usr/bin/qmicli";
+constexpr int k_qmicli_timeout_ms = 20000;
+
+class QmicliOverQmux : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (access(k_qmicli, X_OK) != 0) GTEST_SKIP() << "qmicli is not installed (apt-get install libqmi-utils)";
+        sim_.enable_qmux();
+        ASSERT_TRUE(sim_.start());
+    }
+
+    /* Runs one qmicli command on the device; fails the test unless it
+     * exits 0, and checks it released its client id. */
+    std::string qmicli(const std::string &command)
+    {
+        run_result r = run_process({k_qmicli, "-d", sim_.qmux_path(), "--device-open-qmi", command}, {}, "",
+                                   k_qmicli_timeout_ms);
+        EXPECT_TRUE(exited_cleanly(r.status)) << command << "\n" << r.out << r.err;
+        EXPECT_EQ(sim_.ctl("qmux clients"), "ok") << command << " left a client id allocated";
+        return r.out;
+    }
+
+    sim_instance sim_;
+};
+
+struct qmicli_case {
+    const char *command;
+    std::vector<const char *> expected;
+};
+
+TEST_F(QmicliOverQmux, ReadCommandsGiveTheModemsAnswers)
+{
+    const qmicli_case cases[] = {
+        {"--dms-get-ids", {"IMEI: '355343101234560'", "ESN: '0'", "MEID: '0'"}},
+        {"--dms-get-revision", {"Revision: 'RLK.MPSS.1.0'"}},
+        {"--uim-get-card-status", {"Slot [1]:", "Slot [2]:", "Card state: 'present'", "Application state: 'ready'"}},
+        {"--uim-get-slot-status", {"2 physical slots found", "Physical slot 1:", "Slot status: active"}},
+        {"--sar-rf-get-state", {"Successfully got SAR RF state: 0"}},
+        {"--pdc-list-configs=software",
+         {"Total configurations: 5", "Description: ROW generic 3GPP", "Status:      Active", "Size:        118784"}},
+    };
+    for (const qmicli_case &c : cases) {
+        std::string out = qmicli(c.command);
+        for (const char *e : c.expected) EXPECT_NE(out.find(e), std::string::npos) << c.command << ": " << e << "\n"
+                                                                                    << out;
+    }
+}
+
+TEST_F(QmicliOverQmux, SarStateSetByQmicliIsWhatRlkShows)
+{
+    EXPECT_NE(qmicli("--sar-rf-set-state=9").find("RF state set successfully"), std::string::npos);
+    EXPECT_NE(qmicli("--sar-rf-get-state").find("SAR RF state: 9"), std::string::npos);
+    rlk_run r = sim_.run_rlk({"5", "5"});
+    EXPECT_NE(r.out.find("SAR DSI: 9"), std::string::npos) << r.out;
+    EXPECT_EQ(sim_.ctl_ok("sar state"), "9");
+}
+
+TEST_F(QmicliOverQmux, SimPowerOffAndOnOfSlotTwo)
+{
+    EXPECT_NE(qmicli("--uim-sim-power-off=2").find("Successfully performed SIM power off"), std::string::npos);
+    std::string state = sim_.ctl_ok("uim state");
+    EXPECT_NE(state.find("slot2 off"), std::string::npos) << state;
+    std::string cards = qmicli("--uim-get-card-status");
+    size_t slot2 = cards.find("Slot [2]:");
+    ASSERT_NE(slot2, std::string::npos) << cards;
+    EXPECT_EQ(cards.find("Card state: 'present'", slot2), std::string::npos) << cards;
+    EXPECT_NE(qmicli("--uim-sim-power-on=2").find("Successfully performed SIM power on"), std::string::npos);
+    state = sim_.ctl_ok("uim state");
+    EXPECT_NE(state.find("slot2 on"), std::string::npos) << state;
+}
+
+TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
+{
+    std::string path = sim_.dir() + "/carrier.mbn";
+    {
+        std::ofstream f(path, std::ios::binary);
+        for (int i = 0; i < 50000; i++) f.put(char(i * 7 + 3)); /* several chunks of qmicli's size */
+    }
+    std::string out = qmicli("--pdc-load-config=" + path);
+    EXPECT_NE(out.find("Finished loading"), std::string::npos) << out;
+    out = qmicli("--pdc-list-configs=software");
+    EXPECT_NE(out.find("Total configurations: 6"), std::string::npos) << out;
+    EXPECT_NE(out.find("Size:        50000"), std::string::npos) << out;
+    /* qmicli names a loaded file by its SHA-1, printed as colon-separated hex. */
+    size_t at = out.rfind("ID:");
+    ASSERT_NE(at, std::string::npos);
+    std::string id;
+    for (size_t i = at + 3; i < out.size() && out[i] != '\n'; i++) {
+        if (isxdigit(static_cast<unsigned char>(out[i]))) id += out[i];
+    }
+    ASSERT_EQ(id.size(), 40u) << out;
+    out = qmicli("--pdc-activate-config=software," + id);
+    EXPECT_NE(out.find("Successfully requested config activation"), std::string::npos) << out;
+    out = qmicli("--pdc-list-configs=software");
+    size_t cfg = out.rfind("Size:        50000");
+    ASSERT_NE(cfg, std::string::npos) << out;
+    EXPECT_EQ(out.find("Size:        50000\n\tStatus:      Active", cfg), cfg) << out.substr(cfg);
+}
+
+}  // namespace
