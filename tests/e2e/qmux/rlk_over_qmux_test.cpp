@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "process_runner.h"
 #include "sim_fixture.h"
@@ -205,7 +206,13 @@ TEST_F(RlkOverQmux, TimedOutRequestThenExitLeavesNoClientId)
  * simulator named beside the device, it is simply not there. */
 TEST_F(RlkOverQmux, VendorServiceIsNotFoundOnTheDeviceAlone)
 {
-    std::vector<std::string> env = {"RLK_QMI_DEVICE=" + sim_.qmux_path(), "RLK_MODEMD_SOCKET="};
+    /* Nothing named beside the device: the default endpoint, kept in a
+     * private runtime directory of this test (an on-demand simulator there
+     * leaves soon after). */
+    std::string runtime = sim_.dir() + "/runtime";
+    ASSERT_EQ(mkdir(runtime.c_str(), 0700), 0);
+    std::vector<std::string> env = {"RLK_QMI_DEVICE=" + sim_.qmux_path(), "RLK_MODEMD_SOCKET=",
+                                    "XDG_RUNTIME_DIR=" + runtime, "RLK_MODEMD_IDLE_EXIT=1"};
     run_result r = run_process({PLATFORM_PROBE_BINARY}, env);
     EXPECT_EQ(r.out, std::string(k_qmi_service_err) + " 0\n") << r.err;
     std::vector<std::string> beside = sim_.env();

@@ -118,6 +118,8 @@ TEST_F(ModemdPathsTest, SocketDirectoryPreparation)
 {
     std::string runtime = root + "/runtime";
     ASSERT_EQ(mkdir(runtime.c_str(), 0700), 0);
+    const char *old_runtime = getenv("XDG_RUNTIME_DIR");
+    std::string saved_runtime = old_runtime ? old_runtime : "";
     ASSERT_EQ(setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1), 0);
     std::string def = modemd_default_socket_path();
     EXPECT_EQ(def, runtime + "/rlk-modemd/modemd.sock");
@@ -133,7 +135,11 @@ TEST_F(ModemdPathsTest, SocketDirectoryPreparation)
     EXPECT_TRUE(modemd_prepare_socket_dir(root + "/fresh/s.sock", &error));
     struct stat st;
     EXPECT_EQ(stat((root + "/fresh").c_str(), &st), 0);
-    unsetenv("XDG_RUNTIME_DIR");
+    if (old_runtime) {
+        setenv("XDG_RUNTIME_DIR", saved_runtime.c_str(), 1);
+    } else {
+        unsetenv("XDG_RUNTIME_DIR");
+    }
     EXPECT_EQ(modemd_dir_of("/a/b.sock"), "/a");
     EXPECT_EQ(modemd_dir_of("/b.sock"), "/");
     EXPECT_EQ(modemd_dir_of("b.sock"), ".");
