@@ -21,16 +21,20 @@ bool qmux_encode(uint8_t flags, uint8_t service, uint8_t client, const uint8_t *
 {
     if (len + QMUX_LENGTH_OVERHEAD > k_max_qmux_length) return false;
     size_t qmux_len = len + QMUX_LENGTH_OVERHEAD;
-    out->assign({QMUX_INTERFACE_TYPE, uint8_t(qmux_len), uint8_t(qmux_len >> 8), flags, service, client});
-    out->insert(out->end(), qmi, qmi + len);
+    const uint8_t head[] = {QMUX_INTERFACE_TYPE, uint8_t(qmux_len), uint8_t(qmux_len >> 8), flags, service, client};
+    out->resize(sizeof(head) + len);
+    memcpy(out->data(), head, sizeof(head));
+    if (len) memcpy(out->data() + sizeof(head), qmi, len);
     return true;
 }
 
 std::vector<uint8_t> qmi_ctl_message(uint8_t flags, uint8_t txn, uint16_t msg_id, const std::vector<uint8_t> &tlvs)
 {
-    std::vector<uint8_t> m = {flags, txn, uint8_t(msg_id), uint8_t(msg_id >> 8), uint8_t(tlvs.size()),
-                              uint8_t(tlvs.size() >> 8)};
-    m.insert(m.end(), tlvs.begin(), tlvs.end());
+    const uint8_t head[] = {flags, txn, uint8_t(msg_id), uint8_t(msg_id >> 8), uint8_t(tlvs.size()),
+                            uint8_t(tlvs.size() >> 8)};
+    std::vector<uint8_t> m(sizeof(head) + tlvs.size());
+    memcpy(m.data(), head, sizeof(head));
+    if (!tlvs.empty()) memcpy(m.data() + sizeof(head), tlvs.data(), tlvs.size());
     return m;
 }
 
@@ -46,10 +50,13 @@ bool qmi_ctl_header_read(const uint8_t *src, size_t len, qmi_ctl_header *h)
 
 void qmi_tlv_append(std::vector<uint8_t> *out, uint8_t type, const std::vector<uint8_t> &value)
 {
-    out->push_back(type);
-    out->push_back(uint8_t(value.size()));
-    out->push_back(uint8_t(value.size() >> 8));
-    out->insert(out->end(), value.begin(), value.end());
+    size_t at = out->size();
+    out->resize(at + 3 + value.size());
+    uint8_t *p = out->data() + at;
+    p[0] = type;
+    p[1] = uint8_t(value.size());
+    p[2] = uint8_t(value.size() >> 8);
+    if (!value.empty()) memcpy(p + 3, value.data(), value.size());
 }
 
 bool qmi_tlv_find(const uint8_t *tlvs, size_t len, uint8_t type, std::vector<uint8_t> *value)
