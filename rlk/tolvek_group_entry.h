@@ -27,7 +27,7 @@ struct tolvek_subcmd_entry {
  *   3. argv[2] must name a row of `table`, else "the second parameters is
  *      invalid" note;
  *   4. runs that row's handler; a non-zero result prints the "Error happen"
- *      note with it.
+ *      note with it (unless the console is quiet) and the help.
  * Every note is followed by the group's help block.  Returns the handler's
  * result, or TOLVEK_GROUP_ENTRY_REJECTED. */
 int tolvek_group_entry_run(int option, int argc, char **argv, const tolvek_subcmd_entry *table,

@@ -55,6 +55,7 @@ void tolvek_diag_rsp_buf_clear(void);
 typedef struct {
     int client_id;        /* 0: none registered */
     unsigned char *rsp;   /* the 16384-byte DCI response buffer */
+    const char *func;     /* the mode function whose lines the sequence prints */
 } tolvek_diag_dci_session;
 
 /* Callbacks of one DCI mode. */

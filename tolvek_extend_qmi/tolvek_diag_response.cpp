@@ -194,11 +194,14 @@ int tolvek_diag_cmd_response_by_callback(unsigned char *ptr, int len, void *cont
 
 void tolvek_diag_cmd_response_by_dci(unsigned char *ptr, int len, void *context_data)
 {
+    /* The whole callback, check included, runs under the response mutex:
+     * pieces of one reply arrive on the library's thread and must be
+     * checked and joined in order against the wait thread's reading. */
+    rsp_lock lock;
     if (tolvek_diag_cmd_response_check(ptr, len, context_data) != 0) {
         TOLVEK_LOGD("tolvek_diag_cmd_response_check fail");
         return;
     }
-    rsp_lock lock;
     int failed = g_qcril_diag_rsp_buf.data == NULL ? store_new(ptr, len, "Failed to allocate memory for ptr_out_1")
                                                    : store_append(ptr, len);
     if (failed) {

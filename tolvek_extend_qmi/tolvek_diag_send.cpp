@@ -217,7 +217,7 @@ int tolvek_diag_cmd_send_with_result_by_dci_mode(unsigned char *data, int data_l
     };
     /* Armed before the request goes, so that an early answer is kept. */
     begin_wait(time_out / TOLVEK_DIAG_WAIT_TICK_MS);
-    tolvek_diag_dci_session session = {0, NULL};
+    tolvek_diag_dci_session session = {0, NULL, __func__};
     int result = 1;
     if (tolvek_diag_dci_register_and_send(data, data_len, &k_callbacks, &session) == TOLVEK_DIAG_DCI_OK) {
         TOLVEK_LOGD("Dci Command time = %d", time_out / TOLVEK_DIAG_WAIT_TICK_MS);
@@ -261,7 +261,7 @@ void *tolvek_diag_cmd_send_without_result_by_dci_mode_thread_proc(void *param_v)
                 tolvek_diag_cmd_response_by_dci_event_stream_no_handle,
                 tolvek_diag_cmd_response_by_dci_no_handle,
             };
-            tolvek_diag_dci_session session = {0, NULL};
+            tolvek_diag_dci_session session = {0, NULL, __func__};
             if (tolvek_diag_dci_register_and_send(param->data, int(param->data_len), &k_callbacks, &session) ==
                 TOLVEK_DIAG_DCI_OK) {
                 sleep(k_dci_sender_wait_s);

@@ -126,32 +126,32 @@ static int dci_register_client(const tolvek_diag_dci_callbacks *cbs, tolvek_diag
     int client_id = 0;
     int err = diag_register_dci_client(&client_id, &processor_list, ch, &channel_signal);
     if (err != TOLVEK_DIAG_DCI_OK) {
-        TOLVEK_LOGD("Could not register with DCI, err: %d, errno: %d ch:%d", err, errno, ch);
+        TOLVEK_LOGD_AS(s->func, "Could not register with DCI, err: %d, errno: %d ch:%d", err, errno, ch);
         return err;
     }
     s->client_id = client_id;
-    TOLVEK_LOGD("Successfully registered with DCI for ch:%d, client ID = %d", ch, client_id);
+    TOLVEK_LOGD_AS(s->func, "Successfully registered with DCI for ch:%d, client ID = %d", ch, client_id);
 
     err = diag_register_dci_signal_data(client_id, SIGRTMIN + TOLVEK_DIAG_DCI_DATA_SIGNAL_OFFSET);
     if (err != TOLVEK_DIAG_DCI_OK) {
-        TOLVEK_LOGD("Could not register signal for DCI Data for ch:%d, err: %d, errno: %d", ch, err, errno);
+        TOLVEK_LOGD_AS(s->func, "Could not register signal for DCI Data for ch:%d, err: %d, errno: %d", ch, err, errno);
         return err;
     }
 
-    TOLVEK_LOGD("DCI Status on Processors for ch%d:", ch);
+    TOLVEK_LOGD_AS(s->func, "DCI Status on Processors for ch%d:", ch);
     err = diag_get_dci_support_list_proc(ch, &processor_list);
     if (err != TOLVEK_DIAG_DCI_OK) {
-        TOLVEK_LOGD("Could not get support list for ch %d, err: %d, errno: %d", ch, err, errno);
+        TOLVEK_LOGD_AS(s->func, "Could not get support list for ch %d, err: %d, errno: %d", ch, err, errno);
     } else if (processor_list & k_dci_mpss_bit) {
-        TOLVEK_LOGD("MPSS on ch:%d: UP", ch);
+        TOLVEK_LOGD_AS(s->func, "MPSS on ch:%d: UP", ch);
     } else {
-        TOLVEK_LOGD("MPSS on ch:%d: DOWN", ch);
+        TOLVEK_LOGD_AS(s->func, "MPSS on ch:%d: DOWN", ch);
     }
 
-    TOLVEK_LOGD("Opening Data Stream, registering listeners for ch:%d", ch);
+    TOLVEK_LOGD_AS(s->func, "Opening Data Stream, registering listeners for ch:%d", ch);
     err = diag_register_dci_stream_proc(client_id, cbs->log_stream, cbs->event_stream);
     if (err != TOLVEK_DIAG_DCI_OK) {
-        TOLVEK_LOGD("Unable to register DCI stream for ch:%d, err: %d, errno: %d", ch, err, errno);
+        TOLVEK_LOGD_AS(s->func, "Unable to register DCI stream for ch:%d, err: %d, errno: %d", ch, err, errno);
     }
     return err;
 }
@@ -162,7 +162,7 @@ int tolvek_diag_dci_register_and_send(unsigned char *data, int data_len, const t
     s->client_id = 0;
     s->rsp = static_cast<unsigned char *>(malloc(TOLVEK_DIAG_DCI_RSP_BUF_LEN));
     if (s->rsp == NULL) {
-        TOLVEK_LOGE("Unable to allocate memory for DCI rsp pkt, errno: %d", errno);
+        TOLVEK_LOGE_AS(s->func, "Unable to allocate memory for DCI rsp pkt, errno: %d", errno);
         return DIAG_DCI_NO_MEM;
     }
     int err = dci_register_client(cbs, s);
@@ -170,13 +170,13 @@ int tolvek_diag_dci_register_and_send(unsigned char *data, int data_len, const t
         return err;
     }
     const int ch = g_diag_channel;
-    TOLVEK_LOGD("Sending Asynchronous Command for ch:%d", ch);
+    TOLVEK_LOGD_AS(s->func, "Sending Asynchronous Command for ch:%d", ch);
     err = diag_send_dci_async_req(s->client_id, data, data_len, s->rsp, TOLVEK_DIAG_DCI_RSP_BUF_LEN, cbs->response,
                                   NULL);
     if (err != TOLVEK_DIAG_DCI_OK) {
         /* The peripheral number printed is the library's code: the request
          * never reached a peripheral. */
-        TOLVEK_LOGD("Error sending SEND_REQUEST_ASYNC to peripheral %d for ch:%d", err, ch);
+        TOLVEK_LOGD_AS(s->func, "Error sending SEND_REQUEST_ASYNC to peripheral %d for ch:%d", err, ch);
     }
     return err;
 }
@@ -191,7 +191,7 @@ void tolvek_diag_dci_release(tolvek_diag_dci_session *s, int counted_session)
     if (s->client_id != 0) {
         int err = diag_release_dci_client(&s->client_id);
         if (err != TOLVEK_DIAG_DCI_OK) {
-            TOLVEK_LOGD("Releasing DCI connection, err: %d, errno: %d", err, errno);
+            TOLVEK_LOGD_AS(s->func, "Releasing DCI connection, err: %d, errno: %d", err, errno);
         }
         s->client_id = 0;
     }

@@ -44,6 +44,14 @@ void tolvek_log_line(int priority, const char *src_tag, int line, const char *fu
 #define TOLVEK_LOG_PAIR(priority, fmt, ...) \
     tolvek_log_line((priority), TOLVEK_LOG_SRC_TAG, __LINE__, __func__, fmt, ##__VA_ARGS__)
 
+/* A paired line printed under the name of `func` rather than the enclosing
+ * function: helpers that run one step of a caller's sequence print as
+ * that caller. */
+#define TOLVEK_LOGD_AS(func, fmt, ...) \
+    tolvek_log_line(TOLVEK_LOG_PRIO_DEBUG, TOLVEK_LOG_SRC_TAG, __LINE__, (func), fmt, ##__VA_ARGS__)
+#define TOLVEK_LOGE_AS(func, fmt, ...) \
+    tolvek_log_line(TOLVEK_LOG_PRIO_ERR, TOLVEK_LOG_SRC_TAG, __LINE__, (func), fmt, ##__VA_ARGS__)
+
 /* Debug-priority paired line (progress and most failures). */
 #define TOLVEK_LOGD(fmt, ...) TOLVEK_LOG_PAIR(TOLVEK_LOG_PRIO_DEBUG, fmt, ##__VA_ARGS__)
 /* Error-priority paired line (allocation failures, PDC initialisation

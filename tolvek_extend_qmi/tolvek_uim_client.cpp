@@ -23,8 +23,7 @@ constexpr uint8_t k_ssr_detected = 1;
 constexpr uint8_t k_card_mode_telecom = UIM_CARD_MODE_TELECOM_CARD_V01;
 
 /* A paired debug line written on behalf of `func`. */
-#define UIM_LOGD_AS(func, fmt, ...) \
-    tolvek_log_line(TOLVEK_LOG_PRIO_DEBUG, TOLVEK_LOG_SRC_TAG, __LINE__, (func), fmt, ##__VA_ARGS__)
+#define UIM_LOGD_AS TOLVEK_LOGD_AS
 
 /* At exit the handle is released without a trace line, so that no
  * callback of the client library runs while the process tears down the
@@ -186,9 +185,12 @@ void tolvek_uim_qmi_client_unsol_ind_cb(qmi_client_type, unsigned int msg_id, vo
     qcril_free_adv(out, __func__, __LINE__);
 }
 
-/* Builds and sends one power request; returns the send result or -1. */
-static int send_power_request(const char *func, const tolvek_uim_power_params *params)
+/* Builds and sends one power request; returns the send result.  `*sent`
+ * says whether the request went out at all: a buffer that could not be
+ * allocated is not a send result, and the library's own -1 is. */
+static int send_power_request(const char *func, const tolvek_uim_power_params *params, bool *sent)
 {
+    *sent = false;
     int rc;
     if (params->power_up == 0) {
         auto *req = static_cast<uim_power_down_req_msg_v01 *>(
@@ -203,6 +205,7 @@ static int send_power_request(const char *func, const tolvek_uim_power_params *p
         }
         req->slot = uim_slot_enum_v01(params->slot);
         UIM_LOGD_AS(func, "tolvek_uim_request_uicc_power_ex power down sim");
+        *sent = true;
         rc = send_sync(QMI_UIM_POWER_DOWN_REQ_V01, req, sizeof(*req), resp, sizeof(*resp));
         qcril_free_adv(req, __func__, __LINE__);
         qcril_free_adv(resp, __func__, __LINE__);
@@ -225,6 +228,7 @@ static int send_power_request(const char *func, const tolvek_uim_power_params *p
     req->mode = uim_card_mode_enum_v01(k_card_mode_telecom);
     UIM_LOGD_AS(func, "tolvek_uim_request_uicc_power_ex power up sim, ignore hotswap = %d ",
                 int(req->ignore_hotswap_switch));
+    *sent = true;
     rc = send_sync(QMI_UIM_POWER_UP_REQ_V01, req, sizeof(*req), resp, sizeof(*resp));
     qcril_free_adv(req, __func__, __LINE__);
     qcril_free_adv(resp, __func__, __LINE__);
@@ -248,8 +252,9 @@ int tolvek_uim_request_uicc_power_ex(const tolvek_uim_power_params *params)
     }
     TOLVEK_LOGD("tolvek_uim_request_uicc_power_ex uim_qmi_client %p", handle_ptr());
 
-    int rc = send_power_request(__func__, params);
-    if (rc == TOLVEK_UIM_ERR_NO_CLIENT) {
+    bool sent = false;
+    int rc = send_power_request(__func__, params, &sent);
+    if (!sent) {
         TOLVEK_FUNC_EXIT();
         return rc;
     }

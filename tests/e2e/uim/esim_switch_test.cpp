@@ -141,6 +141,13 @@ TEST_F(EsimSwitchTest, QuietConsoleKeepsTheSystemLog)
     EXPECT_TRUE(syslog_has(r, "SUB[shell][tolvek_uim_client.cpp:"));
     EXPECT_TRUE(syslog_has(r, "init_uim_qmi_client"));
     EXPECT_TRUE(has(state(), "slot2 on euicc"));
+
+    /* A failure on a quiet console prints the help without the note. */
+    sim.ctl_ok("error uim 0x65 0x5A 1");
+    r = esim({"2", "0"});
+    EXPECT_FALSE(has(r.out, "RIL[")) << r.out;
+    EXPECT_FALSE(has(r.out, "Error happen")) << r.out;
+    EXPECT_TRUE(has(r.out, "rlk 5 10")) << "the help follows: " << r.out;
 }
 
 /* The UIM service restarts while a request is in flight; the run fails at

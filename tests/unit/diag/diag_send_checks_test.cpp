@@ -1,6 +1,8 @@
 /* The tool's diag channel below the library: mask and channel names, the
  * command, reply-buffer and response checks, the DCI append rule with its
  * semaphore posts, and the wait thread's three endings.  No simulator. */
+#include <errno.h>
+#include <pthread.h>
 #include <semaphore.h>
 #include <string.h>
 #include <time.h>
@@ -203,6 +205,27 @@ TEST_F(DiagSendStateTest, RefusedResponsesLeaveTheStoredOneAndTheSemaphoreAlone)
     testing::internal::CaptureStdout();
     tolvek_diag_cmd_response_by_callback(other.data(), int(other.size()), &local);
     captured();
+    EXPECT_EQ(stored(), other);
+
+    /* The DCI callback checks a piece only once it holds the response
+     * mutex: while the mutex is taken, even a refused piece waits. */
+    pthread_mutex_lock(&g_diag_rsp_mutex);
+    pthread_t t;
+    unsigned char *refused = too_long.data();
+    testing::internal::CaptureStdout();
+    pthread_create(&t, nullptr, [](void *p) -> void * {
+        tolvek_diag_cmd_response_by_dci(static_cast<unsigned char *>(p), TOLVEK_DIAG_RSP_MAX_LEN + 1, nullptr);
+        return nullptr;
+    }, refused);
+    struct timespec soon;
+    clock_gettime(CLOCK_REALTIME, &soon);
+    soon.tv_nsec += 50 * 1000000L;
+    soon.tv_sec += soon.tv_nsec / 1000000000L;
+    soon.tv_nsec %= 1000000000L;
+    EXPECT_EQ(pthread_timedjoin_np(t, nullptr, &soon), ETIMEDOUT) << "the check ran outside the mutex";
+    pthread_mutex_unlock(&g_diag_rsp_mutex);
+    pthread_join(t, nullptr);
+    EXPECT_NE(captured().find("tolvek_diag_cmd_response_check fail"), std::string::npos);
     EXPECT_EQ(stored(), other);
 }
 

@@ -9,6 +9,8 @@
 
 #include <chrono>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,6 +31,18 @@ std::string captured()
 }
 
 bool has(const std::string &out, const std::string &line) { return out.find(line) != std::string::npos; }
+
+/* The function names of the console lines of the DCI registration
+ * sequence (every one names channel 0 as "ch:0" or "ch0:"). */
+std::set<std::string> dci_sequence_printed_by(const std::string &out)
+{
+    std::set<std::string> names;
+    std::istringstream lines(out);
+    for (std::string l; std::getline(lines, l);) {
+        if (l.rfind("RIL[", 0) == 0 && (has(l, "ch:0") || has(l, "ch0:"))) names.insert(l.substr(4, l.find(':') - 4));
+    }
+    return names;
+}
 
 /* Threads of this process named "TOLV DIAG". */
 int diag_threads()
@@ -179,6 +193,8 @@ TEST_F(DiagSendModesTest, DciRepliesInPiecesWakeOnTheShortPieceOrThroughTheWaitT
     EXPECT_LT(joined.ms, 1500);
     EXPECT_TRUE(has(out, "data_size = 4096\n"));
     EXPECT_TRUE(has(out, "data_size = 100\n"));
+    EXPECT_TRUE(has(out, "Sending Asynchronous Command for ch:0"));
+    EXPECT_EQ(dci_sequence_printed_by(out), std::set<std::string>{"tolvek_diag_cmd_send_with_result_by_dci_mode"});
 
     sim.ctl_ok("diag next-size 8192");
     testing::internal::CaptureStdout();
@@ -216,6 +232,10 @@ TEST_F(DiagSendModesTest, SenderThreadsLeaveNoThreadClientOrConnectionBehind)
         EXPECT_EQ(finished, 0);
         EXPECT_TRUE(has(out, "tolvek daig is created, conf = 0, diag_work_mode = " + std::to_string(mode)));
         EXPECT_FALSE(has(out, "_no_handle:")) << "the dropped reply printed nothing";
+        if (mode == TOLVEK_DIAG_MODE_DCI) {
+            EXPECT_EQ(dci_sequence_printed_by(out),
+                      std::set<std::string>{"tolvek_diag_cmd_send_without_result_by_dci_mode_thread_proc"});
+        }
         /* The thread may still be returning from its procedure. */
         for (int i = 0; i < 100 && diag_threads() != 0; i++) usleep(1000);
         EXPECT_EQ(diag_threads(), 0);
@@ -278,6 +298,7 @@ TEST(DiagSendNoSimulator, BothWithResultModesFailAtOnceAndReleaseWhatTheyOpened)
     EXPECT_TRUE(has(out, "Fail to send diag cmd"));
     EXPECT_TRUE(has(out, "Could not register with DCI, err: 1006, errno: "));
     EXPECT_FALSE(has(out, "Releasing DCI connection")) << "no client to release";
+    EXPECT_EQ(dci_sequence_printed_by(out), std::set<std::string>{"tolvek_diag_cmd_send_with_result_by_dci_mode"});
     EXPECT_EQ(g_diag_init_status, 0);
     if (before) {
         setenv("RLK_MODEMD_SOCKET", saved.c_str(), 1);
