@@ -109,7 +109,8 @@ void json_refused(std::string *out, const std::map<std::pair<uint32_t, int32_t>,
 }
 
 /* Statuses of a message that was not written, as counted. */
-constexpr signalling_status k_not_written[] = {SIGNALLING_MALFORMED, SIGNALLING_CHANNEL_SKIPPED};
+constexpr signalling_status k_not_written[] = {SIGNALLING_MALFORMED, SIGNALLING_CHANNEL_SKIPPED,
+                                              SIGNALLING_NO_GSMTAP};
 
 void pcap_text(const replay_counts &counts, std::string *out)
 {

@@ -176,7 +176,7 @@ TEST_F(ReplayPcapTest, DamagedCaptureGivesAWholePcapAndCountsUnknownVersions)
     run_result j = replay({"--json", "--pcap", pcap, in});
     EXPECT_NE(j.out.find(",\"pcap\":{\"written\":{\"LTE NAS EMM uplink\":1,\"LTE RRC UL-DCCH\":2},"
                          "\"refused\":[{\"code\":45248,\"version\":30,\"count\":1}],"
-                         "\"not_written\":{\"malformed\":0,\"channel not written\":0}}}\n"),
+                         "\"not_written\":{\"malformed\":0,\"channel not written\":0,\"NR RRC, no GSMTAP type\":0}}}\n"),
               std::string::npos)
         << j.out;
 }

@@ -158,6 +158,7 @@ TEST(Signalling, TruncatedUnknownAndOtherPacketsGiveNoMessage)
         {"wcdma cell cut", 0x412F, fields({{0x83, 1}, {0, 1}, {1, 2}, {0, 2}}), SIGNALLING_MALFORMED, -1},
         {"gsm length past the end", 0x512F, gsm(0x81, 5), SIGNALLING_MALFORMED, -1},
         {"gsm channel 9", 0x512F, gsm(0x89, 4), SIGNALLING_CHANNEL_SKIPPED, -1},
+        {"NR RRC", 0xB821, v9, SIGNALLING_NO_GSMTAP, -1},
         {"not signalling", 0xB193, v9, SIGNALLING_NONE, -1},
     };
     for (const auto &c : cases) {
