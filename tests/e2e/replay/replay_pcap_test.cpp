@@ -159,8 +159,8 @@ TEST_F(ReplayPcapTest, DamagedCaptureGivesAWholePcapAndCountsUnknownVersions)
     std::string pcap = tmp_ + "/damaged.pcap";
     run_result r = replay({"--pcap", pcap, in});
     ASSERT_EQ(exit_code(r.status), 0) << r.err;
-    EXPECT_EQ(written_per_kind(r.out), (std::map<std::string, uint64_t>{{"LTE RRC UL-DCCH", 2}, {"LTE NAS EMM uplink", 1}}))
-        << r.out;
+    std::map<std::string, uint64_t> want = {{"LTE RRC UL-DCCH", 2}, {"LTE NAS EMM uplink", 1}};
+    EXPECT_EQ(written_per_kind(r.out), want) << r.out;
     EXPECT_NE(r.out.find("pcap versions refused per code and version:\n  0xB0C0 version 30: 1\n"), std::string::npos)
         << r.out;
     std::vector<std::string> records;
@@ -176,7 +176,8 @@ TEST_F(ReplayPcapTest, DamagedCaptureGivesAWholePcapAndCountsUnknownVersions)
     run_result j = replay({"--json", "--pcap", pcap, in});
     EXPECT_NE(j.out.find(",\"pcap\":{\"written\":{\"LTE NAS EMM uplink\":1,\"LTE RRC UL-DCCH\":2},"
                          "\"refused\":[{\"code\":45248,\"version\":30,\"count\":1}],"
-                         "\"not_written\":{\"malformed\":0,\"channel not written\":0,\"NR RRC, no GSMTAP type\":0}}}\n"),
+                         "\"not_written\":{\"malformed\":0,\"channel not written\":0,"
+                         "\"NR RRC, no GSMTAP type\":0}}}\n"),
               std::string::npos)
         << j.out;
 }
