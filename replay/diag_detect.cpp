@@ -52,7 +52,10 @@ diag_capture_format diag_format_detector::decide(bool complete) const
     uint64_t dlf_covered = dlf_at_;
     if (!complete) {
         if (hdlc_valid_ == 0 && !dlf_broken_ && dlf_records_ >= DIAG_DETECT_DLF_RECORDS) return DIAG_FORMAT_DLF;
-        if (hdlc_valid_ >= DIAG_DETECT_HDLC_FRAMES && dlf_broken_ && hdlc_covered_ > dlf_covered) {
+        /* A live port must not wait for a long first "record" to arrive:
+         * two valid frames before any whole record decide as well. */
+        bool dlf_out = dlf_broken_ || dlf_records_ == 0;
+        if (hdlc_valid_ >= DIAG_DETECT_HDLC_FRAMES && dlf_out && hdlc_covered_ > dlf_covered) {
             return DIAG_FORMAT_HDLC;
         }
         return DIAG_FORMAT_AUTO;

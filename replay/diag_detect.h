@@ -11,9 +11,9 @@
  * reads as HDLC, where nothing is then decoded.  The detector is fed the
  * prefix piece by piece and scores incrementally, so each byte is looked at
  * once whatever the split.  It decides early when the evidence cannot turn:
- * HDLC after a few valid frames once the DLF chain has broken, DLF after a
- * run of chained records with no valid frame; else at the end of the window
- * or of the input. */
+ * HDLC after a few valid frames once the DLF chain has broken (or before
+ * its first record is whole), DLF after a run of chained records with no
+ * valid frame; else at the end of the window or of the input. */
 #ifndef RLK_REPLAY_DIAG_DETECT_H
 #define RLK_REPLAY_DIAG_DETECT_H
 
