@@ -6,41 +6,6 @@
 
 namespace {
 
-struct hdlc_evidence {
-    uint32_t valid = 0;
-    uint32_t frames = 0;
-};
-
-void count_hdlc_frame(void *ctx, hdlc_status status, const uint8_t *, size_t)
-{
-    auto *ev = static_cast<hdlc_evidence *>(ctx);
-    ev->frames++;
-    if (status == HDLC_OK) ev->valid++;
-}
-
-/* Records chained from the start of `data` whose lengths all hold a record
- * header; `whole` tells whether the chain reached the end exactly or ran
- * into a record longer than what is left (which a complete input must
- * not have). */
-uint32_t dlf_chain(const uint8_t *data, size_t len, bool *whole, bool *broken)
-{
-    uint32_t records = 0;
-    size_t at = 0;
-    *broken = false;
-    while (len - at >= DIAG_DLF_LENGTH_LEN) {
-        size_t n = diag_le16(data + at);
-        if (n < DIAG_LOG_LENGTH_SELF) {
-            *broken = true;
-            break;
-        }
-        if (n > len - at) break;
-        records++;
-        at += n;
-    }
-    *whole = at == len;
-    return records;
-}
-
 diag_skip_reason hdlc_skip_reason(hdlc_status status)
 {
     switch (status) {
@@ -64,22 +29,6 @@ const char *diag_capture_format_name(diag_capture_format format)
     case DIAG_FORMAT_AUTO: break;
     }
     return "auto";
-}
-
-diag_capture_format diag_capture_detect(const uint8_t *data, size_t len, bool complete)
-{
-    hdlc_evidence ev;
-    hdlc_decoder dec;
-    dec.feed(data, len, count_hdlc_frame, &ev);
-    bool whole = false;
-    bool broken = false;
-    uint32_t records = dlf_chain(data, len, &whole, &broken);
-    /* A last record cut short is allowed when others chain before it. */
-    bool dlf_fits = !broken && records > 0 && (whole || records >= 2 || !complete);
-    if (ev.valid == 0 && dlf_fits && (complete || records >= DIAG_DETECT_DLF_RECORDS)) return DIAG_FORMAT_DLF;
-    if (ev.valid >= DIAG_DETECT_HDLC_FRAMES || (ev.valid > 0 && (broken || complete))) return DIAG_FORMAT_HDLC;
-    if (complete) return dlf_fits && ev.valid == 0 ? DIAG_FORMAT_DLF : DIAG_FORMAT_HDLC;
-    return DIAG_FORMAT_AUTO;
 }
 
 diag_capture_reader::diag_capture_reader(diag_capture_format format, diag_packet_fn fn, void *ctx)
@@ -122,8 +71,7 @@ bool diag_capture_reader::dlf_plausible(const uint8_t *record) const
     if (!dlf_resyncing_) return true;
     /* Looking for the next record after a bad one: its code must also
      * belong to one of the log equipment groups. */
-    unsigned group = diag_le16(record + DIAG_DLF_LENGTH_LEN) >> DIAG_LOG_GROUP_SHIFT;
-    return (DIAG_LOG_GROUPS >> group) & 1u;
+    return diag_log_code_plausible(diag_le16(record + DIAG_DLF_LENGTH_LEN));
 }
 
 void diag_capture_reader::dlf_bad_start()
@@ -184,9 +132,10 @@ void diag_capture_reader::feed_format(const uint8_t *data, size_t len)
 void diag_capture_reader::detect(bool at_end)
 {
     bool complete = at_end || window_.size() >= DIAG_DETECT_WINDOW;
-    diag_capture_format f = diag_capture_detect(window_.data(), window_.size(), complete);
+    diag_capture_format f = detector_.decide(complete);
     if (f == DIAG_FORMAT_AUTO) return;
     current_ = f;
+    detector_ = diag_format_detector();
     std::vector<uint8_t> held;
     held.swap(window_);
     feed_format(held.data(), held.size());
@@ -198,6 +147,7 @@ void diag_capture_reader::feed(const uint8_t *data, size_t len)
     if (current_ == DIAG_FORMAT_AUTO) {
         size_t take = std::min(len, DIAG_DETECT_WINDOW - window_.size());
         window_.insert(window_.end(), data, data + take);
+        detector_.feed(window_.data(), window_.size(), take);
         data += take;
         len -= take;
         detect(false);
@@ -216,6 +166,7 @@ void diag_capture_reader::finish()
     }
     partial_.clear();
     window_.clear();
+    detector_ = diag_format_detector();
     dlf_resyncing_ = false;
     state_.last_full_ts = 0;
     current_ = wanted_;

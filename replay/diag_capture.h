@@ -11,13 +11,13 @@
  *         header is counted once and the reader moves on byte by byte until
  *         a plausible record starts (a length that holds the header and a
  *         code of a known log group).
- *   AUTO  decided from the first bytes of each input: HDLC when CRC-valid
- *         frames appear there, DLF when the bytes chain as DLF records and
- *         no frame checks out; HDLC when neither (everything is then
- *         counted as skipped).
+ *   AUTO  decided per input from a bounded prefix scored under both
+ *         readings (diag_detect.h): CRC-valid frames against DLF records
+ *         that chain and look like logs.
  *
  * Memory stays bounded whatever the input size: the reader keeps at most
- * one frame or record in progress (64 KiB) and the detection window. */
+ * one frame or record in progress (64 KiB) and the detection window
+ * (1 MiB). */
 #ifndef RLK_REPLAY_DIAG_CAPTURE_H
 #define RLK_REPLAY_DIAG_CAPTURE_H
 
@@ -26,36 +26,12 @@
 
 #include <vector>
 
+#include "diag_detect.h"
 #include "diag_packet.h"
 #include "hdlc.h"
 
-enum diag_capture_format : uint8_t {
-    DIAG_FORMAT_AUTO = 0,
-    DIAG_FORMAT_HDLC = 1,
-    DIAG_FORMAT_DLF = 2,
-};
-
 /* "auto", "hdlc" or "dlf". */
 const char *diag_capture_format_name(diag_capture_format format);
-
-/* Bytes of an input looked at to tell HDLC from DLF. */
-constexpr size_t DIAG_DETECT_WINDOW = 65536;
-/* Evidence that decides before the window is full: CRC-valid frames for
- * HDLC; chained records (with no valid frame) for DLF. */
-constexpr uint32_t DIAG_DETECT_HDLC_FRAMES = 2;
-constexpr uint32_t DIAG_DETECT_DLF_RECORDS = 16;
-constexpr size_t DIAG_DLF_LENGTH_LEN = 2;
-/* Bytes that show whether a record may start somewhere: length and code. */
-constexpr size_t DIAG_DLF_HEADER_CHECK = 4;
-/* Equipment groups of log codes (the code's top nibble): 1 common and
- * 1x, 4 WCDMA, 5 GSM, 7 UMTS NAS, 0xB LTE and NR. */
-constexpr unsigned DIAG_LOG_GROUP_SHIFT = 12;
-constexpr uint32_t DIAG_LOG_GROUPS = (1u << 0x1) | (1u << 0x4) | (1u << 0x5) | (1u << 0x7) | (1u << 0xB);
-
-/* The format of an input that starts with `len` bytes; `complete` when
- * they are the whole input or a full window.  AUTO when more bytes are
- * needed to decide. */
-diag_capture_format diag_capture_detect(const uint8_t *data, size_t len, bool complete);
 
 struct diag_capture_counters {
     uint64_t bytes = 0;                               /* bytes fed */
@@ -99,6 +75,7 @@ private:
     diag_capture_counters counters_;
     diag_frame_state state_;
     hdlc_decoder hdlc_;
+    diag_format_detector detector_;
     std::vector<uint8_t> window_;  /* bytes held while the format is undecided */
     std::vector<uint8_t> partial_; /* a DLF record split across feeds */
     bool dlf_resyncing_ = false;

@@ -107,6 +107,10 @@ int main(int argc, char **argv)
     replay_install_stop_handlers();
     bool progress = opts.progress && isatty(STDERR_FILENO);
     replay_session session(opts);
+    if (!session.open_pcap(&error)) {
+        fprintf(stderr, "%s: %s\n", PROGRAM, error.c_str());
+        return REPLAY_EXIT_INPUT;
+    }
     if (!session.begin()) {
         perror(PROGRAM);
         return REPLAY_EXIT_INPUT;

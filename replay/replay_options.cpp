@@ -37,6 +37,10 @@ const char k_help[] =
     "                       timestamp, subscription, length, records (data_id and\n"
     "                       bytes in hex) and lines (what the parsers printed);\n"
     "                       the summary is the last line, with type \"summary\"\n"
+    "      --pcap FILE      also write the signalling messages (LTE RRC and NAS,\n"
+    "                       WCDMA RRC, GSM RR) as GSMTAP in a pcap file for\n"
+    "                       Wireshark; '-' writes it to standard output (the\n"
+    "                       other output then goes to standard error)\n"
     "      --no-progress    no progress line on standard error\n"
     "  -h, --help           this text\n"
     "\n"
@@ -89,7 +93,7 @@ bool parse_format(const std::string &text, diag_capture_format *format, std::str
     return false;
 }
 
-enum option_id { OPT_FORMAT, OPT_LOG, OPT_EVENT, OPT_SUMMARY, OPT_JSON, OPT_NO_PROGRESS, OPT_HELP };
+enum option_id { OPT_FORMAT, OPT_LOG, OPT_EVENT, OPT_SUMMARY, OPT_JSON, OPT_PCAP, OPT_NO_PROGRESS, OPT_HELP };
 
 struct option_row {
     option_id id;
@@ -101,7 +105,8 @@ struct option_row {
 const option_row k_options[] = {
     {OPT_FORMAT, 'f', "format", true},     {OPT_LOG, 'l', "log", true},
     {OPT_EVENT, 'e', "event", true},       {OPT_SUMMARY, 's', "summary-only", false},
-    {OPT_JSON, 'j', "json", false},        {OPT_NO_PROGRESS, 0, "no-progress", false},
+    {OPT_JSON, 'j', "json", false},        {OPT_PCAP, 0, "pcap", true},
+    {OPT_NO_PROGRESS, 0, "no-progress", false},
     {OPT_HELP, 'h', "help", false},
 };
 
@@ -124,6 +129,13 @@ bool apply(option_id id, const std::string &value, replay_options *opts, std::st
             return false;
         }
         opts->mode = REPLAY_OUTPUT_JSON;
+        return true;
+    case OPT_PCAP:
+        if (value.empty()) {
+            *error = "--pcap needs a file name (or - for standard output)";
+            return false;
+        }
+        opts->pcap = value;
         return true;
     case OPT_NO_PROGRESS: opts->progress = false; return true;
     case OPT_HELP: opts->help = true; return true;

@@ -31,6 +31,9 @@ struct replay_options {
     std::vector<bool> logs;   /* selected log codes */
     std::vector<bool> events; /* selected event ids */
     bool progress = true;     /* progress on standard error when it is a terminal */
+    std::string pcap;         /* --pcap: where the GSMTAP records go ("-": standard
+                                 output, the text output then goes to standard
+                                 error); empty: no pcap */
     bool help = false;
     std::vector<std::string> inputs; /* paths; "-" is standard input */
 };

@@ -83,11 +83,20 @@ void replay_session::end()
     fclose(capture_);
     capture_ = nullptr;
     flush();
+    if (pcap_.is_open() && !pcap_.close()) write_failed_ = true;
+}
+
+bool replay_session::open_pcap(std::string *error)
+{
+    if (opts_.pcap.empty()) return true;
+    counts_.pcap = true;
+    return pcap_.open(opts_.pcap, error);
 }
 
 bool replay_session::flush()
 {
-    FILE *out = real_stdout_ ? real_stdout_ : stdout;
+    if (pcap_.is_open() && !pcap_.flush()) write_failed_ = true;
+    FILE *out = opts_.pcap == "-" ? stderr : real_stdout_ ? real_stdout_ : stdout;
     if (!out_.empty() && fwrite(out_.data(), 1, out_.size(), out) != out_.size()) write_failed_ = true;
     out_.clear();
     if (fflush(out) != 0) write_failed_ = true;
@@ -194,6 +203,7 @@ void replay_session::packet(const diag_packet &pkt)
     }
     uint64_t number = ++counts_.packets;
     (pkt.kind == DIAG_PACKET_LOG ? counts_.logs : counts_.events)[pkt.code]++;
+    if (pcap_.is_open()) pcap_.packet(pkt, &counts_);
     switch (opts_.mode) {
     case REPLAY_OUTPUT_SUMMARY:
         dispatch(pkt);

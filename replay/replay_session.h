@@ -21,6 +21,7 @@
 #include "diag_capture.h"
 #include "modem_stats_record.h"
 #include "replay_options.h"
+#include "replay_pcap.h"
 #include "replay_summary.h"
 
 /* Output held before it is written out. */
@@ -47,8 +48,12 @@ public:
     /* Name of the input being read (for JSON lines). */
     void set_input(const std::string &name) { input_ = name; }
 
-    /* Writes the output held so far to standard output; false when that
-     * fails. */
+    /* Opens the --pcap output when one was asked for; false with the
+     * reason in *error. */
+    bool open_pcap(std::string *error);
+    /* Writes the output held so far to standard output (standard error
+     * when the pcap goes to standard output) and the pcap records held;
+     * false when that fails. */
     bool flush();
     /* Writes the summary (text or JSON) and flushes. */
     bool write_summary();
@@ -71,6 +76,7 @@ private:
     replay_counts counts_;
     std::string input_;
     FILE *real_stdout_ = nullptr;
+    replay_pcap pcap_;
     FILE *capture_ = nullptr;
     std::string *sink_ = nullptr; /* where the parsers' text goes; null: nowhere */
     std::string out_;             /* output not yet written */

@@ -78,6 +78,88 @@ std::vector<uint64_t> other_frames(const diag_capture_reader &reader)
     return std::vector<uint64_t>(reader.other_frames(), reader.other_frames() + DIAG_COMMAND_VALUES);
 }
 
+void text_refused(std::string *out, const char *title, const std::map<std::pair<uint32_t, int32_t>, uint64_t> &refused)
+{
+    if (!refused.empty()) out->append(title).append(":\n");
+    for (const auto &r : refused) {
+        out->append("  ");
+        append_code(out, r.first.first);
+        out->append(" version ");
+        append_int(out, r.first.second);
+        out->append(": ");
+        replay_append_uint(out, r.second);
+        out->push_back('\n');
+    }
+}
+
+void json_refused(std::string *out, const std::map<std::pair<uint32_t, int32_t>, uint64_t> &refused)
+{
+    bool first = true;
+    for (const auto &r : refused) {
+        if (!first) out->push_back(',');
+        first = false;
+        out->append("{\"code\":");
+        replay_append_uint(out, r.first.first);
+        out->append(",\"version\":");
+        append_int(out, r.first.second);
+        out->append(",\"count\":");
+        replay_append_uint(out, r.second);
+        out->push_back('}');
+    }
+}
+
+/* Statuses of a message that was not written, as counted. */
+constexpr signalling_status k_not_written[] = {SIGNALLING_MALFORMED, SIGNALLING_CHANNEL_SKIPPED,
+                                              SIGNALLING_NO_GSMTAP};
+
+void pcap_text(const replay_counts &counts, std::string *out)
+{
+    if (!counts.pcap) return;
+    out->append("pcap messages written per kind:\n");
+    for (const auto &w : counts.pcap_written) {
+        out->append("  ").append(w.first).push_back(' ');
+        replay_append_uint(out, w.second);
+        out->push_back('\n');
+    }
+    text_refused(out, "pcap versions refused per code and version", counts.pcap_refused);
+    bool any = false;
+    for (signalling_status s : k_not_written) {
+        if (!counts.pcap_not_written[s]) continue;
+        if (!any) out->append("pcap messages not written:\n");
+        any = true;
+        out->append("  ").append(signalling_status_name(s)).append(": ");
+        replay_append_uint(out, counts.pcap_not_written[s]);
+        out->push_back('\n');
+    }
+}
+
+void pcap_json(const replay_counts &counts, std::string *out)
+{
+    if (!counts.pcap) return;
+    out->append(",\"pcap\":{\"written\":{");
+    bool first = true;
+    for (const auto &w : counts.pcap_written) {
+        if (!first) out->push_back(',');
+        first = false;
+        replay_append_json_string(out, w.first.data(), w.first.size());
+        out->push_back(':');
+        replay_append_uint(out, w.second);
+    }
+    out->append("},\"refused\":[");
+    json_refused(out, counts.pcap_refused);
+    out->append("],\"not_written\":{");
+    first = true;
+    for (signalling_status s : k_not_written) {
+        if (!first) out->push_back(',');
+        first = false;
+        const char *name = signalling_status_name(s);
+        replay_append_json_string(out, name, strlen(name));
+        out->push_back(':');
+        replay_append_uint(out, counts.pcap_not_written[s]);
+    }
+    out->append("}}");
+}
+
 }  // namespace
 
 void replay_summary_text(const replay_counts &counts, const diag_capture_reader &reader, std::string *out)
@@ -106,16 +188,7 @@ void replay_summary_text(const replay_counts &counts, const diag_capture_reader 
         replay_append_uint(out, r.second);
         out->push_back('\n');
     }
-    if (!counts.refused.empty()) out->append("versions refused per code and version:\n");
-    for (const auto &r : counts.refused) {
-        out->append("  ");
-        append_code(out, r.first.first);
-        out->append(" version ");
-        append_int(out, r.first.second);
-        out->append(": ");
-        replay_append_uint(out, r.second);
-        out->push_back('\n');
-    }
+    text_refused(out, "versions refused per code and version", counts.refused);
     if (skipped_total(reader)) out->append("frames skipped:\n");
     for (size_t i = 0; i < DIAG_SKIP_REASON_COUNT; i++) {
         if (!c.skipped[i]) continue;
@@ -141,6 +214,7 @@ void replay_summary_text(const replay_counts &counts, const diag_capture_reader 
         replay_append_uint(out, counts.filtered_out);
         out->push_back('\n');
     }
+    pcap_text(counts, out);
 }
 
 void replay_summary_json(const replay_counts &counts, const diag_capture_reader &reader, std::string *out)
@@ -171,18 +245,7 @@ void replay_summary_json(const replay_counts &counts, const diag_capture_reader 
         replay_append_uint(out, r.second);
     }
     out->append("},\"refused\":[");
-    first = true;
-    for (const auto &r : counts.refused) {
-        if (!first) out->push_back(',');
-        first = false;
-        out->append("{\"code\":");
-        replay_append_uint(out, r.first.first);
-        out->append(",\"version\":");
-        append_int(out, r.first.second);
-        out->append(",\"count\":");
-        replay_append_uint(out, r.second);
-        out->push_back('}');
-    }
+    json_refused(out, counts.refused);
     out->append("],\"skipped\":{");
     first = true;
     for (size_t i = 0; i < DIAG_SKIP_REASON_COUNT; i++) {
@@ -195,5 +258,6 @@ void replay_summary_json(const replay_counts &counts, const diag_capture_reader 
     }
     out->push_back('}');
     json_table(out, "other_commands", other_frames(reader), true);
+    pcap_json(counts, out);
     out->append("}\n");
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "diag_capture.h"
+#include "signalling.h"
 
 /* Values of a log code and of an event id. */
 constexpr size_t REPLAY_LOG_CODES = 65536;
@@ -26,6 +27,12 @@ struct replay_counts {
     std::vector<uint64_t> events; /* decoded event records, by id */
     std::map<uint32_t, uint64_t> records;             /* records made, by data id */
     std::map<std::pair<uint32_t, int32_t>, uint64_t> refused; /* (code, version) refused */
+    /* --pcap: messages written by kind, versions refused, packets whose
+     * message was not written (by signalling_status). */
+    bool pcap = false;
+    std::map<std::string, uint64_t> pcap_written;
+    std::map<std::pair<uint32_t, int32_t>, uint64_t> pcap_refused;
+    uint64_t pcap_not_written[SIGNALLING_STATUS_COUNT] = {};
 };
 
 /* Appends the summary as text lines:
@@ -44,6 +51,12 @@ struct replay_counts {
  *   frames of other commands:
  *     0x92: 15137
  *   packets not selected by the filter: 12
+ *   pcap messages written per kind:
+ *     LTE RRC DL-DCCH 12
+ *   pcap versions refused per code and version:
+ *     0xB0C0 version 30: 2
+ *   pcap messages not written:
+ *     malformed: 1
  *
  * Sections without entries are left out except the first line. */
 void replay_summary_text(const replay_counts &counts, const diag_capture_reader &reader, std::string *out);

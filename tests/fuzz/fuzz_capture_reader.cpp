@@ -1,5 +1,7 @@
 /* Fuzz target of the capture reader: HDLC deframing, DLF records, format
- * detection, the multi-SIM wrapper and the event report splitter.
+ * detection, the multi-SIM wrapper and the event report splitter, and of
+ * the signalling extraction and GSMTAP records of --pcap (every log packet
+ * is read as each signalling log).
  *
  * An input is one control byte and a stream:
  *   byte 0  bits 0-1 format (0 auto, 1 HDLC, 2 DLF, 3 auto);
@@ -12,7 +14,11 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <string>
+
 #include "diag_capture.h"
+#include "gsmtap_pcap.h"
+#include "signalling.h"
 
 namespace {
 
@@ -22,6 +28,25 @@ constexpr size_t FUZZ_WHOLE = 64;
 
 volatile uint32_t g_sink;
 
+constexpr uint16_t k_signalling_logs[] = {LOG_LTE_RRC_OTA, LOG_LTE_NAS_EMM_OUT, LOG_WCDMA_RRC_SIGNALLING,
+                                          LOG_GSM_RR_SIGNALLING};
+
+/* The signalling message of a packet must lie inside it. */
+void check_signalling(const diag_packet &p)
+{
+    for (uint16_t code : k_signalling_logs) {
+        signalling_result r = signalling_extract(code, p.payload, p.length);
+        if (r.status != SIGNALLING_OK) continue;
+        if (r.msg.payload < p.payload || r.msg.length > p.length ||
+            size_t(r.msg.payload - p.payload) > p.length - r.msg.length) {
+            __builtin_trap();
+        }
+        std::string record;
+        if (!pcap_append_gsmtap(&record, 0, 0, r.msg)) __builtin_trap();
+        g_sink = static_cast<uint32_t>(record.size());
+    }
+}
+
 void check_packet(void *, const diag_packet &p)
 {
     if (!p.payload || p.sub >= DIAG_SUB_COUNT) __builtin_trap();
@@ -29,6 +54,7 @@ void check_packet(void *, const diag_packet &p)
     uint32_t sum = 0;
     for (size_t i = 0; i < p.length; i++) sum += p.payload[i];
     g_sink = sum;
+    if (p.kind == DIAG_PACKET_LOG) check_signalling(p);
 }
 
 diag_capture_format format_of(uint8_t control)

@@ -172,6 +172,21 @@ summary_tables parse_summary(const std::string &out)
     return t;
 }
 
+bool pcap_records(const std::string &pcap, std::vector<std::string> *records)
+{
+    bytes b(pcap.begin(), pcap.end());
+    if (b.size() < 24 || le(b, 0, 4) != 0xA1B2C3D4 || le(b, 20, 4) != 228) return false;
+    size_t at = 24;
+    while (at < b.size()) {
+        if (b.size() - at < 16) return false;
+        size_t n = size_t(le(b, at + 8, 4));
+        if (n != le(b, at + 12, 4) || b.size() - at - 16 < n) return false;
+        records->push_back(pcap.substr(at + 16, n));
+        at += 16 + n;
+    }
+    return true;
+}
+
 child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
 {
     child c;

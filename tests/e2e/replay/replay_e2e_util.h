@@ -44,6 +44,11 @@ struct summary_tables {
 };
 summary_tables parse_summary(const std::string &out);
 
+/* The records of a classic pcap stream (little-endian, link type IPv4),
+ * each without its 16-byte record header; false when the file header is
+ * not that or a record is cut short. */
+bool pcap_records(const std::string &pcap, std::vector<std::string> *records);
+
 /* A running rlk-replay with its standard output and error as pipes. */
 struct child {
     pid_t pid = -1;

@@ -310,6 +310,9 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
         dlf_stream.insert(dlf_stream.end(), r.begin(), r.end());
     }
     bytes one_dlf = inner_log(0xB193, 1, {1, 2});
+    /* A first frame beyond the frame limit whose bytes also chain as DLF
+     * lengths (0x2020) under codes of no log group. */
+    bytes oversized = frame(log_packet(0xB193, 1, bytes(HDLC_MAX_FRAME + 4000, 0x20)));
     struct {
         const char *name;
         bytes stream;
@@ -322,9 +325,11 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
         {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5), DIAG_FORMAT_DLF, 39},
         {"one dlf record", one_dlf, DIAG_FORMAT_DLF, 1},
         {"garbage", bytes(100, 0x42), DIAG_FORMAT_HDLC, 0},
+        {"only flags", bytes(100000, HDLC_FLAG), DIAG_FORMAT_HDLC, 0},
+        {"first frame over 64 KiB", concat({oversized, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
     };
     for (const auto &c : cases) {
-        for (size_t piece : {size_t(0), size_t(3)}) {
+        for (size_t piece : {size_t(0), c.stream.size() < 4096 ? size_t(3) : size_t(4096)}) {
             read_result r = read_stream(c.stream, DIAG_FORMAT_AUTO, piece);
             EXPECT_EQ(r.packets.size(), c.packets) << c.name << " piece " << piece;
             EXPECT_EQ(diag_capture_detect(c.stream.data(), c.stream.size(), true), c.format) << c.name;
