@@ -147,6 +147,19 @@ uim_model &uim_model_of(daemon &d, const sim_service *svc)
     return g_model;
 }
 
+void uim_connection_closed(daemon &d, uint64_t conn_id)
+{
+    if (!g_loaded) return;
+    for (auto it = g_model.channels.begin(); it != g_model.channels.end();) {
+        if (it->second != conn_id) {
+            ++it;
+            continue;
+        }
+        d.log("uim: connection %llu closed: logical channel %u closed", (unsigned long long)conn_id, it->first);
+        it = g_model.channels.erase(it);
+    }
+}
+
 void uim_set_power(daemon &d, uim_model &m, uint8_t slot, bool up)
 {
     m.powered[slot - 1] = up;

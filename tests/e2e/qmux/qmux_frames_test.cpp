@@ -1,19 +1,26 @@
 /* rlk-modemd's QMUX device under frames written by hand: the control
  * service's answers on their public layouts, the client id pool, frames
- * routed by client id, and malformed frames that leave the device
- * serving. */
+ * routed by client id, logical channels that close with their client id,
+ * malformed frames that leave the device serving, and a flooding writer
+ * that holds no socket client up. */
 #include <fcntl.h>
 #include <poll.h>
+#include <string.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "euicc_es10.h"
 #include "qmi_codec.h"
 #include "qmux.h"
 #include "sim_fixture.h"
+#include "user_identity_module_v01.h"
 
 namespace {
 
@@ -240,6 +247,37 @@ TEST_F(QmuxDevice, ServiceGoingDownRevokesItsClientIds)
     ASSERT_TRUE(qmi_tlv_find(f.qmi.data() + QMI_CTL_HEADER_LEN, h.len, QMI_CTL_TLV_INFO, &v));
     EXPECT_EQ(v, (std::vector<uint8_t>{k_uim, cid}));
     EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+}
+
+/* Logical channels a client id opened close with it: when the host
+ * releases it, and when Sync releases every id. */
+TEST_F(QmuxDevice, ReleasedClientIdClosesItsLogicalChannels)
+{
+    qmux_port port(sim_.qmux_path());
+    ASSERT_TRUE(port.ok());
+    uim_open_logical_channel_req_msg_v01 req = {};
+    req.slot = UIM_SLOT_2_V01;
+    req.aid_valid = 1;
+    req.aid_len = k_es10_isdr_aid_len;
+    memcpy(req.aid, k_es10_isdr_aid, k_es10_isdr_aid_len);
+    std::vector<uint8_t> tlvs(256);
+    size_t len = 0;
+    ASSERT_EQ(qmi_codec_encode(uim_open_logical_channel_req_msg_v01_ei, &req, tlvs.data(), tlvs.size(), &len), 0);
+    tlvs.resize(len);
+    for (bool sync : {false, true}) {
+        uint8_t cid = 0;
+        ASSERT_EQ(port.allocate(k_uim, &cid), 0);
+        port.write_frame(k_uim, cid, service_request(1, QMI_UIM_OPEN_LOGICAL_CHANNEL_REQ_V01, tlvs));
+        qmux_frame f;
+        ASSERT_TRUE(port.read_frame(&f));
+        EXPECT_NE(sim_.ctl_ok("uim state").find("channels 1"), std::string::npos);
+        if (sync) {
+            port.ctl(QMI_CTL_MSG_SYNC, {});
+        } else {
+            EXPECT_EQ(port.release(k_uim, cid), 0);
+        }
+        EXPECT_NE(sim_.ctl_ok("uim state").find("channels 0"), std::string::npos) << "sync " << sync;
+    }
 }
 
 TEST_F(QmuxDevice, MalformedFramesAreDroppedAndCountedWhileServingGoesOn)
