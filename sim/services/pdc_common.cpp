@@ -43,7 +43,13 @@ const pdc_fault *pdc_take_fault(uint16_t msg_id)
     return &taken;
 }
 
-pdc_state &pdc_state_of(daemon &d) { return pdc_state_for(d.store().dir()); }
+pdc_state &pdc_state_of(daemon &d)
+{
+    std::string refused;
+    pdc_state &st = pdc_state_for(d.store().dir(), &refused);
+    if (!refused.empty()) d.log("pdc: state file %s: the seed is used", refused.c_str());
+    return st;
+}
 
 void pdc_save(daemon &d)
 {
