@@ -62,13 +62,14 @@ void pdc_send_ind_later(qmi_call &call, uint16_t msg_id, const void *ind, size_t
                                                        static_cast<const uint8_t *>(ind) + ind_size);
     daemon &d = call.d;
     sim_service *svc = &call.svc;
-    connection *conn = &call.client;
+    uint64_t conn_id = call.client.id;
     /* The response is sent when the handler returns; the timer runs after
      * it, so the client sees the response first, as from a modem.  The
-     * connection is only compared, never touched, so one that closed in
-     * between simply gets nothing. */
-    d.loop().add_timer(delay_ms, [&d, svc, conn, msg_id, copy] {
-        d.send_indication(*svc, msg_id, copy->data(), conn);
+     * connection is found again by its id, so one that closed in between
+     * simply gets nothing (and no newer one in its place gets its
+     * indication). */
+    d.loop().add_timer(delay_ms, [&d, svc, conn_id, msg_id, copy] {
+        if (connection *conn = d.find_connection(conn_id)) d.send_indication(*svc, msg_id, copy->data(), conn);
     });
 }
 
