@@ -41,6 +41,7 @@ public:
         if (fd_ >= 0) close(fd_);
     }
     bool ok() const { return fd_ >= 0; }
+    int fd() const { return fd_; }
 
     void write_bytes(const std::vector<uint8_t> &b) { ASSERT_EQ(write(fd_, b.data(), b.size()), ssize_t(b.size())); }
     void write_frame(uint8_t service, uint8_t cid, const std::vector<uint8_t> &qmi)
@@ -322,6 +323,66 @@ TEST_F(QmuxDevice, MalformedFramesAreDroppedAndCountedWhileServingGoesOn)
     EXPECT_NE(counters.find("skipped-bytes 10\n"), std::string::npos) << counters;
     EXPECT_NE(counters.find("dropped-malformed 4\n"), std::string::npos) << counters;
     EXPECT_NE(counters.find("dropped-no-client 2\n"), std::string::npos) << counters;
+    EXPECT_EQ(sim_.ctl("ping"), "ok");
+}
+
+/* A writer flooding the device with requests (its answers read by another
+ * thread) holds no socket client up: the device is served a bounded piece
+ * at a time.  The figures measured are printed. */
+TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
+{
+    constexpr long long k_max_delay_ms = 250;
+    constexpr int k_rounds = 60;
+    qmux_port port(sim_.qmux_path());
+    ASSERT_TRUE(port.ok());
+    uint8_t cid = 0;
+    ASSERT_EQ(port.allocate(k_dms, &cid), 0);
+    std::vector<uint8_t> burst;
+    for (uint16_t txn = 1; txn <= 2000; txn++) {
+        std::vector<uint8_t> req = service_request(txn, 0x0023, {}), frame;
+        ASSERT_TRUE(qmux_encode(0, k_dms, cid, req.data(), req.size(), &frame));
+        burst.insert(burst.end(), frame.begin(), frame.end());
+    }
+    fcntl(port.fd(), F_SETFL, O_NONBLOCK); /* the threads below stop when told, whatever the device does */
+    std::atomic<bool> done(false);
+    std::atomic<long long> written(0);
+    std::thread writer([&] {
+        for (size_t off = 0; !done; off = off % burst.size()) {
+            struct pollfd p = {port.fd(), POLLOUT, 0};
+            if (poll(&p, 1, 50) != 1) continue;
+            ssize_t n = write(port.fd(), burst.data() + off, burst.size() - off);
+            if (n > 0) off += size_t(n);
+            if (n > 0) written += n;
+        }
+    });
+    std::thread drain([&] {
+        uint8_t buf[65536];
+        while (!done) {
+            struct pollfd p = {port.fd(), POLLIN, 0};
+            if (poll(&p, 1, 50) == 1 && read(port.fd(), buf, sizeof(buf)) == 0) return;
+        }
+    });
+    for (long long end = monotonic_ms() + k_answer_timeout_ms; written < 200000 && monotonic_ms() < end;) {
+        usleep(1000); /* until the flood is on */
+    }
+    sim_.ctl_ok("loop reset");
+    std::vector<long long> pings;
+    for (int i = 0; i < k_rounds; i++) {
+        long long t0 = monotonic_ms();
+        EXPECT_EQ(sim_.ctl("ping"), "ok");
+        pings.push_back(monotonic_ms() - t0);
+    }
+    std::string busy = sim_.ctl_ok("loop");
+    long long flooded = written;
+    done = true;
+    writer.join();
+    drain.join();
+    std::sort(pings.begin(), pings.end());
+    printf("[ figure ] control ping beside a QMUX writer that wrote %lld bytes (%lld frames): median %lld ms, "
+           "worst %lld ms; longest event %s\n",
+           flooded, flooded / 13, pings[pings.size() / 2], pings.back(), busy.c_str());
+    EXPECT_LT(pings.back(), k_max_delay_ms);
+    EXPECT_GT(flooded, 400000) << "the device was read all along";
     EXPECT_EQ(sim_.ctl("ping"), "ok");
 }
 
