@@ -24,6 +24,8 @@ namespace {
  * is read again, so what waits in memory stays under one read. */
 constexpr size_t k_read_chunk = 4096;
 constexpr int k_frames_per_wakeup = 16;
+/* Bytes written out before the output buffer's front is dropped. */
+constexpr size_t k_out_compact_bytes = 64u << 10;
 constexpr uint64_t k_wakeup_budget_us = 1000;
 /* The control service's own version in Get Version Info. */
 constexpr uint16_t k_ctl_major = 1;
@@ -345,6 +347,11 @@ void qmux_device::flush()
     }
     if (out_off_ == out_.size()) {
         out_.clear();
+        out_off_ = 0;
+    } else if (out_off_ >= k_out_compact_bytes && out_off_ * 2 >= out_.size()) {
+        /* A reader that never quite catches up: what it took is dropped
+         * from the front, so the buffer stays near what waits. */
+        out_.erase(out_.begin(), out_.begin() + long(out_off_));
         out_off_ = 0;
     }
     want_write_ = !out_.empty();
