@@ -24,9 +24,9 @@ namespace {
  * is read again, so what waits in memory stays under one read. */
 constexpr size_t k_read_chunk = 4096;
 constexpr int k_frames_per_wakeup = 16;
+constexpr uint64_t k_wakeup_budget_us = 1000;
 /* Bytes written out before the output buffer's front is dropped. */
 constexpr size_t k_out_compact_bytes = 64u << 10;
-constexpr uint64_t k_wakeup_budget_us = 1000;
 /* The control service's own version in Get Version Info. */
 constexpr uint16_t k_ctl_major = 1;
 constexpr uint16_t k_ctl_minor = 5;
@@ -146,7 +146,6 @@ void qmux_device::serve_frames()
         backlog_timer_ = d_.loop().add_timer(0, [this] {
             backlog_timer_ = 0;
             serve_frames();
-            update_events();
         });
     }
     update_events();
