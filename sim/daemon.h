@@ -174,6 +174,9 @@ public:
     void pseudo_request(uint64_t conn_id, const uint8_t *data, size_t len);
     void close_pseudo_client(uint64_t conn_id) { close_connection(conn_id); }
 
+    /* The open connection `conn_id`; null once it closed. */
+    connection *find_connection(uint64_t conn_id);
+
     /* Calls `fn` with the id of every connection that closes from now on;
      * a second registration under the same key replaces the first. */
     void on_connection_closed(const std::string &key, std::function<void(uint64_t conn_id)> fn);

@@ -63,6 +63,12 @@ void daemon::pseudo_request(uint64_t conn_id, const uint8_t *data, size_t len)
     if (it != conns_.end() && it->second->sink) on_qmi_request(*it->second, data, len);
 }
 
+connection *daemon::find_connection(uint64_t conn_id)
+{
+    auto it = conns_.find(conn_id);
+    return it == conns_.end() ? nullptr : it->second.get();
+}
+
 bool daemon::open_listener(std::string *error)
 {
     struct rlimit rl;

@@ -7,6 +7,7 @@
 #include <string.h>
 #include <sys/epoll.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "qmi_codec.h"
@@ -14,13 +15,29 @@
 namespace modemd {
 namespace {
 
+/* The work of one wake-up, bounded as a socket client's (one packet per
+ * wake-up) is, so that a writer flooding the device delays the other
+ * clients by a fraction of a millisecond, not by the time it takes to
+ * serve all it wrote: one read of at most k_read_chunk bytes, and at most
+ * k_frames_per_wakeup frames or k_wakeup_budget_us of serving.  Frames
+ * left over are served by the next turns of the loop, before the device
+ * is read again, so what waits in memory stays under one read. */
 constexpr size_t k_read_chunk = 4096;
-/* Reads per wake-up, so that a flooding writer cannot hold the loop. */
-constexpr int k_reads_per_wakeup = 64;
+constexpr int k_frames_per_wakeup = 16;
+constexpr uint64_t k_wakeup_budget_us = 1000;
+/* Bytes written out before the output buffer's front is dropped. */
+constexpr size_t k_out_compact_bytes = 64u << 10;
 /* The control service's own version in Get Version Info. */
 constexpr uint16_t k_ctl_major = 1;
 constexpr uint16_t k_ctl_minor = 5;
 constexpr const char k_close_listener[] = "qmux";
+
+uint64_t monotonic_us()
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return uint64_t(ts.tv_sec) * 1000000u + uint64_t(ts.tv_nsec) / 1000u;
+}
 
 uint16_t client_key(uint8_t service, uint8_t cid) { return uint16_t(service << 8 | cid); }
 
@@ -36,6 +53,7 @@ qmux_device::qmux_device(daemon &d) : d_(d) {}
 
 qmux_device::~qmux_device()
 {
+    if (backlog_timer_) d_.loop().cancel_timer(backlog_timer_);
     if (master_ >= 0) {
         d_.loop().remove_fd(master_);
         close(master_);
@@ -93,26 +111,52 @@ bool qmux_device::open(const std::string &link, std::string *error)
 void qmux_device::on_event(uint32_t events)
 {
     if (events & EPOLLOUT) flush();
-    if (!(events & (EPOLLIN | EPOLLHUP | EPOLLERR))) return;
+    if (!(events & (EPOLLIN | EPOLLHUP | EPOLLERR)) || backlog_timer_) return;
     uint8_t buf[k_read_chunk];
-    for (int i = 0; i < k_reads_per_wakeup; i++) {
-        ssize_t n = read(master_, buf, sizeof(buf));
-        if (n <= 0) break;
-        uint64_t now = event_loop::now_ms();
-        if (reader_.partial() && now - last_rx_ms_ > k_qmux_partial_frame_ms) {
-            reader_.reset();
-            n_.dropped_partial++;
-            d_.log("QMUX: incomplete frame abandoned by its writer: dropped");
-        }
-        last_rx_ms_ = now;
-        reader_.feed(buf, size_t(n));
-        qmux_frame f;
-        while (reader_.next(&f)) on_frame(f);
-        if (reader_.skipped_bytes() != n_.skipped_bytes) {
-            d_.log("QMUX: %llu bytes that start no frame skipped",
-                   (unsigned long long)(reader_.skipped_bytes() - n_.skipped_bytes));
-            n_.skipped_bytes = reader_.skipped_bytes();
-        }
+    ssize_t n = read(master_, buf, sizeof(buf));
+    if (n <= 0) return;
+    uint64_t now = event_loop::now_ms();
+    if (reader_.partial() && now - last_rx_ms_ > k_qmux_partial_frame_ms) {
+        reader_.reset();
+        n_.dropped_partial++;
+        d_.log("QMUX: incomplete frame abandoned by its writer: dropped");
+    }
+    last_rx_ms_ = now;
+    reader_.feed(buf, size_t(n));
+    serve_frames();
+}
+
+/* Serves the frames read so far, within the budget of one wake-up; the
+ * rest on a later turn of the loop, reading paused until then. */
+void qmux_device::serve_frames()
+{
+    uint64_t start = monotonic_us();
+    qmux_frame f;
+    bool more = false;
+    for (int i = 0; !more && reader_.next(&f); i++) {
+        on_frame(f);
+        more = i + 1 >= k_frames_per_wakeup || monotonic_us() - start >= k_wakeup_budget_us;
+    }
+    if (reader_.skipped_bytes() != n_.skipped_bytes) {
+        d_.log("QMUX: %llu bytes that start no frame skipped",
+               (unsigned long long)(reader_.skipped_bytes() - n_.skipped_bytes));
+        n_.skipped_bytes = reader_.skipped_bytes();
+    }
+    if (more) {
+        backlog_timer_ = d_.loop().add_timer(0, [this] {
+            backlog_timer_ = 0;
+            serve_frames();
+        });
+    }
+    update_events();
+}
+
+void qmux_device::update_events()
+{
+    uint32_t events = (backlog_timer_ ? 0u : uint32_t(EPOLLIN)) | (want_write_ ? uint32_t(EPOLLOUT) : 0u);
+    if (events != watched_) {
+        watched_ = events;
+        d_.loop().set_fd_events(master_, events);
     }
 }
 
@@ -303,12 +347,14 @@ void qmux_device::flush()
     if (out_off_ == out_.size()) {
         out_.clear();
         out_off_ = 0;
+    } else if (out_off_ >= k_out_compact_bytes && out_off_ * 2 >= out_.size()) {
+        /* A reader that never quite catches up: what it took is dropped
+         * from the front, so the buffer stays near what waits. */
+        out_.erase(out_.begin(), out_.begin() + long(out_off_));
+        out_off_ = 0;
     }
-    bool want = !out_.empty();
-    if (want != want_write_) {
-        want_write_ = want;
-        d_.loop().set_fd_events(master_, want ? EPOLLIN | EPOLLOUT : EPOLLIN);
-    }
+    want_write_ = !out_.empty();
+    update_events();
 }
 
 std::string qmux_device::control(const std::vector<std::string> &a)

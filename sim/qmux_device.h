@@ -24,6 +24,7 @@
 #define MODEMD_QMUX_DEVICE_H
 
 #include <stdint.h>
+#include <sys/epoll.h>
 
 #include <map>
 #include <string>
@@ -65,6 +66,8 @@ private:
     };
 
     void on_event(uint32_t events);
+    void serve_frames();
+    void update_events();
     void on_frame(const qmux_frame &f);
     void on_ctl(const qmux_frame &f);
     std::vector<uint8_t> ctl_version_info();
@@ -86,6 +89,8 @@ private:
     std::vector<uint8_t> out_;
     size_t out_off_ = 0;
     bool want_write_ = false;
+    uint32_t watched_ = EPOLLIN;            /* what the loop watches the device for */
+    event_loop::timer_id backlog_timer_ = 0; /* frames read wait to be served */
     /* (service << 8 | client id) -> pseudo connection, and back. */
     std::map<uint16_t, uint64_t> clients_;
     std::map<uint64_t, uint16_t> by_conn_;

@@ -141,7 +141,9 @@ int state_store::efs_read(const std::string &path, std::vector<uint8_t> *out) co
     if (dir.get() < 0) return k_efs_enoent;
     fd_guard fd(openat(dir.get(), comps.back().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat st;
-    if (fd.get() < 0 || fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode)) return k_efs_enoent;
+    if (fd.get() < 0 || fstat(fd.get(), &st) != 0) return k_efs_enoent;
+    if (S_ISDIR(st.st_mode)) return k_efs_eisdir;
+    if (!S_ISREG(st.st_mode)) return k_efs_enoent;
     return read_all(fd.get(), out) ? k_efs_ok : k_efs_eio;
 }
 
@@ -154,7 +156,7 @@ int state_store::efs_write(const std::string &path, const std::vector<uint8_t> &
     struct stat st;
     /* A directory or a link where the file goes is not replaced. */
     if (fstatat(dir.get(), comps.back().c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISREG(st.st_mode))
-        return k_efs_eio;
+        return S_ISDIR(st.st_mode) ? k_efs_eisdir : k_efs_eio;
     return atomic_write_at(dir.get(), comps.back(), data.data(), data.size()) ? k_efs_ok : k_efs_eio;
 }
 
@@ -164,7 +166,11 @@ int state_store::efs_delete(const std::string &path)
     if (!split_path(path, &comps)) return k_efs_einval;
     fd_guard dir(open_parent(comps, false));
     struct stat st;
-    if (dir.get() < 0 || !is_regular_at(dir.get(), comps.back(), &st)) return k_efs_enoent;
+    if (dir.get() < 0) return k_efs_enoent;
+    if (!is_regular_at(dir.get(), comps.back(), &st)) {
+        bool is_dir = fstatat(dir.get(), comps.back().c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
+        return is_dir ? k_efs_eisdir : k_efs_enoent;
+    }
     if (unlinkat(dir.get(), comps.back().c_str(), 0) != 0) return k_efs_eio;
     fsync(dir.get());
     return k_efs_ok;

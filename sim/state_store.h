@@ -22,6 +22,7 @@ namespace modemd {
 constexpr int k_efs_ok = 0;
 constexpr int k_efs_enoent = -2;  /* no such file */
 constexpr int k_efs_eio = -5;     /* the host file could not be read or written */
+constexpr int k_efs_eisdir = -21; /* the path names a directory */
 constexpr int k_efs_einval = -22; /* bad path */
 constexpr int k_efs_enametoolong = -36;
 

@@ -43,7 +43,13 @@ const pdc_fault *pdc_take_fault(uint16_t msg_id)
     return &taken;
 }
 
-pdc_state &pdc_state_of(daemon &d) { return pdc_state_for(d.store().dir()); }
+pdc_state &pdc_state_of(daemon &d)
+{
+    std::string refused;
+    pdc_state &st = pdc_state_for(d.store().dir(), &refused);
+    if (!refused.empty()) d.log("pdc: state file %s: the seed is used", refused.c_str());
+    return st;
+}
 
 void pdc_save(daemon &d)
 {
@@ -56,13 +62,14 @@ void pdc_send_ind_later(qmi_call &call, uint16_t msg_id, const void *ind, size_t
                                                        static_cast<const uint8_t *>(ind) + ind_size);
     daemon &d = call.d;
     sim_service *svc = &call.svc;
-    connection *conn = &call.client;
+    uint64_t conn_id = call.client.id;
     /* The response is sent when the handler returns; the timer runs after
      * it, so the client sees the response first, as from a modem.  The
-     * connection is only compared, never touched, so one that closed in
-     * between simply gets nothing. */
-    d.loop().add_timer(delay_ms, [&d, svc, conn, msg_id, copy] {
-        d.send_indication(*svc, msg_id, copy->data(), conn);
+     * connection is found again by its id, so one that closed in between
+     * simply gets nothing (and no newer one in its place gets its
+     * indication). */
+    d.loop().add_timer(delay_ms, [&d, svc, conn_id, msg_id, copy] {
+        if (connection *conn = d.find_connection(conn_id)) d.send_indication(*svc, msg_id, copy->data(), conn);
     });
 }
 

@@ -11,6 +11,7 @@
  *                                    sent), error <code>
  *   pdc clear-faults
  *   pdc timing <activation_ms> <restart_ms>
+ *   pdc load-delay <ms>              each load frame's indication that late
  *   pdc capacity <bytes>             room for configurations */
 #include <stdio.h>
 
@@ -139,12 +140,16 @@ std::string pdc_control(daemon &d, const std::vector<std::string> &a)
         pdc_rt().restart_ms = uint32_t(y);
         return "ok";
     }
+    if (sub == "load-delay" && a.size() == 3 && parse_number(a[2], &x) && x >= 0 && x <= k_max_ms) {
+        pdc_rt().load_ind_ms = uint32_t(x);
+        return "ok";
+    }
     if (sub == "capacity" && a.size() == 3 && parse_number(a[2], &x) && x >= 0) {
         st.capacity = uint64_t(x);
         pdc_save(d);
         return "ok";
     }
-    return "error usage: pdc show|reset|clear|add|fill|fail|clear-faults|timing|capacity";
+    return "error usage: pdc show|reset|clear|add|fill|fail|clear-faults|timing|load-delay|capacity";
 }
 
 }  // namespace modemd

@@ -224,7 +224,7 @@ const sim_service_def g_pdc_service_def = {
     "pdc", pdc_object, 0, k_handlers, sizeof(k_handlers) / sizeof(k_handlers[0]), pdc_fill_error, pdc_control,
     "  pdc show | pdc reset | pdc clear [hw|sw] | pdc add hw|sw <id> [size] | pdc fill hw|sw <count>\n"
     "  pdc fail <msg> nomem|exists|reset|nombn|noind|error <code> [count] | pdc clear-faults\n"
-    "  pdc timing <activation_ms> <restart_ms> | pdc capacity <bytes>\n",
+    "  pdc timing <activation_ms> <restart_ms> | pdc load-delay <ms> | pdc capacity <bytes>\n",
 };
 
 }  // namespace modemd

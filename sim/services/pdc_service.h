@@ -47,6 +47,7 @@ struct pdc_runtime {
     std::map<uint16_t, pdc_fault> faults;
     uint32_t activation_ms = k_pdc_default_activation_ms;
     uint32_t restart_ms = k_pdc_default_restart_ms;
+    uint32_t load_ind_ms = 0; /* time each load frame's indication follows its response */
 };
 pdc_runtime &pdc_rt();
 

@@ -87,15 +87,27 @@ bool parse_line(const std::string &line, pdc_state *st)
     return kind.empty();
 }
 
-bool load_state(const std::string &dir, pdc_state *st)
+/* Reads the state file: false with `why` empty when there is none, with
+ * `why` set when it is refused whole (a line that does not parse, or cut
+ * short: the capacity line, written last, missing, or no final newline). */
+bool load_state(const std::string &dir, pdc_state *st, std::string *why)
 {
     std::vector<uint8_t> bytes;
     if (!read_whole_file(dir + k_state_file, &bytes)) return false;
     std::istringstream in(std::string(bytes.begin(), bytes.end()));
     std::string line;
     pdc_state loaded;
-    while (std::getline(in, line)) {
-        if (!parse_line(line, &loaded)) return false;
+    bool capacity_last = false;
+    for (int n = 1; std::getline(in, line); n++) {
+        if (!parse_line(line, &loaded)) {
+            *why = "line " + std::to_string(n) + " does not parse";
+            return false;
+        }
+        capacity_last = line.compare(0, 9, "capacity ") == 0;
+    }
+    if (!capacity_last || bytes.back() != '\n') {
+        *why = "it is cut short";
+        return false;
     }
     *st = loaded;
     return true;
@@ -152,7 +164,7 @@ void pdc_state_seed(pdc_state *st)
     }
 }
 
-pdc_state &pdc_state_for(const std::string &dir)
+pdc_state &pdc_state_for(const std::string &dir, std::string *refused)
 {
     /* One simulator per process in practice; unit tests may run several
      * state directories one after the other. */
@@ -160,7 +172,14 @@ pdc_state &pdc_state_for(const std::string &dir)
     auto it = states.find(dir);
     if (it != states.end()) return *it->second;
     auto st = std::make_unique<pdc_state>();
-    if (!load_state(dir, st.get())) {
+    std::string why;
+    if (!load_state(dir, st.get(), &why)) {
+        if (!why.empty()) {
+            /* Kept beside for whoever wants to see what went wrong. */
+            std::string path = dir + k_state_file, aside = path + ".bad";
+            bool kept = rename(path.c_str(), aside.c_str()) == 0;
+            if (refused) *refused = path + " refused (" + why + ")" + (kept ? ", kept as " + aside : "");
+        }
         pdc_state_seed(st.get());
         pdc_state_save(dir, *st);
     }

@@ -47,8 +47,10 @@ struct pdc_state {
 };
 
 /* The state of the daemon whose state directory is `dir`, loaded (or
- * seeded) on first use. */
-pdc_state &pdc_state_for(const std::string &dir);
+ * seeded) on first use.  A state file that does not parse is refused
+ * whole and set aside as "configs.bad", the seed is used, and `refused`
+ * says so (for the log). */
+pdc_state &pdc_state_for(const std::string &dir, std::string *refused = nullptr);
 /* Writes the state file; false when it could not be written. */
 bool pdc_state_save(const std::string &dir, const pdc_state &st);
 /* Stores / removes the content of a loaded configuration. */

@@ -1,5 +1,7 @@
 #include "uim_card.h"
 
+#include <stdio.h>
+
 #include <sstream>
 
 #include "state_store.h"
@@ -39,43 +41,68 @@ void seed(uim_model &m)
     m.profiles.push_back(p);
 }
 
-/* Lines: "eid <digits>", "power <slot1> <slot2>", "active <0|1>",
- * "profile <iccid> <0|1> [nickname]". */
-bool load(uim_model &m)
+bool read_flag(std::istringstream &words, bool *out)
+{
+    int v = -1;
+    if (!(words >> v) || (v != 0 && v != 1)) return false;
+    *out = v != 0;
+    return true;
+}
+
+/* One line of the state file: "eid <digits>", "power <slot1> <slot2>",
+ * "active <0|1>", "profile <iccid> <0|1> [nickname]"; false when it does
+ * not parse. */
+bool parse_line(const std::string &line, uim_model &m, int *seen)
+{
+    std::istringstream words(line);
+    std::string key, rest;
+    words >> key;
+    if (key == "eid") {
+        std::string text;
+        *seen |= 1;
+        return words >> text && uim_parse_eid(text, &m.eid) && !(words >> rest);
+    }
+    if (key == "power") {
+        *seen |= 2;
+        return read_flag(words, &m.powered[0]) && read_flag(words, &m.powered[1]) && !(words >> rest);
+    }
+    if (key == "active") {
+        *seen |= 4;
+        return read_flag(words, &m.euicc_active) && !(words >> rest);
+    }
+    if (key != "profile") return false;
+    uim_profile p;
+    std::string iccid;
+    if (!(words >> iccid) || !uim_parse_iccid(iccid, &p.iccid) || !read_flag(words, &p.enabled)) return false;
+    std::getline(words >> std::ws, p.nickname);
+    m.profiles.push_back(p);
+    return true;
+}
+
+enum class load_result { loaded, missing, refused };
+
+/* Reads the state file; a file cut short or damaged (a line that does not
+ * parse, a line the writer always writes missing, no final newline) is
+ * refused whole, never half read. */
+load_result load(uim_model &m, std::string *why)
 {
     std::vector<uint8_t> raw;
-    if (!read_whole_file(m.state_path, &raw)) return false;
+    if (!read_whole_file(m.state_path, &raw)) return load_result::missing;
+    if (raw.empty() || raw.back() != '\n') {
+        *why = "it does not end with a complete line";
+        return load_result::refused;
+    }
     std::istringstream in(std::string(raw.begin(), raw.end()));
     std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream words(line);
-        std::string key;
-        words >> key;
-        if (key == "eid") {
-            std::string text;
-            words >> text;
-            uim_parse_eid(text, &m.eid);
-        } else if (key == "power") {
-            int a = 1, b = 1;
-            words >> a >> b;
-            m.powered[0] = a != 0;
-            m.powered[1] = b != 0;
-        } else if (key == "active") {
-            int a = 0;
-            words >> a;
-            m.euicc_active = a != 0;
-        } else if (key == "profile") {
-            uim_profile p;
-            std::string iccid;
-            int enabled = 0;
-            words >> iccid >> enabled;
-            std::getline(words >> std::ws, p.nickname);
-            if (!uim_parse_iccid(iccid, &p.iccid)) continue;
-            p.enabled = enabled != 0;
-            m.profiles.push_back(p);
+    int seen = 0;
+    for (int n = 1; std::getline(in, line); n++) {
+        if (!parse_line(line, m, &seen)) {
+            *why = "line " + std::to_string(n) + " does not parse";
+            return load_result::refused;
         }
     }
-    return true;
+    if (seen != 7) *why = "its eid, power or active line is missing";
+    return seen == 7 ? load_result::loaded : load_result::refused;
 }
 
 /* Slot 2 presents the eUICC when EFS names its EID and it has an enabled
@@ -126,9 +153,21 @@ uim_model &uim_model_of(daemon &d, const sim_service *svc)
     if (!g_loaded || g_model.state_path != d.store().dir() + k_state_file) {
         g_model = uim_model();
         g_model.state_path = d.store().dir() + k_state_file;
-        if (!load(g_model)) {
+        std::string why;
+        load_result r = load(g_model, &why);
+        if (r == load_result::refused) {
+            /* Kept beside for whoever wants to see what went wrong. */
+            std::string aside = g_model.state_path + ".bad";
+            bool kept = rename(g_model.state_path.c_str(), aside.c_str()) == 0;
+            d.log("uim: state file %s refused (%s)%s%s: the seed is used", g_model.state_path.c_str(), why.c_str(),
+                  kept ? ", kept as " : "", kept ? aside.c_str() : "");
+        }
+        if (r != load_result::loaded) {
+            std::string path = g_model.state_path;
+            g_model = uim_model();
+            g_model.state_path = path;
             seed(g_model);
-            g_model.save();
+            if (!g_model.save()) d.log("uim: cannot save %s", path.c_str());
         }
         g_loaded = true;
     }
@@ -145,6 +184,19 @@ uim_model &uim_model_of(daemon &d, const sim_service *svc)
         }
     }
     return g_model;
+}
+
+void uim_connection_closed(daemon &d, uint64_t conn_id)
+{
+    if (!g_loaded) return;
+    for (auto it = g_model.channels.begin(); it != g_model.channels.end();) {
+        if (it->second != conn_id) {
+            ++it;
+            continue;
+        }
+        d.log("uim: connection %llu closed: logical channel %u closed", (unsigned long long)conn_id, it->first);
+        it = g_model.channels.erase(it);
+    }
 }
 
 void uim_set_power(daemon &d, uim_model &m, uint8_t slot, bool up)

@@ -7,14 +7,16 @@
  *
  * The persistent part (EID, power states, profiles) lives in
  * <state>/uim_state, written atomically after every change; logical
- * channels are lost with the service. */
+ * channels are lost with the service, and each one with the connection
+ * that opened it, as a card resets the channels of a terminal that goes
+ * away. */
 #ifndef MODEMD_UIM_CARD_H
 #define MODEMD_UIM_CARD_H
 
 #include <stdint.h>
 
 #include <array>
-#include <set>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -41,7 +43,7 @@ struct uim_model {
     bool euicc_active = false; /* slot 2 presents the eUICC */
     std::array<uint8_t, k_uim_eid_len> eid{};
     std::vector<uim_profile> profiles;
-    std::set<uint8_t> channels; /* open logical channels to the ISD-R */
+    std::map<uint8_t, uint64_t> channels; /* open logical channels to the ISD-R: their connection */
     uint32_t seen_port = 0;     /* server port of the last request: a new one means a restart */
 
     bool save() const;
@@ -53,6 +55,9 @@ struct uim_model {
  * use.  When the service came back from a restart since the last call,
  * the channels are gone and both slots are powered up again. */
 uim_model &uim_model_of(daemon &d, const sim_service *svc = nullptr);
+
+/* Closes the logical channels connection `conn_id` opened (it closed). */
+void uim_connection_closed(daemon &d, uint64_t conn_id);
 
 /* Powers a slot (1-based) and, for slot 2 going up, chooses its card. */
 void uim_set_power(daemon &d, uim_model &m, uint8_t slot, bool up);

@@ -113,7 +113,9 @@ void handle_open_channel(qmi_call &call, const void *req, void *resp_v)
         set_card_result(resp.card_result_valid, resp.card_result, k_sw_channel_not_supported);
         return fail(resp.resp, k_err_insufficient_resources);
     }
-    m.channels.insert(channel);
+    m.channels[channel] = call.client.id;
+    /* The channel is the connection's: closed when it closes. */
+    call.d.on_connection_closed("uim", [&d = call.d](uint64_t conn_id) { uim_connection_closed(d, conn_id); });
     resp.channel_id_valid = 1;
     resp.channel_id = channel;
     set_card_result(resp.card_result_valid, resp.card_result, k_sw_ok);

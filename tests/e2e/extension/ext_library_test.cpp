@@ -154,7 +154,7 @@ TEST_F(ExtLibraryTest, FailedChunks)
         {"ext fail-efs 1 msg_code 9", {"efs_read", "0", "/lib/file", "1000"}, -103, 2},
         {"ext fail-efs 0 result -2", {"efs_delete", "0", "/lib/file"}, -2, 1},
         /* A directory cannot be replaced: the final chunk's commit fails. */
-        {"clear-faults", {"efs_write", "0", "/nv/item_files/modem", "415", "2"}, -5, 2},
+        {"clear-faults", {"efs_write", "0", "/nv/item_files/modem", "415", "2"}, -21, 2},
     };
     for (const auto &c : cases) {
         sim.ctl_ok(c.control);

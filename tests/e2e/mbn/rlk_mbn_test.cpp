@@ -1,10 +1,13 @@
 /* rlk-mbn end to end against a private simulator: paged lists, a load
  * followed by select and activate across the modem's restart, delete,
- * every PDC failure by name with its exit status, time-outs, and a run
- * stopped by a signal while it waits. */
+ * every PDC failure by name with its exit status, time-outs, a run stopped
+ * by a signal while it waits, and an interrupted load that leaves nothing
+ * behind. */
 #include <signal.h>
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -223,6 +226,35 @@ TEST_F(RlkMbnTest, AnIndicationWithAnotherTokenIsNotTheOutcome)
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 3);
     EXPECT_EQ(bg.err(), "rlk-mbn: select: no answer from the modem within 1 s\n");
+}
+
+/* A load stopped half-way (SIGINT, SIGKILL) while the modem takes each
+ * frame slowly leaves nothing behind: the same file loads again, and the
+ * modem stores exactly its bytes. */
+TEST_F(RlkMbnTest, InterruptedLoadLeavesNothingBehind)
+{
+    std::string file = write_file("cut.mbn", 200000); /* 7 frames */
+    for (int sig : {SIGINT, SIGKILL}) {
+        SCOPED_TRACE(sig);
+        sim.ctl_ok("pdc load-delay 200");
+        long frames = std::stol(sim.ctl_ok("counter get pdc.load_frames"));
+        mbn_background bg(sim, {"load", file});
+        for (long long end = monotonic_ms() + 5000;
+             std::stol(sim.ctl_ok("counter get pdc.load_frames")) < frames + 3 && monotonic_ms() < end;) {
+            usleep(5000);
+        }
+        bg.signal(sig);
+        EXPECT_NE(bg.wait(5000), -1);
+        sim.ctl_ok("pdc load-delay 0");
+        EXPECT_EQ(sim.ctl_ok("pdc show").find("cut.mbn"), std::string::npos) << "nothing partial is stored";
+    }
+    mbn_run again = run_mbn(sim, {"load", file});
+    EXPECT_EQ(again.exit_code, 0) << again.err;
+    EXPECT_EQ(again.out, "loaded cut.mbn (200000 bytes)\n");
+    std::ifstream stored(sim.state_dir() + "/pdc/mbn/1-6375742e6d626e.mbn", std::ios::binary), loaded(file);
+    EXPECT_TRUE(std::equal(std::istreambuf_iterator<char>(stored), std::istreambuf_iterator<char>(),
+                           std::istreambuf_iterator<char>(loaded), std::istreambuf_iterator<char>()))
+        << "the stored configuration is the file, byte for byte";
 }
 
 /* SIGTERM (and SIGINT) while the run waits for an indication that never

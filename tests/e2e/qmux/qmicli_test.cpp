@@ -106,8 +106,17 @@ TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
         if (isxdigit(static_cast<unsigned char>(out[i]))) id += out[i];
     }
     ASSERT_EQ(id.size(), 40u) << out;
+    sim_.ctl_ok("pdc timing 100 100");
     out = qmicli("--pdc-activate-config=software," + id);
     EXPECT_NE(out.find("Successfully requested config activation"), std::string::npos) << out;
+    /* The modem restarts 50 ms after the activation's indication: the
+     * list waits until it is back rather than racing the restart. */
+    bool back = false;
+    for (long long end = monotonic_ms() + 5000; !back && monotonic_ms() < end; usleep(10000)) {
+        back = sim_.ctl_ok("counter get pdc.restarts") == "1" &&
+               sim_.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+    }
+    ASSERT_TRUE(back);
     out = qmicli("--pdc-list-configs=software");
     size_t cfg = out.rfind("Size:        50000");
     ASSERT_NE(cfg, std::string::npos) << out;

@@ -1,19 +1,27 @@
 /* rlk-modemd's QMUX device under frames written by hand: the control
  * service's answers on their public layouts, the client id pool, frames
- * routed by client id, and malformed frames that leave the device
- * serving. */
+ * routed by client id, logical channels that close with their client id,
+ * malformed frames that leave the device serving, and a flooding writer
+ * that holds no socket client up. */
 #include <fcntl.h>
 #include <poll.h>
+#include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "euicc_es10.h"
 #include "qmi_codec.h"
 #include "qmux.h"
 #include "sim_fixture.h"
+#include "user_identity_module_v01.h"
 
 namespace {
 
@@ -34,6 +42,7 @@ public:
         if (fd_ >= 0) close(fd_);
     }
     bool ok() const { return fd_ >= 0; }
+    int fd() const { return fd_; }
 
     void write_bytes(const std::vector<uint8_t> &b) { ASSERT_EQ(write(fd_, b.data(), b.size()), ssize_t(b.size())); }
     void write_frame(uint8_t service, uint8_t cid, const std::vector<uint8_t> &qmi)
@@ -242,6 +251,37 @@ TEST_F(QmuxDevice, ServiceGoingDownRevokesItsClientIds)
     EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
 }
 
+/* Logical channels a client id opened close with it: when the host
+ * releases it, and when Sync releases every id. */
+TEST_F(QmuxDevice, ReleasedClientIdClosesItsLogicalChannels)
+{
+    qmux_port port(sim_.qmux_path());
+    ASSERT_TRUE(port.ok());
+    uim_open_logical_channel_req_msg_v01 req = {};
+    req.slot = UIM_SLOT_2_V01;
+    req.aid_valid = 1;
+    req.aid_len = k_es10_isdr_aid_len;
+    memcpy(req.aid, k_es10_isdr_aid, k_es10_isdr_aid_len);
+    std::vector<uint8_t> tlvs(256);
+    size_t len = 0;
+    ASSERT_EQ(qmi_codec_encode(uim_open_logical_channel_req_msg_v01_ei, &req, tlvs.data(), tlvs.size(), &len), 0);
+    tlvs.resize(len);
+    for (bool sync : {false, true}) {
+        uint8_t cid = 0;
+        ASSERT_EQ(port.allocate(k_uim, &cid), 0);
+        port.write_frame(k_uim, cid, service_request(1, QMI_UIM_OPEN_LOGICAL_CHANNEL_REQ_V01, tlvs));
+        qmux_frame f;
+        ASSERT_TRUE(port.read_frame(&f));
+        EXPECT_NE(sim_.ctl_ok("uim state").find("channels 1"), std::string::npos);
+        if (sync) {
+            port.ctl(QMI_CTL_MSG_SYNC, {});
+        } else {
+            EXPECT_EQ(port.release(k_uim, cid), 0);
+        }
+        EXPECT_NE(sim_.ctl_ok("uim state").find("channels 0"), std::string::npos) << "sync " << sync;
+    }
+}
+
 TEST_F(QmuxDevice, MalformedFramesAreDroppedAndCountedWhileServingGoesOn)
 {
     qmux_port port(sim_.qmux_path());
@@ -284,6 +324,75 @@ TEST_F(QmuxDevice, MalformedFramesAreDroppedAndCountedWhileServingGoesOn)
     EXPECT_NE(counters.find("skipped-bytes 10\n"), std::string::npos) << counters;
     EXPECT_NE(counters.find("dropped-malformed 4\n"), std::string::npos) << counters;
     EXPECT_NE(counters.find("dropped-no-client 2\n"), std::string::npos) << counters;
+    EXPECT_EQ(sim_.ctl("ping"), "ok");
+}
+
+/* A writer flooding the device with requests (its answers read by another
+ * thread) holds no socket client up: the device is served a bounded piece
+ * at a time.  The figures measured are printed. */
+TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
+{
+    /* Bounds for a loaded machine; unbounded, one event served all the
+     * device held (tens of milliseconds of CPU, pings delayed 0.2-1 s). */
+    constexpr long long k_max_delay_ms = 250;
+    constexpr long long k_max_event_cpu_us = 5000;
+    constexpr size_t k_rounds = 60;
+    constexpr long long k_flood_bytes = 128 << 10;
+    qmux_port port(sim_.qmux_path());
+    ASSERT_TRUE(port.ok());
+    uint8_t cid = 0;
+    ASSERT_EQ(port.allocate(k_dms, &cid), 0);
+    std::vector<uint8_t> burst;
+    for (uint16_t txn = 1; txn <= 2000; txn++) {
+        std::vector<uint8_t> req = service_request(txn, 0x0023, {}), frame;
+        ASSERT_TRUE(qmux_encode(0, k_dms, cid, req.data(), req.size(), &frame));
+        burst.insert(burst.end(), frame.begin(), frame.end());
+    }
+    fcntl(port.fd(), F_SETFL, O_NONBLOCK); /* the threads below stop when told, whatever the device does */
+    std::atomic<bool> done(false);
+    std::atomic<long long> written(0);
+    std::thread writer([&] {
+        for (size_t off = 0; !done; off = off % burst.size()) {
+            struct pollfd p = {port.fd(), POLLOUT, 0};
+            if (poll(&p, 1, 50) != 1) continue;
+            ssize_t n = write(port.fd(), burst.data() + off, burst.size() - off);
+            if (n > 0) off += size_t(n);
+            if (n > 0) written += n;
+        }
+    });
+    std::thread drain([&] {
+        uint8_t buf[65536];
+        while (!done) {
+            struct pollfd p = {port.fd(), POLLIN, 0};
+            if (poll(&p, 1, 50) == 1 && read(port.fd(), buf, sizeof(buf)) == 0) return;
+        }
+    });
+    for (long long end = monotonic_ms() + k_answer_timeout_ms; written < 200000 && monotonic_ms() < end;) {
+        usleep(1000); /* until the flood is on */
+    }
+    sim_.ctl_ok("loop reset");
+    long long before = written;
+    std::vector<long long> pings;
+    /* Pings until the writer has written a good deal beside them. */
+    for (long long end = monotonic_ms() + 10000;
+         (pings.size() < k_rounds || written - before < k_flood_bytes) && monotonic_ms() < end;) {
+        long long t0 = monotonic_ms();
+        EXPECT_EQ(sim_.ctl("ping"), "ok");
+        pings.push_back(monotonic_ms() - t0);
+    }
+    std::string busy = sim_.ctl_ok("loop");
+    long long flooded = written;
+    done = true;
+    writer.join();
+    drain.join();
+    std::sort(pings.begin(), pings.end());
+    printf("[ figure ] control ping beside a QMUX writer that wrote %lld bytes (%lld frames): median %lld ms, "
+           "worst %lld ms; longest event %s\n",
+           flooded, flooded / 13, pings[pings.size() / 2], pings.back(), busy.c_str());
+    EXPECT_LT(pings.back(), k_max_delay_ms);
+    long long cpu_us = atoll(busy.substr(busy.find("cpu-us ") + 7).c_str());
+    EXPECT_LT(cpu_us, k_max_event_cpu_us) << "no event of the device kept the daemon busy for long";
+    EXPECT_GE(flooded - before, k_flood_bytes) << "the flood went on, the device read all along";
     EXPECT_EQ(sim_.ctl("ping"), "ok");
 }
 

@@ -1,6 +1,7 @@
 /* rlk-modemd as a process: one daemon per state directory, clean exit,
- * crash-safe state, many clients at once, shared properties, and the
- * on-demand start by a client at the default socket. */
+ * crash-safe state, damaged state files refused, many clients at once,
+ * shared properties, and the on-demand start by a client at the default
+ * socket. */
 #include <dirent.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -11,6 +12,7 @@
 
 #include <atomic>
 #include <fstream>
+#include <iterator>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -87,6 +89,57 @@ TEST(Modemd, StateSurvivesSigkillDuringWrites)
                 << "file " << f << " torn in round " << round;
         }
         EXPECT_EQ(sim.ctl_ok("efs ls").find("/."), std::string::npos) << "temporary files are never listed";
+    }
+}
+
+std::string file_text(const std::string &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+/* A state file cut short or damaged is refused whole, with a line in the
+ * log naming it, and the seed is used: never a half-read state. */
+TEST(Modemd, DamagedStateFilesAreRefusedForTheSeed)
+{
+    sim_instance sim;
+    ASSERT_TRUE(sim.start());
+    sim.ctl_ok("uim profile-add 89445000000000000033 0 third");
+    sim.ctl_ok("pdc add sw extra_cfg");
+    const std::string uim = sim.state_dir() + "/uim_state", pdc = sim.state_dir() + "/pdc/configs";
+    const std::string uim_good = file_text(uim), pdc_good = file_text(pdc);
+    ASSERT_NE(uim_good.find("third"), std::string::npos);
+    ASSERT_NE(pdc_good.find("capacity"), std::string::npos);
+    struct {
+        const std::string &path;
+        std::string text;
+    } cases[] = {
+        {uim, ""},
+        {uim, uim_good.substr(0, 20)},                     /* cut inside the EID */
+        {uim, uim_good.substr(0, uim_good.size() - 3)},    /* cut inside the last profile */
+        {uim, uim_good.substr(0, uim_good.find("active"))}, /* cut between lines */
+        {uim, "eid 89049032000001000000000000000074\npower 1 x\nactive 0\n"},
+        {pdc, pdc_good.substr(0, pdc_good.size() / 2)},
+        {pdc, pdc_good.substr(0, pdc_good.find("capacity"))},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.path + ": " + c.text);
+        sim.stop();
+        unlink(sim.log_path().c_str());
+        std::ofstream(c.path, std::ios::binary | std::ios::trunc) << c.text;
+        ASSERT_TRUE(sim.restart());
+        if (&c.path == &uim) {
+            std::string st = sim.ctl_ok("uim state");
+            EXPECT_NE(st.find("eid 89049032000001000000000000000074"), std::string::npos) << st;
+            EXPECT_NE(st.find("profile 89445000000000000017 enabled operator-test"), std::string::npos) << st;
+            EXPECT_EQ(st.find("third"), std::string::npos) << st;
+        } else {
+            std::string show = sim.ctl_ok("pdc show");
+            EXPECT_NE(show.find("config sw ROW_Generic_3GPP"), std::string::npos) << show;
+            EXPECT_EQ(show.find("extra_cfg"), std::string::npos) << show;
+        }
+        EXPECT_NE(file_text(sim.log_path()).find("state file " + c.path + " refused ("), std::string::npos);
+        EXPECT_EQ(file_text(c.path + ".bad"), c.text) << "the refused file is kept beside";
     }
 }
 

@@ -1,7 +1,15 @@
 /* The eSIM switch end to end against a private simulator: to the eSIM and
  * back with the EFS file, the power cycles and the profiles checked; a bad
  * EID refused with nothing changed; the quiet console; a restart of the
- * UIM service in the middle of a switch, finished by a second run. */
+ * UIM service in the middle of a switch, finished by a second run; a
+ * killed switch leaves no logical channel open. */
+#include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -38,11 +46,43 @@ protected:
         out.syslog = read_log_file(syslog, false);
         return out;
     }
+    /* `rlk 5 10 <args>` in the background, output dropped; its pid. */
+    pid_t esim_background(const std::vector<std::string> &args)
+    {
+        std::vector<std::string> argv = {RLK_BINARY, "5", "10"};
+        argv.insert(argv.end(), args.begin(), args.end());
+        std::vector<std::string> env = sim.env();
+        env.push_back("RLK_SYSLOG_FILE=" + sim.dir() + "/background-syslog.log");
+        pid_t pid = fork();
+        if (pid == 0) {
+            for (const std::string &e : env) putenv(strdup(e.c_str()));
+            int devnull = open("/dev/null", O_WRONLY);
+            dup2(devnull, 1);
+            dup2(devnull, 2);
+            std::vector<char *> cargv;
+            for (const std::string &a : argv) cargv.push_back(const_cast<char *>(a.c_str()));
+            cargv.push_back(nullptr);
+            execv(cargv[0], cargv.data());
+            _exit(127);
+        }
+        return pid;
+    }
+    /* Polls `uim state` until it holds `part` (bounded); the last answer. */
+    std::string wait_state(const std::string &part)
+    {
+        std::string st = state();
+        for (long long end = monotonic_ms() + k_wait_ms; st.find(part) == std::string::npos && monotonic_ms() < end;) {
+            usleep(5000);
+            st = state();
+        }
+        return st;
+    }
     std::string state() { return sim.ctl_ok("uim state"); }
     long counter(const std::string &name) { return std::stol(sim.ctl_ok("counter get " + name)); }
     std::string efs_get(const std::string &path) { return sim.ctl("efs get " + std::string(path)); }
 
     static constexpr int k_run_timeout_ms = 20000;
+    static constexpr int k_wait_ms = 3000;
     sim_instance sim;
     int runs = 0;
 };
@@ -181,6 +221,31 @@ TEST_F(EsimSwitchTest, RestartHalfWayIsFinishedByASecondRun)
     EXPECT_TRUE(has(st, "slot2 on psim")) << st;
     EXPECT_TRUE(has(efs_get(k_eid_path), k_seed_eid));
     EXPECT_TRUE(has(efs_get(k_pending_path), "error"));
+}
+
+/* A switch killed while the card's answer is on its way leaves no logical
+ * channel open (the card has three): after three kills a switch still runs
+ * to its end. */
+TEST_F(EsimSwitchTest, KilledSwitchLeavesNoChannelOpen)
+{
+    for (int kill_no = 0; kill_no < 3; kill_no++) {
+        SCOPED_TRACE(kill_no);
+        long apdus = counter("uim.apdus");
+        sim.ctl_ok("delay uim 0x3B 10000 1");
+        pid_t pid = esim_background({"2", "1"});
+        ASSERT_GT(pid, 0);
+        for (long long end = monotonic_ms() + k_wait_ms; counter("uim.apdus") == apdus && monotonic_ms() < end;) {
+            usleep(5000);
+        }
+        EXPECT_TRUE(has(state(), "channels 1")) << "the APDU is on its way on an open channel";
+        kill(pid, SIGKILL);
+        ASSERT_EQ(waitpid(pid, nullptr, 0), pid);
+        EXPECT_TRUE(has(wait_state("channels 0"), "channels 0"));
+        sim.ctl_ok("clear-faults");
+    }
+    rlk_run r = esim({"2", "1"});
+    EXPECT_TRUE(has(r.out, "esim switch to PSIM2: ok (0)")) << r.out;
+    EXPECT_TRUE(has(state(), "channels 0"));
 }
 
 /* The modem accepts a power-up but leaves the slot off: the run fails at

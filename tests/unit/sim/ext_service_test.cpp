@@ -127,9 +127,21 @@ TEST_F(ExtServiceTest, ReadAnswersFromTheRequestedOffset)
     tolvek_efs_rsp again = efs(at);
     EXPECT_EQ(again.data_len_all, 1u);
     EXPECT_EQ(again.data[0], 0x22);
-    EXPECT_EQ(efs(efs_req(TOLVEK_EFS_OP_READ, "/t/none")).result, -2);
-    EXPECT_EQ(efs(efs_req(TOLVEK_EFS_OP_DELETE, "/t/none")).result, -2);
-    EXPECT_EQ(efs(efs_req(TOLVEK_EFS_OP_READ, "/" + std::string(71, 'a'))).result, -36);
+    /* A missing file is ENOENT; a directory (/t) is EISDIR to every
+     * operation, and stays. */
+    const struct {
+        tolvek_efs_req req;
+        int32_t result;
+    } errors[] = {
+        {efs_req(TOLVEK_EFS_OP_READ, "/t/none"), -2},
+        {efs_req(TOLVEK_EFS_OP_DELETE, "/t/none"), -2},
+        {efs_req(TOLVEK_EFS_OP_READ, "/t"), -21},
+        {efs_req(TOLVEK_EFS_OP_DELETE, "/t"), -21},
+        {efs_req(TOLVEK_EFS_OP_WRITE, "/t", 255, 1, 1, 0), -21},
+        {efs_req(TOLVEK_EFS_OP_READ, "/" + std::string(71, 'a')), -36},
+    };
+    for (const auto &e : errors) EXPECT_EQ(efs(e.req).result, e.result) << int(e.req.op) << " " << e.req.path;
+    EXPECT_EQ(sim.ctl_ok("efs get /t/r"), "22");
 }
 
 TEST_F(ExtServiceTest, NvItemRanges)

@@ -1,10 +1,13 @@
 /* The simulator's PDC service answered message by message through a plain
  * QMI client: each request's response, then its indication; list paging by
- * token; load frames reassembled; the limits of the store. */
+ * token; load frames reassembled, one transfer per client; the limits of
+ * the store. */
 #include <string.h>
 
 #include <condition_variable>
 #include <deque>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <mutex>
 
@@ -48,28 +51,49 @@ protected:
     void TearDown() override
     {
         if (client) qmi_client_release(client);
+        if (second) qmi_client_release(second);
+    }
+    /* Opens (again) the second client, with indications of its own. */
+    void open_second()
+    {
+        if (second) qmi_client_release(second);
+        qmi_client_os_params os = {};
+        ASSERT_EQ(qmi_client_init_instance(pdc_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, on_ind,
+                                           &second_inds, &os, k_wait_ms, &second),
+                  QMI_NO_ERR);
+    }
+    /* The stored content of a loaded software configuration. */
+    std::vector<uint8_t> content(const std::string &id)
+    {
+        static const char digits[] = "0123456789abcdef";
+        std::string path = sim.state_dir() + "/pdc/mbn/1-";
+        for (unsigned char c : id) path += std::string{digits[c >> 4], digits[c & 15]};
+        std::ifstream in(path + ".mbn", std::ios::binary);
+        return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
 
     /* Sends a request; returns the response's error (0: taken). */
     template <typename Req>
-    int send(unsigned int msg_id, Req &req)
+    int send(unsigned int msg_id, Req &req, qmi_client_type c = nullptr)
     {
         pdc_load_config_resp_msg_v01 resp;
         memset(&resp, 0, sizeof(resp));
         unsigned int len = msg_id == QMI_PDC_LOAD_CONFIG_REQ_V01 ? sizeof(resp) : sizeof(pdc_generic_resp_msg_v01);
-        EXPECT_EQ(qmi_client_send_msg_sync(client, msg_id, &req, sizeof(req), &resp, len, k_wait_ms), QMI_NO_ERR);
+        EXPECT_EQ(qmi_client_send_msg_sync(c ? c : client, msg_id, &req, sizeof(req), &resp, len, k_wait_ms),
+                  QMI_NO_ERR);
         return resp.resp.result ? resp.resp.error : 0;
     }
 
     /* The next indication, decoded into `out`; false when none came in
      * `ms` (or it had another id). */
     template <typename Ind>
-    bool next_ind(unsigned int msg_id, Ind *out, int ms = k_wait_ms)
+    bool next_ind(unsigned int msg_id, Ind *out, int ms = k_wait_ms, ind_queue *q = nullptr)
     {
-        std::unique_lock<std::mutex> lk(inds.mu);
-        if (!inds.cv.wait_for(lk, std::chrono::milliseconds(ms), [this] { return !inds.q.empty(); })) return false;
-        auto ind = inds.q.front();
-        inds.q.pop_front();
+        ind_queue &iq = q ? *q : inds;
+        std::unique_lock<std::mutex> lk(iq.mu);
+        if (!iq.cv.wait_for(lk, std::chrono::milliseconds(ms), [&iq] { return !iq.q.empty(); })) return false;
+        auto ind = iq.q.front();
+        iq.q.pop_front();
         if (ind.first != msg_id) return false;
         return qmi_client_message_decode(client, QMI_IDL_INDICATION, msg_id, ind.second.data(),
                                          unsigned(ind.second.size()), out, sizeof(*out)) == 0;
@@ -84,8 +108,10 @@ protected:
         return ind;
     }
 
-    /* One load frame; returns its indication. */
-    pdc_load_config_ind_msg_v01 load(const std::string &id, uint32_t total, const std::vector<uint8_t> &frame)
+    /* One load frame (of the second client with `from_second`); returns
+     * its indication. */
+    pdc_load_config_ind_msg_v01 load(const std::string &id, uint32_t total, const std::vector<uint8_t> &frame,
+                                     bool from_second = false)
     {
         auto req = std::make_unique<pdc_load_config_req_msg_v01>();
         memset(req.get(), 0, sizeof(*req));
@@ -97,16 +123,16 @@ protected:
         memcpy(req->load_config_info.config_frame, frame.data(), frame.size());
         req->ind_token_valid = 1;
         req->ind_token = 9;
-        EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req), 0);
+        EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? second : nullptr), 0);
         pdc_load_config_ind_msg_v01 ind;
         memset(&ind, 0, sizeof(ind));
-        EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind));
+        EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind, k_wait_ms, from_second ? &second_inds : nullptr));
         return ind;
     }
 
     sim_instance sim;
-    ind_queue inds;
-    qmi_client_type client = nullptr;
+    ind_queue inds, second_inds;
+    qmi_client_type client = nullptr, second = nullptr;
 };
 
 TEST_F(PdcServiceTest, PagesFollowTheTokenAndANewTokenStartsOver)
@@ -158,6 +184,33 @@ TEST_F(PdcServiceTest, FramesAreReassembledAndStoredOnce)
     EXPECT_EQ(reset.frame_data_reset_valid, 1);
     /* After the reset the transfer starts again from the first byte. */
     EXPECT_EQ(load("partial", 20, std::vector<uint8_t>(10)).received_config_size, 10u);
+}
+
+/* Frames of two clients never mix: each has a transfer of its own, a
+ * configuration is stored from one client's bytes only, and a client that
+ * goes away takes its partial transfer with it. */
+TEST_F(PdcServiceTest, TransfersOfTwoClientsNeverMix)
+{
+    open_second();
+    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(3000, 0xA5)).received_config_size, 3000u);
+    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(1000, 0x5A), true).received_config_size, 1000u)
+        << "the second client's frame starts a transfer of its own";
+    EXPECT_EQ(sim.ctl_ok("pdc show").find("mixed"), std::string::npos) << "nothing partial is stored";
+    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(1000, 0xA5)).remaining_config_size, 0u);
+    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(3000, 0x5A), true).error, PDC_QMI_ERR_INVALID_ID)
+        << "stored by the other client meanwhile";
+    EXPECT_EQ(content("mixed"), std::vector<uint8_t>(4000, 0xA5));
+    /* Transfers in progress hold room for their whole size. */
+    sim.ctl_ok("pdc capacity 1000000");
+    EXPECT_EQ(load("held", 100000, std::vector<uint8_t>(10)).error, 0);
+    EXPECT_EQ(load("other", 100000, std::vector<uint8_t>(10), true).error, PDC_QMI_ERR_NO_MEMORY);
+    sim.ctl_ok("pdc capacity 100000000");
+
+    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 1), true).received_config_size, 10u);
+    open_second(); /* the first second client left half-way */
+    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 2), true).received_config_size, 10u) << "afresh";
+    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 2), true).remaining_config_size, 0u);
+    EXPECT_EQ(content("left"), std::vector<uint8_t>(20, 2));
 }
 
 TEST_F(PdcServiceTest, AFullStoreRefusesWithNoMemory)
