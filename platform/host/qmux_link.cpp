@@ -272,14 +272,19 @@ void handle_gone(device &d, const bridge &b)
 }
 
 /* A signal asked the process to end: it does once no allocation is in
- * flight (the id it brings is then held, and released with the others). */
-bool end_if_signalled(std::chrono::steady_clock::time_point *since)
+ * flight (the id it brings is then held, and released with the others).
+ * Under d.mu, against an allocation starting now (ctl_request refuses to
+ * start one once a signal is pending), and under write_mu, so that the
+ * releases do not cut into a frame another thread is writing. */
+bool end_if_signalled(device &d, clock_type::time_point *since)
 {
     int sig = qmux_pending_signal();
     if (!sig) return false;
-    auto now = std::chrono::steady_clock::now();
-    if (*since == std::chrono::steady_clock::time_point()) *since = now;
+    auto now = clock_type::now();
+    if (*since == clock_type::time_point()) *since = now;
+    std::lock_guard<std::mutex> g(d.mu);
     if (qmux_allocs_in_flight() == 0 || now - *since >= std::chrono::milliseconds(k_dying_max_ms)) {
+        std::lock_guard<std::mutex> w(d.write_mu);
         qmux_release_held_and_end(sig);
     }
     return true;
@@ -289,9 +294,9 @@ void run(device *dp)
 {
     device &d = *dp;
     std::vector<uint8_t> buf(k_read_chunk);
-    std::chrono::steady_clock::time_point signalled;
+    clock_type::time_point signalled;
     for (;;) {
-        bool dying = end_if_signalled(&signalled);
+        bool dying = end_if_signalled(d, &signalled);
         std::vector<struct pollfd> fds = {{d.wake[0], POLLIN, 0}, {d.fd, POLLIN, 0}};
         std::vector<bridge> snapshot;
         {
@@ -379,9 +384,12 @@ bool ctl_request(device &d, uint16_t msg_id, const std::vector<uint8_t> &tlvs, s
             d.cv.wait_until(lk, deadline, [&] { return d.have_versions || d.failed; });
             return false;
         }
+        if (msg_id == QMI_CTL_MSG_ALLOCATE_CID) {
+            if (qmux_pending_signal()) return false; /* the process is ending */
+            qmux_alloc_started();
+        }
         txn = take_txn(d);
         d.waits[txn] = &w;
-        if (msg_id == QMI_CTL_MSG_ALLOCATE_CID) qmux_alloc_started();
     }
     std::vector<uint8_t> m = qmi_ctl_message(QMI_CTL_FLAG_REQUEST, txn, msg_id, tlvs);
     bool sent = send_frame(d, QMUX_SERVICE_CTL, 0, m.data(), m.size(), deadline);
