@@ -171,7 +171,9 @@ void qmux_device::on_ctl(const qmux_frame &f)
     std::vector<uint8_t> msg = qmi_ctl_message(QMI_CTL_FLAG_RESPONSE, h.txn, h.msg_id, answer);
     if (uint32_t late = ctl_delay_.take(h.msg_id)) {
         uint8_t client = f.client;
-        d_.loop().add_timer(late, [this, client, msg] { send_frame(QMUX_SERVICE_CTL, client, msg.data(), msg.size()); });
+        d_.loop().add_timer(late, [this, client, msg] {
+            send_frame(QMUX_SERVICE_CTL, client, msg.data(), msg.size());
+        });
         return;
     }
     send_frame(QMUX_SERVICE_CTL, f.client, msg.data(), msg.size());

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <ctype.h>
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -162,13 +163,20 @@ TEST_F(RlkOverQmux, MbnLoadOfLargeFramesReachesTheModem)
     EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
 }
 
-/* SIGTERM and SIGINT release the id on the way out, wherever they land;
- * the id SIGKILL leaves behind is released by the next run. */
+/* SIGTERM and SIGINT release the id on the way out, even while its
+ * allocation is still being answered; the id SIGKILL leaves behind (once
+ * the run knew it: its request reached the modem) is released by the next
+ * run. */
 TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
 {
+    auto sar_requests = [this] {
+        std::string journal = sim_.ctl("last 64 sar");
+        return std::count(journal.begin(), journal.end(), '\n');
+    };
     int cid = 0;
     for (int sig : {SIGTERM, SIGINT, SIGKILL}) {
         sim_.ctl_ok("delay sar 2 10000 1");
+        long requests = sar_requests();
         std::vector<std::string> env = device_env(sim_);
         env.push_back(sim_.env()[0]);
         pid_t pid = fork();
@@ -183,6 +191,10 @@ TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
         }
         std::string held = wait_clients(sim_, "ok\n0x11 " + std::to_string(++cid));
         EXPECT_EQ(held.compare(0, 8, "ok\n0x11 "), 0) << held;
+        for (int waited = 0; sig == SIGKILL && sar_requests() == requests && waited < k_client_wait_ms;
+             waited += k_poll_step_ms) {
+            usleep(k_poll_step_ms * 1000);
+        }
         kill(pid, sig);
         int status = 0;
         ASSERT_EQ(waitpid(pid, &status, 0), pid);
