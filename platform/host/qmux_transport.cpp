@@ -62,7 +62,8 @@ bool ensure_open(device &d)
     std::lock_guard<std::mutex> g(d.mu);
     if (d.opened) return !d.failed;
     d.opened = true;
-    d.path = getenv(k_device_env);
+    const char *path = getenv(k_device_env);
+    d.path = path ? path : "";
     d.fd = open(d.path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     if (d.fd < 0 || pipe2(d.wake, O_CLOEXEC | O_NONBLOCK) != 0) {
         d.failed = true;
