@@ -1,6 +1,8 @@
 /* rlk with RLK_QMI_DEVICE pointed at rlk-modemd's QMUX device: the same
- * answers as over the socket, and no client id left allocated however the
- * run ends (release, exit, time-out, SIGINT, SIGTERM). */
+ * answers as over the socket, no client id left allocated however the run
+ * ends (release, exit, time-out, SIGINT, SIGTERM, SIGKILL and the next run,
+ * an allocation answered too late), and bounded opens on a device that
+ * never answers or never runs dry. */
 #include <fcntl.h>
 #include <signal.h>
 #include <string.h>
