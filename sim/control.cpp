@@ -54,7 +54,8 @@ const char k_help[] =
     "  loop [reset]   longest time one event kept the daemon busy (us, and its CPU time)\n"
     "  diag ...\n"
     "  at path | at received [n] | at clear\n"
-    "  qmux [clients | counters | path]   the QMUX device: allocated client ids per service, frames dropped\n";
+    "  qmux [clients | counters | path]   the QMUX device: allocated client ids per service, frames dropped\n"
+    "  qmux delay-ctl MSG MS [COUNT]      answer the next COUNT control messages MSG (0x22 allocate) MS ms late\n";
 
 }  // namespace
 

@@ -213,6 +213,13 @@ void qmux_device::on_ctl(const qmux_frame &f)
         answer = qmi_result_tlv(QMI_PROTOCOL_ERR_INVALID_QMI_COMMAND);
     }
     std::vector<uint8_t> msg = qmi_ctl_message(QMI_CTL_FLAG_RESPONSE, h.txn, h.msg_id, answer);
+    if (uint32_t late = ctl_delay_.take(h.msg_id)) {
+        uint8_t client = f.client;
+        d_.loop().add_timer(late, [this, client, msg] {
+            send_frame(QMUX_SERVICE_CTL, client, msg.data(), msg.size());
+        });
+        return;
+    }
     send_frame(QMUX_SERVICE_CTL, f.client, msg.data(), msg.size());
 }
 
@@ -384,7 +391,8 @@ std::string qmux_device::control(const std::vector<std::string> &a)
         return buf;
     }
     if (a.size() == 2 && a[1] == "path") return "ok " + link_;
-    return "error usage: qmux [clients | counters | path]";
+    if (a.size() >= 2 && a[1] == "delay-ctl") return ctl_delay_.control(a);
+    return "error usage: qmux [clients | counters | path | delay-ctl MSG MS [COUNT]]";
 }
 
 }  // namespace modemd

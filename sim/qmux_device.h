@@ -32,6 +32,7 @@
 
 #include "daemon.h"
 #include "qmux.h"
+#include "qmux_ctl_delay.h"
 
 namespace modemd {
 
@@ -96,6 +97,7 @@ private:
     std::map<uint64_t, uint16_t> by_conn_;
     std::map<uint8_t, uint8_t> next_cid_;
     counters n_;
+    qmux_ctl_delay ctl_delay_;
 };
 
 }  // namespace modemd

@@ -1,6 +1,7 @@
 /* Connected QMI clients: one connection to one server of the simulator,
  * synchronous and asynchronous sends, indications and the error callback
  * when the server goes away. */
+#include <errno.h>
 #include <string.h>
 #include <sys/socket.h>
 #include <time.h>
@@ -328,6 +329,10 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
                                                           uint32_t timeout, qmi_client_type *user_handle)
 {
     if (!service_obj || !user_handle) return QMI_CLIENT_PARAM_ERR;
+    /* The time-out bounds the whole call, the exchanges with a QMUX device
+     * included (qmux_call_bound). */
+    qmux_call_bound bound(timeout);
+    bool qmux = qmux_carries(service_obj->service_id);
     qmi_client_type notifier = nullptr;
     qmi_client_os_params signal;
     memset(&signal, 0, sizeof(signal));
@@ -342,6 +347,13 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
             rc = qmi_client_init(&info, service_obj, ind_cb, ind_cb_data, os_params, user_handle);
             if (rc == QMI_NO_ERR) break;
         }
+        int error = 0;
+        if (qmux && qmux_unusable(&error)) {
+            /* No service will come from a device that cannot serve. */
+            rc = QMI_SERVICE_ERR;
+            errno = error;
+            break;
+        }
         unsigned int wait_ms = 0;
         if (timeout) {
             auto spent = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
@@ -354,8 +366,10 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
         }
         qmi_cci_os_signal_wait(&signal, wait_ms);
     }
+    int saved = errno;
     release_handle(notifier);
     qmi_cci_os_signal_deinit(&signal);
+    errno = saved;
     return rc;
 }
 

@@ -8,7 +8,9 @@
  * messages exactly as the simulator's socket does, so the rest of the
  * client library does not change.  Client ids still held when the process
  * exits, or when SIGINT or SIGTERM ends it (while their default action is
- * in place), are released on the way out. */
+ * in place), are released on the way out (qmux_exit.h); those of a process
+ * that could not release them are released by the next one
+ * (qmux_id_record.h). */
 #ifndef RLK_HOST_QMUX_TRANSPORT_H
 #define RLK_HOST_QMUX_TRANSPORT_H
 
@@ -16,8 +18,27 @@
 
 namespace rlk_host {
 
-/* How long a control request (lookup, allocate, release) waits. */
+/* How long a control request (lookup, allocate, release) waits at most. */
 constexpr int k_qmux_ctl_timeout_ms = 2000;
+/* The least a bounded call gives a device that has not yet left a request
+ * unanswered: room for its exchanges on a slow or loaded link, even when
+ * the caller's time-out is a few milliseconds. */
+constexpr int k_qmux_min_call_ms = 1000;
+
+/* Bounds the control requests this thread makes while it lives by the
+ * caller's time-out (milliseconds from now; 0: no bound but the requests'
+ * own): all of them end by then, or by k_qmux_min_call_ms while the device
+ * has answered every request so far.  Scopes nest; the inner one rules. */
+class qmux_call_bound {
+public:
+    explicit qmux_call_bound(uint32_t timeout_ms);
+    ~qmux_call_bound();
+    qmux_call_bound(const qmux_call_bound &) = delete;
+    qmux_call_bound &operator=(const qmux_call_bound &) = delete;
+
+private:
+    const void *outer_;
+};
 
 /* True when RLK_QMI_DEVICE names a device. */
 bool qmux_mode();
@@ -29,6 +50,10 @@ bool qmux_mode();
  * in for the modem's other channel).  Without RLK_MODEMD_SOCKET such a
  * service is looked up on the device, which never has it. */
 bool qmux_carries(uint32_t service);
+
+/* True when the device cannot serve: it did not open, went away, or sends
+ * no QMUX frames.  `*error` gets the reason as an errno value. */
+bool qmux_unusable(int *error);
 
 /* Whether the device has `service`, and its major version; false when it
  * has not (services above the service byte never are) or the device

@@ -1,6 +1,8 @@
 /* rlk with RLK_QMI_DEVICE pointed at rlk-modemd's QMUX device: the same
- * answers as over the socket, and no client id left allocated however the
- * run ends (release, exit, time-out, SIGINT, SIGTERM). */
+ * answers as over the socket, no client id left allocated however the run
+ * ends (release, exit, time-out, SIGINT, SIGTERM, SIGKILL and the next run,
+ * an allocation answered too late), and bounded opens on a device that
+ * never answers or never runs dry. */
 #include <fcntl.h>
 #include <signal.h>
 #include <string.h>
@@ -8,6 +10,7 @@
 #include <unistd.h>
 
 #include <ctype.h>
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -102,7 +105,7 @@ TEST_F(RlkOverQmux, SarQueryMatchesTheSocket)
     EXPECT_EQ(device.status, socket.status);
     EXPECT_NE(device.out.find("SAR DSI: 4"), std::string::npos) << device.out << device.err;
     EXPECT_EQ(device.out, socket.out);
-    EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+    EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
     std::string counters = sim_.ctl_ok("qmux counters");
     EXPECT_EQ(counters.find("frames-in 0\n"), std::string::npos) << "the run went over the device";
 }
@@ -125,7 +128,7 @@ TEST_F(RlkOverQmux, EsimSwitchAndBackMatchTheSocket)
         EXPECT_EQ(sim_.ctl_ok("uim state"), plain.ctl_ok("uim state")) << args[2];
     }
     EXPECT_NE(sim_.ctl_ok("uim state").find("psim"), std::string::npos);
-    EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+    EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
 }
 
 TEST_F(RlkOverQmux, MbnListMatchesTheSocket)
@@ -137,7 +140,7 @@ TEST_F(RlkOverQmux, MbnListMatchesTheSocket)
     EXPECT_TRUE(exited_cleanly(device.status)) << device.err;
     EXPECT_EQ(device.out, socket.out);
     EXPECT_NE(device.out.find("ROW_Generic_3GPP  [active]"), std::string::npos) << device.out;
-    EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+    EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
 }
 
 /* Load chunks are QMUX frames of tens of kilobytes: they cross the
@@ -159,15 +162,25 @@ TEST_F(RlkOverQmux, MbnLoadOfLargeFramesReachesTheModem)
     std::string counters = sim_.ctl_ok("qmux counters");
     EXPECT_NE(counters.find("dropped-malformed 0\n"), std::string::npos) << counters;
     EXPECT_NE(counters.find("skipped-bytes 0\n"), std::string::npos) << counters;
-    EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
+    EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
 }
 
+/* SIGTERM and SIGINT release the id on the way out, even while its
+ * allocation is still being answered; the id SIGKILL leaves behind (once
+ * the run knew it: its request reached the modem) is released by the next
+ * run. */
 TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
 {
-    for (int sig : {SIGTERM, SIGINT}) {
+    auto sar_requests = [this] {
+        std::string journal = sim_.ctl("last 64 sar");
+        return std::count(journal.begin(), journal.end(), '\n');
+    };
+    int cid = 0;
+    for (int sig : {SIGTERM, SIGINT, SIGKILL}) {
         sim_.ctl_ok("delay sar 2 10000 1");
-        std::vector<std::string> env = sim_.env();
-        env.push_back("RLK_QMI_DEVICE=" + sim_.qmux_path());
+        long requests = sar_requests();
+        std::vector<std::string> env = device_env(sim_);
+        env.push_back(sim_.env()[0]);
         pid_t pid = fork();
         ASSERT_GE(pid, 0);
         if (pid == 0) {
@@ -178,15 +191,61 @@ TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
             execl(RLK_BINARY, RLK_BINARY, "5", "5", (char *)nullptr);
             _exit(127);
         }
-        std::string held = wait_clients(sim_, "ok\n0x11 " + std::to_string(sig == SIGTERM ? 1 : 2));
+        std::string held = wait_clients(sim_, "ok\n0x11 " + std::to_string(++cid));
         EXPECT_EQ(held.compare(0, 8, "ok\n0x11 "), 0) << held;
+        for (int waited = 0; sig == SIGKILL && sar_requests() == requests && waited < k_client_wait_ms;
+             waited += k_poll_step_ms) {
+            usleep(k_poll_step_ms * 1000);
+        }
         kill(pid, sig);
         int status = 0;
         ASSERT_EQ(waitpid(pid, &status, 0), pid);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == sig) << status;
-        EXPECT_EQ(wait_clients(sim_, "ok"), "ok") << "signal " << sig;
         sim_.ctl_ok("clear-faults");
+        if (sig == SIGKILL) {
+            EXPECT_EQ(sim_.ctl("qmux clients"), held);
+            EXPECT_TRUE(exited_cleanly(sim_.run_rlk({"5", "5"}, device_env(sim_)).status));
+        }
+        EXPECT_EQ(wait_clients(sim_, "ok"), "ok") << "signal " << sig;
     }
+}
+
+/* The modem hands out a client id after the host gave up waiting: the id
+ * goes back when the late answer arrives.  The PDC client of option 10
+ * waits its usual 4 ms (stretched to a second for a device that answered
+ * so far); its next attempt, 2 s later, opens the client. */
+TEST_F(RlkOverQmux, ClientIdAnsweredTooLateIsReleased)
+{
+    sim_.ctl_ok("qmux delay-ctl 0x22 2500");
+    std::vector<std::string> env = device_env(sim_);
+    env.insert(env.end(), {sim_.env()[0], "RLK_TEST_PDC_RETRY_MS=400"});
+    run_result r = run_process({MBN_RETRY_PROBE_BINARY, "10", "0", "1"}, env);
+    EXPECT_TRUE(exited_cleanly(r.status)) << r.err;
+    EXPECT_EQ(r.out.find("pdc init failed"), std::string::npos) << r.out;
+    EXPECT_EQ(wait_clients(sim_, "ok"), "ok");
+}
+
+/* A device that never answers, and one that never runs dry: every open of
+ * the PDC client (20 of them, 4 ms each) ends within its bound, and the
+ * second device is named for what it does. */
+TEST_F(RlkOverQmux, SilentOrStreamingDeviceEndsWithinItsBounds)
+{
+    int silent = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(silent >= 0 && grantpt(silent) == 0 && unlockpt(silent) == 0);
+    const struct {
+        std::string path;
+        const char *err;
+    } cases[] = {{ptsname(silent), ""}, {"/dev/zero", "never runs dry"}};
+    for (const auto &c : cases) {
+        long long start = monotonic_ms();
+        run_result r = run_process({MBN_RETRY_PROBE_BINARY, "10", "0", "1"},
+                                   {"RLK_QMI_DEVICE=" + c.path, "RLK_TEST_PDC_RETRY_MS=1"}, "", 20000);
+        long long took = monotonic_ms() - start;
+        EXPECT_LT(took, 5000) << c.path;
+        EXPECT_NE(r.out.find("pdc init failed, do nothing"), std::string::npos) << c.path << r.out;
+        EXPECT_NE(r.err.find(c.err), std::string::npos) << r.err;
+    }
+    close(silent);
 }
 
 TEST_F(RlkOverQmux, TimedOutRequestThenExitLeavesNoClientId)
