@@ -321,10 +321,10 @@ TEST_F(RlkMbnTest, EveryWaitEndsAtOnceBySignalOrServiceRestart)
          "rlk-mbn: interrupted\n"},
         {"response, SIGINT", {"delay pdc 0x22 60000 1"}, {"selected"}, {}, "0x0022", SIGINT, 128 + SIGINT,
          "rlk-mbn: interrupted\n"},
-        {"opening, SIGINT", {}, {"list"}, {"RLK_QMI_DEVICE=" + dead.path()}, nullptr, SIGINT, 128 + SIGINT,
-         "rlk-mbn: interrupted\n"},
         {"indication, restart", {"pdc fail 0x22 noind 1"}, {"selected"}, {}, "0x0022", 0, 9,
          "rlk-mbn: selected: the PDC service restarted before answering\n"},
+        {"opening, SIGINT", {}, {"list"}, {"RLK_QMI_DEVICE=" + dead.path()}, nullptr, SIGINT, 128 + SIGINT,
+         "rlk-mbn: interrupted\n"},
     };
     for (const wait_case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -360,8 +360,11 @@ TEST_F(RlkMbnTest, EveryWaitEndsAtOnceBySignalOrServiceRestart)
             ASSERT_FALSE(bg.logcat().empty());
             EXPECT_EQ(bg.logcat().back(), "Release client connection to PDC");
         }
-        /* No client is left to receive a configuration-change indication. */
-        EXPECT_EQ(sim.ctl("ind pdc 0x21 010600010000000161"), "error no client");
+        /* No client is left to receive a configuration-change indication
+         * (the restarted service had none to begin with). */
+        if (c.sig) {
+            EXPECT_EQ(sim.ctl("ind pdc 0x21 010600010000000161"), "error no client");
+        }
     }
 }
 
