@@ -64,7 +64,10 @@ const char *mbn_qmi_error_name(unsigned int code)
 
 mbn_result mbn_send_failure(int rc, const char *what)
 {
-    if (rc > 0) return fail(k_mbn_exit_failure, std::string(what) + ": refused by the modem: " + qmi_error_text(unsigned(rc), "error"));
+    if (rc > 0) {
+        return fail(k_mbn_exit_failure,
+                    std::string(what) + ": refused by the modem: " + qmi_error_text(unsigned(rc), "error"));
+    }
     char text[128];
     snprintf(text, sizeof(text), "%s: request not delivered (QMI client error %d)", what, rc);
     return fail(k_mbn_exit_failure, text);

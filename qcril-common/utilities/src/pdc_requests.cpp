@@ -121,7 +121,9 @@ int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len)
         if (done) {
             rc = w->transport_error;
         } else {
-            rc = g_pdc_info.cancelled ? PDC_SEND_CANCELLED : g_pdc_info.service_lost ? QMI_SERVICE_ERR : QMI_TIMEOUT_ERR;
+            rc = g_pdc_info.cancelled      ? PDC_SEND_CANCELLED
+                 : g_pdc_info.service_lost ? QMI_SERVICE_ERR
+                                           : QMI_TIMEOUT_ERR;
         }
     }
     if (!done) {
