@@ -114,18 +114,18 @@ int mbn_session_end(int exit_code)
 {
     fflush(stdout);
     fflush(stderr);
-    bool abandoned;
-    {
-        std::lock_guard<std::mutex> g(g_mu);
-        abandoned = g_open.abandoned;
-    }
-    if (abandoned) _exit(exit_code);
     if (g_signal_thread.joinable()) {
         /* The thread may still be waking the waiters: it is joined before
          * the process's objects go away. */
         pthread_kill(g_signal_thread.native_handle(), k_quit_signal);
         g_signal_thread.join();
     }
+    bool abandoned;
+    {
+        std::lock_guard<std::mutex> g(g_mu);
+        abandoned = g_open.abandoned;
+    }
+    if (abandoned) _exit(exit_code);
     return exit_code;
 }
 
