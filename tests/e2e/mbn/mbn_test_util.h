@@ -143,6 +143,16 @@ private:
     std::string path_;
 };
 
+/* For a run that exits while an attempt to open its client is still
+ * blocked in the QMI library: a ThreadSanitizer build would otherwise
+ * sleep a second at exit (to catch races there) because that thread
+ * still runs. */
+inline std::string tsan_no_exit_sleep()
+{
+    const char *tsan = getenv("TSAN_OPTIONS");
+    return "TSAN_OPTIONS=" + std::string(tsan ? tsan : "") + " atexit_sleep_ms=0";
+}
+
 /* The simulator's journal of PDC requests ("<svc> <msg> <txn> <hex>" lines). */
 inline std::vector<std::string> pdc_journal(const sim_instance &sim, int n = 200)
 {
