@@ -1,5 +1,6 @@
 #include "mbn_ops.h"
 
+#include <errno.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -12,39 +13,56 @@
 namespace {
 
 typedef std::lock_guard<qtimutex::QtiSharedMutex> pdc_guard;
+typedef std::chrono::steady_clock steady;
 
 mbn_result fail(int code, const std::string &text) { return {code, text}; }
 
-/* A request the modem refused at once, or that went nowhere. */
-mbn_result send_failure(int rc, const char *what)
+mbn_result interrupted() { return fail(k_mbn_exit_signal_base + mbn_session_signal(), "interrupted"); }
+
+mbn_result timed_out(const mbn_options &o, const char *what)
 {
-    char text[128];
-    if (rc > 0) {
-        snprintf(text, sizeof(text), "%s: refused by the modem (QMI error %d)", what, rc);
-    } else {
-        snprintf(text, sizeof(text), "%s: request not delivered (QMI client error %d)", what, rc);
-    }
-    return fail(k_mbn_exit_failure, text);
+    return fail(k_mbn_exit_timeout,
+                std::string(what) + ": no answer from the modem within " + std::to_string(o.timeout_s) + " s");
 }
 
-/* Sends with `send` (given a fresh token) and waits for the outcome of
- * `op`, the indication that carries the same token. */
-mbn_result exchange(pdc_op op, const char *what, unsigned int timeout_s, const std::function<int(uint32_t)> &send)
+mbn_result restarted(const char *what)
+{
+    return fail(k_mbn_exit_service_restarted, std::string(what) + ": the PDC service restarted before answering");
+}
+
+unsigned int ms_left(steady::time_point deadline)
+{
+    long long left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - steady::now()).count();
+    return left > 0 ? unsigned(left) : 0;
+}
+
+/* Sends with `send` (given a fresh token) and waits, until the run's
+ * deadline, for the outcome of `op`: the indication that carries the same
+ * token. */
+mbn_result exchange(pdc_op op, const char *what, const mbn_options &o, const mbn_input &in,
+                    const std::function<int(uint32_t)> &send)
 {
     uint32_t token = pdc_next_token();
     pdc_begin(op);
     int rc = send(token);
     if (rc != 0) {
         pdc_end(op);
-        return send_failure(rc, what);
+        if (rc == PDC_SEND_CANCELLED) return interrupted();
+        if (rc == QMI_TIMEOUT_ERR) return timed_out(o, what);
+        if (rc == QMI_SERVICE_ERR) return restarted(what);
+        return mbn_send_failure(rc, what);
     }
     /* Pages of a list are checked by the list itself; the other outcomes
      * must carry this request's token. */
-    pdc_wait_status w = pdc_wait_outcome(op, timeout_s * 1000u, op == PDC_OP_LIST ? 0 : token);
-    if (w == PDC_WAIT_CANCELLED) return fail(k_mbn_exit_signal_base + mbn_session_signal(), "interrupted");
-    if (w == PDC_WAIT_TIMEOUT) {
-        return fail(k_mbn_exit_timeout, std::string(what) + ": no answer from the modem within " +
-                                            std::to_string(timeout_s) + " s");
+    switch (pdc_wait_outcome(op, ms_left(in.deadline), op == PDC_OP_LIST ? 0 : token)) {
+    case PDC_WAIT_CANCELLED:
+        return interrupted();
+    case PDC_WAIT_TIMEOUT:
+        return timed_out(o, what);
+    case PDC_WAIT_LOST:
+        return restarted(what);
+    case PDC_WAIT_DONE:
+        break;
     }
     pdc_guard lock(g_pdc_info.pdc_mutex);
     pdc_slot_view v = pdc_slot_of(op);
@@ -54,9 +72,9 @@ mbn_result exchange(pdc_op op, const char *what, unsigned int timeout_s, const s
 std::string format_id(const pdc_config_id &id) { return mbn_format_id(id.bytes, id.len); }
 
 /* Active and pending ids of type/sub into the report. */
-mbn_result get_selected(const mbn_options &o, mbn_report *r)
+mbn_result get_selected(const mbn_options &o, const mbn_input &in, const char *what, mbn_report *r)
 {
-    mbn_result res = exchange(PDC_OP_GET_SELECTED, "selected", o.timeout_s, [&o](uint32_t token) {
+    mbn_result res = exchange(PDC_OP_GET_SELECTED, what, o, in, [&o](uint32_t token) {
         return pdc_request_get_selected(o.config_type, o.sub, token);
     });
     if (res.exit_code) return res;
@@ -67,11 +85,11 @@ mbn_result get_selected(const mbn_options &o, mbn_report *r)
     return res;
 }
 
-mbn_result list(const mbn_options &o, mbn_report *r)
+mbn_result list(const mbn_options &o, const mbn_input &in, mbn_report *r)
 {
     uint32_t count = 0;
     pdc_config_list_element *head = nullptr;
-    mbn_result res = exchange(PDC_OP_LIST, "list", o.timeout_s, [&](uint32_t token) {
+    mbn_result res = exchange(PDC_OP_LIST, "list", o, in, [&](uint32_t token) {
         return pdc_list_start(o.config_type, token, &count, &head);
     });
     /* The handler pushed each id at the head: walk it backwards. */
@@ -80,13 +98,15 @@ mbn_result list(const mbn_options &o, mbn_report *r)
     }
     pdc_free_config_list(head);
     if (res.exit_code) return res;
-    return get_selected(o, r);
+    /* The ids stand even when the selection query after them fails. */
+    r->listed = true;
+    return get_selected(o, in, "list (active and pending)", r);
 }
 
-mbn_result info(const mbn_options &o, mbn_report *r)
+mbn_result info(const mbn_options &o, const mbn_input &in, mbn_report *r)
 {
     r->id = format_id(o.id);
-    mbn_result res = exchange(PDC_OP_GET_CONFIG_INFO, "info", o.timeout_s, [&o](uint32_t token) {
+    mbn_result res = exchange(PDC_OP_GET_CONFIG_INFO, "info", o, in, [&o](uint32_t token) {
         return pdc_request_config_info(o.config_type, o.id, token);
     });
     if (res.exit_code) return res;
@@ -100,50 +120,37 @@ mbn_result info(const mbn_options &o, mbn_report *r)
     return res;
 }
 
-bool read_file(const std::string &path, std::vector<uint8_t> *out, std::string *error)
+mbn_result read_file(const std::string &path, std::vector<uint8_t> *out)
 {
     FILE *f = fopen(path.c_str(), "rbe");
-    if (!f) {
-        *error = "load: cannot open " + path + ": " + strerror(errno);
-        return false;
-    }
+    if (!f) return fail(k_mbn_exit_failure, "load: cannot open " + path + ": " + strerror(errno));
     uint8_t buf[65536];
     size_t n;
     while ((n = fread(buf, 1, sizeof(buf), f)) > 0) {
         if (out->size() + n > k_mbn_max_file_size) {
             fclose(f);
-            *error = "load: " + path + " is larger than 64 MiB";
-            return false;
+            return fail(k_mbn_exit_failure, "load: " + path + " is larger than 64 MiB");
         }
         out->insert(out->end(), buf, buf + n);
     }
-    bool ok = !ferror(f);
+    int error = ferror(f) ? errno : 0;
     fclose(f);
-    if (!ok) *error = "load: cannot read " + path;
-    if (ok && out->empty()) *error = "load: " + path + " is empty";
-    return ok && !out->empty();
+    if (error) return fail(k_mbn_exit_failure, "load: cannot read " + path + ": " + strerror(error));
+    if (out->empty()) return fail(k_mbn_exit_failure, "load: " + path + " is empty");
+    return {};
 }
 
-mbn_result load(const mbn_options &o, mbn_report *r)
+mbn_result load(const mbn_options &o, const mbn_input &in, mbn_report *r)
 {
-    std::vector<uint8_t> data;
-    std::string error;
-    if (!read_file(o.file, &data, &error)) return fail(k_mbn_exit_failure, error);
-    pdc_config_id id = o.id;
-    if (!o.id_given) {
-        size_t slash = o.file.rfind('/');
-        if (!mbn_parse_id(slash == std::string::npos ? o.file : o.file.substr(slash + 1), &id)) {
-            return fail(k_mbn_exit_usage, "load: the file name makes no id; give one with --id");
-        }
-    }
-    r->id = format_id(id);
+    const std::vector<uint8_t> &data = in.data;
+    r->id = format_id(in.load_id);
     r->size = uint32_t(data.size());
     for (size_t sent = 0; sent < data.size();) {
         uint32_t frame = uint32_t(data.size() - sent < PDC_CONFIG_FRAME_SIZE_MAX_V01 ? data.size() - sent
                                                                                     : PDC_CONFIG_FRAME_SIZE_MAX_V01);
-        mbn_result res = exchange(PDC_OP_LOAD, "load", o.timeout_s, [&](uint32_t token) {
-            return pdc_request_load_frame(o.config_type, id, uint32_t(data.size()), data.data() + sent, frame,
-                                          token);
+        mbn_result res = exchange(PDC_OP_LOAD, "load", o, in, [&](uint32_t token) {
+            return pdc_request_load_frame(o.config_type, in.load_id, uint32_t(data.size()), data.data() + sent,
+                                          frame, token);
         });
         if (res.exit_code) return res;
         sent += frame;
@@ -159,53 +166,46 @@ mbn_result load(const mbn_options &o, mbn_report *r)
 
 }  // namespace
 
-mbn_result mbn_result_of(int8_t result, uint16_t qmi_error, const char *what)
+mbn_result mbn_prepare(const mbn_options &o, mbn_input *in)
 {
-    std::string w = what;
-    switch (result) {
-    case PDC_RESULT_SUCCESS:
-        return {};
-    case PDC_RESULT_NO_MEMORY:
-        return fail(k_mbn_exit_no_memory, w + ": no memory (the modem has no room for the configuration)");
-    case PDC_RESULT_CONFIG_EXISTS:
-        return fail(k_mbn_exit_config_exists, w + ": config exists (a configuration with this id is stored)");
-    case PDC_RESULT_FRAME_RESET:
-        return fail(k_mbn_exit_frame_reset, w + ": frame reset (the modem dropped the partial transfer)");
-    case PDC_RESULT_NO_MBN:
-        return fail(k_mbn_exit_no_mbn, w + ": no MBN (no configuration of this type is stored)");
-    default:
-        if (qmi_error) return fail(k_mbn_exit_failure, w + ": failed (QMI error " + std::to_string(qmi_error) + ")");
-        return fail(k_mbn_exit_failure, w + ": failed (result " + std::to_string(result) + ")");
+    if (o.command != MBN_CMD_LOAD) return {};
+    in->load_id = o.id;
+    if (!o.id_given) {
+        size_t slash = o.file.rfind('/');
+        if (!mbn_parse_id(slash == std::string::npos ? o.file : o.file.substr(slash + 1), &in->load_id)) {
+            return fail(k_mbn_exit_usage, "load: the file name makes no id; give one with --id");
+        }
     }
+    return read_file(o.file, &in->data);
 }
 
-mbn_result mbn_run(const mbn_options &o, mbn_report *r)
+mbn_result mbn_run(const mbn_options &o, const mbn_input &in, mbn_report *r)
 {
     switch (o.command) {
     case MBN_CMD_LIST:
-        return list(o, r);
+        return list(o, in, r);
     case MBN_CMD_INFO:
-        return info(o, r);
+        return info(o, in, r);
     case MBN_CMD_SELECTED:
-        return get_selected(o, r);
+        return get_selected(o, in, "selected", r);
     case MBN_CMD_LOAD:
-        return load(o, r);
+        return load(o, in, r);
     case MBN_CMD_SELECT:
         r->id = format_id(o.id);
-        return exchange(PDC_OP_SELECT, "select", o.timeout_s, [&o](uint32_t token) {
+        return exchange(PDC_OP_SELECT, "select", o, in, [&o](uint32_t token) {
             return pdc_request_select(o.config_type, o.id, o.sub, token);
         });
     case MBN_CMD_ACTIVATE:
-        return exchange(PDC_OP_ACTIVATE, "activate", o.timeout_s, [&o](uint32_t token) {
+        return exchange(PDC_OP_ACTIVATE, "activate", o, in, [&o](uint32_t token) {
             return pdc_request_activate(o.config_type, o.sub, token);
         });
     case MBN_CMD_DEACTIVATE:
-        return exchange(PDC_OP_DEACTIVATE, "deactivate", o.timeout_s, [&o](uint32_t token) {
+        return exchange(PDC_OP_DEACTIVATE, "deactivate", o, in, [&o](uint32_t token) {
             return pdc_request_deactivate(o.config_type, o.sub, token);
         });
     case MBN_CMD_DELETE:
         r->id = format_id(o.id);
-        return exchange(PDC_OP_DELETE, "delete", o.timeout_s, [&o](uint32_t token) {
+        return exchange(PDC_OP_DELETE, "delete", o, in, [&o](uint32_t token) {
             return pdc_request_delete(o.config_type, o.id, token);
         });
     default:

@@ -17,12 +17,16 @@ const char k_mbn_usage[] =
     "options:\n"
     "  --type hw|sw          hardware (platform) or software (carrier) configurations; sw by default\n"
     "  --sub N               subscription 0 or 1 (list, selected, select, activate, deactivate); 0 by default\n"
-    "  --timeout SECONDS     longest wait for each operation's outcome (default 60)\n"
-    "  --json                results as JSON\n"
+    "  --timeout SECONDS     longest time the whole run takes: opening the PDC client and\n"
+    "                        every wait for the modem (default 60)\n"
+    "  --json                results as JSON; a failure as {\"error\":TEXT,\"exit_status\":N}\n"
     "  --help                this text\n"
+    "Options take their value as --name VALUE or --name=VALUE.\n"
     "IDs that are not printable are written hex:<bytes in hexadecimal>.\n"
+    "RLK_QMI_DEVICE names a QMI device (such as /dev/cdc-wdm0) to use instead of the simulator.\n"
     "Exit status: 0 success, 1 failure, 2 usage, 3 time-out, 4 no memory, 5 config exists,\n"
-    "6 frame reset, 7 no MBN, 8 PDC service unavailable, 128+N stopped by signal N.\n";
+    "6 frame reset, 7 no MBN, 8 QMI device cannot be opened, 9 PDC service restarted\n"
+    "during a wait, 128+N stopped by signal N (SIGINT, SIGTERM; the client is released).\n";
 
 namespace {
 
@@ -139,27 +143,42 @@ std::string mbn_format_id(const uint8_t *bytes, uint32_t len)
 bool mbn_parse_options(int argc, char **argv, mbn_options *o, std::string *error)
 {
     std::vector<std::string> words;
+    /* Known before any word is refused, so that a usage error is also
+     * reported as JSON. */
+    for (int i = 1; i < argc; i++) o->json = o->json || !strcmp(argv[i], "--json");
     for (int i = 1; i < argc; i++) {
         std::string a = argv[i];
         if (a == "--help" || a == "-h") {
             o->command = MBN_CMD_HELP;
             return true;
         }
-        if (a == "--json") {
-            o->json = true;
-        } else if (a.compare(0, 2, "--") == 0) {
-            const char *value = nullptr;
-            if (takes_value(a)) {
-                if (i + 1 >= argc) {
-                    *error = a + " needs a value";
-                    return false;
-                }
-                value = argv[++i];
-            }
-            if (!parse_option(a, value, o, error)) return false;
-        } else {
+        if (a.compare(0, 2, "--") != 0) {
             words.push_back(a);
+            continue;
         }
+        /* "--name value" or "--name=value". */
+        size_t eq = a.find('=');
+        std::string name = a.substr(0, eq);
+        std::string inline_value = eq == std::string::npos ? "" : a.substr(eq + 1);
+        if (name == "--json" || name == "--help") {
+            if (eq != std::string::npos) {
+                *error = name + " takes no value";
+                return false;
+            }
+            continue;
+        }
+        const char *value = nullptr;
+        if (takes_value(name)) {
+            if (eq != std::string::npos) {
+                value = inline_value.c_str();
+            } else if (i + 1 < argc) {
+                value = argv[++i];
+            } else {
+                *error = name + " needs a value";
+                return false;
+            }
+        }
+        if (!parse_option(name, value, o, error)) return false;
     }
     if (words.empty()) {
         *error = "no command";

@@ -28,7 +28,8 @@ std::string list_text(const mbn_options &o, const mbn_report &r)
     return out;
 }
 
-std::string list_json(const mbn_options &o, const mbn_report &r)
+/* The list object; `more` adds members (a failure's) before its end. */
+std::string list_json(const mbn_options &o, const mbn_report &r, const std::string &more = "")
 {
     std::string out = "{\"type\":\"" + std::string(type_name(o.config_type)) + "\",\"sub\":" + std::to_string(o.sub) +
                       ",\"count\":" + std::to_string(r.ids.size()) + ",\"configs\":[";
@@ -37,7 +38,13 @@ std::string list_json(const mbn_options &o, const mbn_report &r)
         out += "{\"id\":" + mbn_json_string(r.ids[i]) + ",\"active\":" + (r.ids[i] == r.active ? "true" : "false") +
                ",\"pending\":" + (r.ids[i] == r.pending ? "true" : "false") + "}";
     }
-    return out + "]}\n";
+    return out + "]" + more + "}\n";
+}
+
+/* The members of a failure in its JSON object. */
+std::string failure_members(const mbn_result &res)
+{
+    return "\"error\":" + mbn_json_string(res.error) + ",\"exit_status\":" + std::to_string(res.exit_code);
 }
 
 std::string info_text(const mbn_report &r)
@@ -74,6 +81,14 @@ std::string mbn_json_string(const std::string &s)
         }
     }
     return out + "\"";
+}
+
+std::string mbn_format_failure(const mbn_options &o, const mbn_report &r, const mbn_result &res)
+{
+    if (o.command == MBN_CMD_LIST && r.listed) {
+        return o.json ? list_json(o, r, "," + failure_members(res)) : list_text(o, r);
+    }
+    return o.json ? "{" + failure_members(res) + "}\n" : "";
 }
 
 std::string mbn_format_report(const mbn_options &o, const mbn_report &r)

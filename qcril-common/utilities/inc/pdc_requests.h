@@ -6,16 +6,23 @@
 
 #include <stdint.h>
 
+#include <chrono>
+
 #include "pdc_utils.h"
 
-/* How long a request waits for its immediate response. */
+/* How long a request waits for its immediate response when no deadline
+ * is set. */
 #define PDC_RESPONSE_TIMEOUT_MS 5000
+
+/* pdc_send_request() was ended by pdc_cancel_waits(). */
+#define PDC_SEND_CANCELLED (-1000)
 
 /* What pdc_wait_outcome() ended with. */
 enum pdc_wait_status {
     PDC_WAIT_DONE = 0,      /* the indication arrived; the slot's result says how it went */
     PDC_WAIT_TIMEOUT = 1,   /* no indication in time */
     PDC_WAIT_CANCELLED = 2, /* pdc_cancel_waits() was called */
+    PDC_WAIT_LOST = 3,      /* the installed client's connection ended (the service restarted) */
 };
 
 /* A configuration id as the requests take it. */
@@ -26,8 +33,15 @@ struct pdc_config_id {
 
 /* Sends one request over the open client and checks its response:
  * 0 when the modem took it, a positive QMI error when the response
- * refused it, a negative QMI transport error when it went nowhere. */
+ * refused it, a negative QMI transport error when it went nowhere
+ * (QMI_TIMEOUT_ERR: no response by the deadline; QMI_SERVICE_ERR: the
+ * connection ended first), PDC_SEND_CANCELLED after pdc_cancel_waits(). */
 int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len);
+
+/* The point after which no request waits for its response (every thread's
+ * requests, the list's next pages included).  time_point::max() (the
+ * start value) gives each request PDC_RESPONSE_TIMEOUT_MS instead. */
+void pdc_set_deadline(std::chrono::steady_clock::time_point deadline);
 
 /* Marks the slot of `op` in progress with nothing arrived yet. */
 void pdc_begin(pdc_op op);

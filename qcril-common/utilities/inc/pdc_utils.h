@@ -121,6 +121,11 @@ struct pdc_global_info {
     pdc_slots slots;
     /* Set by pdc_cancel_waits(): every waiter returns at once. */
     bool cancelled;
+    /* Set when the connection of a client opened with pdc_install_client()
+     * ended (the service restarted or went away): every waiter returns. */
+    bool service_lost;
+    /* Where requests wait for their immediate response (pdc_requests.h). */
+    std::condition_variable_any response_cond;
     qmi_client_type client_handle;
 };
 
@@ -144,6 +149,16 @@ void qmi_pdc_init_pdc_info();
 int pdc_init();
 /* Releases the client when one is open; the handle is cleared always. */
 void pdc_clean();
+
+/* For programs that open the client on their own terms (a deadline, a
+ * signal that ends the run): one attempt, waiting at most `timeout_ms` for
+ * the service, logged as pdc_init's attempts are (`attempt` numbers it).
+ * Returns 0 with the new client in `*handle`, which is not yet the PDC
+ * client, or the QMI error. */
+int pdc_open_attempt(unsigned int timeout_ms, int attempt, qmi_client_type *handle);
+/* Makes `handle` (from pdc_open_attempt) the PDC client and follows its
+ * connection: when it ends, every wait ends with PDC_WAIT_LOST. */
+void pdc_install_client(qmi_client_type handle);
 
 /* The indication callback given to the QMI client library. */
 void qmi_pdc_unsol_ind_cb(qmi_client_type client, unsigned int msg_id, void *ind_buf, unsigned int ind_buf_len,
@@ -179,7 +194,8 @@ typedef void (*pdc_retry_sleep_fn)(unsigned int seconds);
 void pdc_set_retry_sleep(pdc_retry_sleep_fn fn);
 
 /* Wakes every waiter, which then returns PDC_WAIT_CANCELLED; used when
- * the process is asked to stop.  pdc_reset_cancel() clears it. */
+ * the process is asked to stop.  pdc_reset_cancel() clears it, and the
+ * mark of a lost service. */
 void pdc_cancel_waits();
 void pdc_reset_cancel();
 

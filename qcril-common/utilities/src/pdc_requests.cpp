@@ -16,6 +16,48 @@ typedef std::unique_lock<qtimutex::QtiSharedMutex> pdc_lock;
 
 std::atomic<uint32_t> g_next_token{1};
 
+typedef std::chrono::steady_clock steady;
+std::atomic<steady::rep> g_deadline{steady::time_point::max().time_since_epoch().count()};
+
+/* One request's response, shared by the sender and the QMI library's
+ * callback: whichever lets go of it last frees it, so a sender that stops
+ * waiting (deadline, signal) leaves nothing for a late response to write
+ * into. */
+struct response_wait {
+    std::atomic<int> owners{2};
+    bool done = false; /* under the PDC mutex */
+    int transport_error = QMI_NO_ERR;
+    pdc_load_config_resp_msg_v01 resp = {};
+};
+
+void let_go(response_wait *w)
+{
+    if (--w->owners == 0) delete w;
+}
+
+/* On the QMI library's callback thread: the response (decoded into
+ * w->resp) or the transport error that ended the transaction. */
+void on_response(qmi_client_type, unsigned int, void *, unsigned int, void *data, qmi_client_error_type error)
+{
+    response_wait *w = static_cast<response_wait *>(data);
+    {
+        pdc_lock lock(g_pdc_info.pdc_mutex);
+        w->done = true;
+        w->transport_error = error;
+    }
+    g_pdc_info.response_cond.notify_all();
+    let_go(w);
+}
+
+steady::time_point response_deadline()
+{
+    steady::time_point set{steady::duration(g_deadline.load())};
+    if (set != steady::time_point::max()) return set;
+    return steady::now() + std::chrono::milliseconds(PDC_RESPONSE_TIMEOUT_MS);
+}
+
+bool interrupted_locked() { return g_pdc_info.cancelled || g_pdc_info.service_lost; }
+
 void set_id(uint32_t *len, uint8_t *dst, const pdc_config_id &id)
 {
     *len = id.len <= PDC_CONFIG_ID_SIZE_MAX_V01 ? id.len : PDC_CONFIG_ID_SIZE_MAX_V01;
@@ -46,6 +88,11 @@ uint32_t pdc_next_token()
     return token ? token : g_next_token++; /* 0 means "no token" */
 }
 
+void pdc_set_deadline(std::chrono::steady_clock::time_point deadline)
+{
+    g_deadline = deadline.time_since_epoch().count();
+}
+
 int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len)
 {
     qmi_client_type handle;
@@ -54,15 +101,44 @@ int pdc_send_request(unsigned int msg_id, void *req, unsigned int req_len)
         handle = g_pdc_info.client_handle;
     }
     if (!handle) return QMI_CLIENT_INVALID_CLNT;
-    pdc_load_config_resp_msg_v01 resp;
-    memset(&resp, 0, sizeof(resp));
     /* Every response is the result TLV (the load response may add the
      * frame reset flag), so the larger structure takes any of them. */
     unsigned int resp_len = msg_id == QMI_PDC_LOAD_CONFIG_REQ_V01 ? sizeof(pdc_load_config_resp_msg_v01)
                                                                    : sizeof(pdc_generic_resp_msg_v01);
-    int rc = qmi_client_send_msg_sync(handle, msg_id, req, req_len, &resp, resp_len, PDC_RESPONSE_TIMEOUT_MS);
+    steady::time_point deadline = response_deadline();
+    response_wait *w = new response_wait();
+    qmi_txn_handle txn = nullptr;
+    int rc = qmi_client_send_msg_async(handle, msg_id, req, req_len, &w->resp, resp_len, on_response, w, &txn);
+    if (rc != QMI_NO_ERR) {
+        delete w; /* not sent: no callback comes */
+        return rc < 0 ? rc : -rc;
+    }
+    bool done;
+    {
+        pdc_lock lock(g_pdc_info.pdc_mutex);
+        g_pdc_info.response_cond.wait_until(lock, deadline, [w] { return w->done || interrupted_locked(); });
+        done = w->done;
+        if (done) {
+            rc = w->transport_error;
+        } else {
+            rc = g_pdc_info.cancelled      ? PDC_SEND_CANCELLED
+                 : g_pdc_info.service_lost ? QMI_SERVICE_ERR
+                                           : QMI_TIMEOUT_ERR;
+        }
+    }
+    if (!done) {
+        /* Withdrawn: its callback never runs and its share is ours to drop.
+         * Otherwise the response is on its way to the callback, which
+         * drops it. */
+        if (qmi_client_delete_async_txn(handle, txn) == QMI_NO_ERR) let_go(w);
+        let_go(w);
+        return rc;
+    }
+    /* The callback wrote the response before it set done under the mutex. */
+    qmi_response_type_v01 result = w->resp.resp;
+    let_go(w);
     if (rc != QMI_NO_ERR) return rc < 0 ? rc : -rc;
-    if (resp.resp.result != QMI_RESULT_SUCCESS_V01) return resp.resp.error ? resp.resp.error : PDC_QMI_ERR_INTERNAL;
+    if (result.result != QMI_RESULT_SUCCESS_V01) return result.error ? result.error : PDC_QMI_ERR_INTERNAL;
     return 0;
 }
 
@@ -85,18 +161,19 @@ pdc_wait_status pdc_wait_outcome(pdc_op op, unsigned int timeout_ms, uint32_t to
     *v.waiting = 1;
     for (;;) {
         bool woken = g_pdc_info.cond[op].wait_until(lock, deadline, [&v] {
-            return *v.done || g_pdc_info.cancelled;
+            return *v.done || interrupted_locked();
         });
         /* An indication that answered another request (its token is not
          * ours) does not end the wait. */
-        if (!woken || g_pdc_info.cancelled || !token || !*v.ind_token || *v.ind_token == token) break;
+        if (!woken || interrupted_locked() || !token || !*v.ind_token || *v.ind_token == token) break;
         *v.done = 0;
         *v.ind_token = 0;
     }
     *v.waiting = 0;
     end_locked(op);
     if (*v.done) return PDC_WAIT_DONE;
-    return g_pdc_info.cancelled ? PDC_WAIT_CANCELLED : PDC_WAIT_TIMEOUT;
+    if (g_pdc_info.cancelled) return PDC_WAIT_CANCELLED;
+    return g_pdc_info.service_lost ? PDC_WAIT_LOST : PDC_WAIT_TIMEOUT;
 }
 
 int pdc_request_list(uint32_t config_type, uint32_t token)

@@ -13,7 +13,7 @@
 
 pdc_global_info g_pdc_info;
 
-pdc_global_info::pdc_global_info() : slots(), cancelled(false), client_handle(nullptr) {}
+pdc_global_info::pdc_global_info() : slots(), cancelled(false), service_lost(false), client_handle(nullptr) {}
 
 namespace {
 
@@ -52,6 +52,25 @@ void set_handle(qmi_client_type handle)
 {
     std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
     g_pdc_info.client_handle = handle;
+}
+
+/* Every waiter: the outcome slots and the response waits. */
+void wake_all_waiters()
+{
+    for (auto &c : g_pdc_info.cond) c.notify_all();
+    g_pdc_info.response_cond.notify_all();
+}
+
+/* The connection of the installed client ended (on the QMI library's
+ * callback thread). */
+void on_client_error(qmi_client_type, qmi_client_error_type error, void *)
+{
+    PDC_LOGE("PDC service connection lost, code = %d", error);
+    {
+        std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+        g_pdc_info.service_lost = true;
+    }
+    wake_all_waiters();
 }
 
 }  // namespace
@@ -97,23 +116,44 @@ void pdc_set_retry_sleep(pdc_retry_sleep_fn fn) { g_retry_sleep = fn ? fn : defa
 int pdc_init()
 {
     qmi_pdc_init_pdc_info();
-    qmi_idl_service_object_type svc = pdc_get_service_object_v01();
-    qmi_client_os_params os_params;
-    memset(&os_params, 0, sizeof(os_params));
     for (int attempt = 0; attempt < PDC_INIT_ATTEMPTS; attempt++) {
         qmi_client_type handle = nullptr;
-        int rc = qmi_client_init_instance(svc, PDC_INIT_INSTANCE, qmi_pdc_unsol_ind_cb, nullptr, &os_params,
-                                          PDC_INIT_TIMEOUT_MS, &handle);
-        if (rc == QMI_NO_ERR) {
+        if (pdc_open_attempt(PDC_INIT_TIMEOUT_MS, attempt, &handle) == 0) {
             set_handle(handle);
-            PDC_LOGI("qmi_client_init succeeds for PDC");
             return 0;
         }
-        PDC_LOGE("qmi_client_init returned failure (%d) for PDC, retry times %d", rc, attempt);
         g_retry_sleep(PDC_INIT_RETRY_SECONDS);
     }
     set_handle(nullptr);
     return -1;
+}
+
+int pdc_open_attempt(unsigned int timeout_ms, int attempt, qmi_client_type *handle)
+{
+    qmi_client_os_params os_params;
+    memset(&os_params, 0, sizeof(os_params));
+    *handle = nullptr;
+    int rc = qmi_client_init_instance(pdc_get_service_object_v01(), PDC_INIT_INSTANCE, qmi_pdc_unsol_ind_cb, nullptr,
+                                      &os_params, timeout_ms, handle);
+    if (rc == QMI_NO_ERR) {
+        PDC_LOGI("qmi_client_init succeeds for PDC");
+        return 0;
+    }
+    *handle = nullptr;
+    PDC_LOGE("qmi_client_init returned failure (%d) for PDC, retry times %d", rc, attempt);
+    return rc;
+}
+
+void pdc_install_client(qmi_client_type handle)
+{
+    {
+        std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+        g_pdc_info.service_lost = false;
+        g_pdc_info.client_handle = handle;
+    }
+    /* A connection that ended already is reported at once, through the
+     * callback. */
+    qmi_client_register_error_cb(handle, on_client_error, nullptr);
 }
 
 void pdc_clean()
@@ -165,11 +205,12 @@ void pdc_cancel_waits()
         std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
         g_pdc_info.cancelled = true;
     }
-    for (auto &c : g_pdc_info.cond) c.notify_all();
+    wake_all_waiters();
 }
 
 void pdc_reset_cancel()
 {
     std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
     g_pdc_info.cancelled = false;
+    g_pdc_info.service_lost = false;
 }

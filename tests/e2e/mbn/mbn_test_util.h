@@ -41,7 +41,8 @@ inline int mbn_seq()
     return ++n;
 }
 
-inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &args)
+inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &args,
+                       const std::vector<std::string> &extra_env = {})
 {
     std::string logcat = sim.dir() + "/mbn" + std::to_string(mbn_seq()) + "-logcat.log";
     std::vector<std::string> argv = {RLK_MBN_BINARY};
@@ -49,6 +50,7 @@ inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &
     std::vector<std::string> env = sim.env();
     env.push_back("RLK_LOGCAT_FILE=" + logcat);
     env.push_back("RLK_SYSLOG_FILE=" + sim.dir() + "/mbn-syslog.log");
+    env.insert(env.end(), extra_env.begin(), extra_env.end());
     run_result r = run_process(argv, env);
     mbn_run m;
     m.exit_code = WIFEXITED(r.status) ? WEXITSTATUS(r.status) : -1;
@@ -61,13 +63,15 @@ inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &
 /* rlk-mbn running in the background. */
 class mbn_background {
 public:
-    mbn_background(const sim_instance &sim, const std::vector<std::string> &args)
+    mbn_background(const sim_instance &sim, const std::vector<std::string> &args,
+                   const std::vector<std::string> &extra_env = {})
     {
         int n = mbn_seq();
         logcat_ = sim.dir() + "/bg" + std::to_string(n) + "-logcat.log";
         err_ = sim.dir() + "/bg" + std::to_string(n) + "-stderr.txt";
         std::vector<std::string> env = sim.env();
         env.push_back("RLK_LOGCAT_FILE=" + logcat_);
+        env.insert(env.end(), extra_env.begin(), extra_env.end());
         std::vector<std::string> argv = {RLK_MBN_BINARY};
         argv.insert(argv.end(), args.begin(), args.end());
         pid_ = fork();
@@ -118,6 +122,36 @@ private:
     pid_t pid_ = -1;
     std::string logcat_, err_;
 };
+
+/* A pseudo-terminal nobody answers on: a QMI device that stopped
+ * responding (RLK_QMI_DEVICE=path()). */
+class dead_device {
+public:
+    dead_device()
+    {
+        master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0) path_ = ptsname(master_);
+    }
+    ~dead_device()
+    {
+        if (master_ >= 0) close(master_);
+    }
+    const std::string &path() const { return path_; }
+
+private:
+    int master_ = -1;
+    std::string path_;
+};
+
+/* For a run that exits while an attempt to open its client is still
+ * blocked in the QMI library: a ThreadSanitizer build would otherwise
+ * sleep a second at exit (to catch races there) because that thread
+ * still runs. */
+inline std::string tsan_no_exit_sleep()
+{
+    const char *tsan = getenv("TSAN_OPTIONS");
+    return "TSAN_OPTIONS=" + std::string(tsan ? tsan : "") + " atexit_sleep_ms=0";
+}
 
 /* The simulator's journal of PDC requests ("<svc> <msg> <txn> <hex>" lines). */
 inline std::vector<std::string> pdc_journal(const sim_instance &sim, int n = 200)

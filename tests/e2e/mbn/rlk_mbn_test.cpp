@@ -1,8 +1,10 @@
 /* rlk-mbn end to end against a private simulator: paged lists, a load
  * followed by select and activate across the modem's restart, delete,
- * every PDC failure by name with its exit status, time-outs, a run stopped
- * by a signal while it waits, and an interrupted load that leaves nothing
- * behind. */
+ * every PDC failure by name with its exit status (and as JSON), what is
+ * checked before the modem is touched, a time-out that bounds the whole
+ * run, every wait (opening, response, indication) ended at once by a
+ * signal or a restart of the service, and an interrupted load that leaves
+ * nothing behind. */
 #include <signal.h>
 
 #include <algorithm>
@@ -72,6 +74,20 @@ TEST_F(RlkMbnTest, ListMarksTheActiveConfiguration)
     mbn_run r = run_mbn(sim, {"list", "--type", "hw", "--sub", "1"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     EXPECT_EQ(r.out, "2 hw configurations (sub 1)\n  mcfg_hw_ssss\n  mcfg_hw_dsds  [active]\n");
+
+    /* The selection query after the list fails: what was listed is still
+     * printed, unmarked, beside the error. */
+    sim.ctl_ok("error pdc 0x22 3 2");
+    const std::string err = "list (active and pending): refused by the modem: internal (QMI error 3)";
+    r = run_mbn(sim, {"list", "--type", "hw"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_EQ(r.out, "2 hw configurations (sub 0)\n  mcfg_hw_ssss\n  mcfg_hw_dsds\n");
+    EXPECT_EQ(r.err, "rlk-mbn: " + err + "\n");
+    r = run_mbn(sim, {"list", "--type", "hw", "--json"});
+    EXPECT_NE(r.out.find("{\"id\":\"mcfg_hw_dsds\",\"active\":false,\"pending\":false}],\"error\":\"" + err +
+                         "\",\"exit_status\":1}\n"),
+              std::string::npos)
+        << r.out;
 }
 
 TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
@@ -128,13 +144,13 @@ TEST_F(RlkMbnTest, DeleteAndDeactivate)
     EXPECT_EQ(sim.ctl_ok("pdc show").find("Commercial_TMO_VoLTE"), std::string::npos);
     mbn_run again = run_mbn(sim, {"delete", "Commercial_TMO_VoLTE"});
     EXPECT_EQ(again.exit_code, 1);
-    EXPECT_EQ(again.err, "rlk-mbn: delete: failed (QMI error 41)\n");
+    EXPECT_EQ(again.err, "rlk-mbn: delete: invalid id (QMI error 41)\n");
     mbn_run active = run_mbn(sim, {"delete", "ROW_Generic_3GPP"});
-    EXPECT_EQ(active.err, "rlk-mbn: delete: failed (QMI error 90)\n") << "the active configuration stays";
+    EXPECT_EQ(active.err, "rlk-mbn: delete: incompatible state (QMI error 90)\n") << "the active configuration stays";
 
     EXPECT_EQ(run_mbn(sim, {"deactivate"}).exit_code, 0);
     EXPECT_EQ(run_mbn(sim, {"selected"}).out, "active: none\npending: none\n");
-    EXPECT_EQ(run_mbn(sim, {"deactivate"}).err, "rlk-mbn: deactivate: failed (QMI error 16)\n");
+    EXPECT_EQ(run_mbn(sim, {"deactivate"}).err, "rlk-mbn: deactivate: not provisioned (QMI error 16)\n");
 }
 
 TEST_F(RlkMbnTest, EveryFailureByNameWithItsExitStatus)
@@ -164,26 +180,38 @@ TEST_F(RlkMbnTest, EveryFailureByNameWithItsExitStatus)
          "rlk-mbn: list: no MBN (no configuration of this type is stored)\n"},
         {"no indication", {"pdc fail 0x22 noind 1"}, {"selected", "--timeout", "1"}, 3,
          "rlk-mbn: selected: no answer from the modem within 1 s\n"},
-        {"refused request", {}, {"activate", "--type", "hw"}, 1, "rlk-mbn: activate: failed (QMI error 16)\n"},
+        {"refused request", {}, {"activate", "--type", "hw"}, 1, "rlk-mbn: activate: not provisioned (QMI error 16)\n"},
+        {"unnamed error", {"pdc fail 0x25 error 1234 1"}, {"delete", "Commercial_VZW_VoLTE"}, 1,
+         "rlk-mbn: delete: failed (QMI error 1234)\n"},
+        {"refused in the response", {"error pdc 0x23 48 1"}, {"select", "x"}, 1,
+         "rlk-mbn: select: refused by the modem: invalid argument (QMI error 48)\n"},
     };
-    for (const failure_case &c : cases) {
+    for (size_t i = 0; i < sizeof(cases) / sizeof(cases[0]); i++) {
+        const failure_case &c = cases[i];
         SCOPED_TRACE(c.name);
         sim.ctl_ok("pdc reset");
+        sim.ctl_ok("clear-faults");
         for (const std::string &s : c.setup) sim.ctl_ok(s);
-        mbn_run r = run_mbn(sim, c.args);
+        /* Every other case as JSON: the same message, and one object with
+         * it on standard output. */
+        std::vector<std::string> args = c.args;
+        if (i % 2) args.push_back("--json");
+        mbn_run r = run_mbn(sim, args);
         EXPECT_EQ(r.exit_code, c.exit_code);
         EXPECT_EQ(r.err, c.err);
-        EXPECT_EQ(r.out, "");
+        std::string text = c.err.substr(9, c.err.size() - 10);
+        EXPECT_EQ(r.out, i % 2 ? "{\"error\":\"" + text + "\",\"exit_status\":" + std::to_string(c.exit_code) + "}\n"
+                               : "");
         ASSERT_FALSE(r.logcat.empty());
         EXPECT_EQ(r.logcat.back(), "Release client connection to PDC") << "released on the failure path too";
     }
 }
 
-TEST_F(RlkMbnTest, UsageErrorsAndAnAbsentService)
+TEST_F(RlkMbnTest, UsageErrorsAndWhatIsCheckedBeforeTheModem)
 {
     const std::vector<std::string> bad[] = {
         {}, {"frobnicate"}, {"info"}, {"list", "extra"}, {"list", "--sub", "2"}, {"list", "--type", "xx"},
-        {"list", "--timeout", "0"}, {"delete", std::string(125, 'x')}, {"info", "hex:zz"},
+        {"list", "--timeout", "0"}, {"delete", std::string(125, 'x')}, {"info", "hex:zz"}, {"list", "--json=1"},
     };
     for (const auto &args : bad) {
         mbn_run r = run_mbn(sim, args);
@@ -192,13 +220,51 @@ TEST_F(RlkMbnTest, UsageErrorsAndAnAbsentService)
         EXPECT_TRUE(r.logcat.empty()) << "PDC untouched";
     }
     EXPECT_EQ(run_mbn(sim, {"--help"}).exit_code, 0);
+    EXPECT_EQ(run_mbn(sim, {"list", "--sub=2", "--json"}).out,
+              "{\"error\":\"--sub takes 0 or 1\",\"exit_status\":2}\n");
 
+    /* With the service down, anything that reached for the modem would
+     * wait: each of these is reported at once. */
     sim.ctl_ok("down pdc");
-    long long start = monotonic_ms();
-    mbn_run r = run_mbn(sim, {"list", "--timeout", "1"});
-    EXPECT_EQ(r.exit_code, 8);
-    EXPECT_EQ(r.err, "rlk-mbn: the PDC service is not available\n");
-    EXPECT_LT(monotonic_ms() - start, 4000) << "the retries stop at the time-out";
+    const std::string missing = sim.dir() + "/no-such-file.mbn";
+    const std::string no_device = sim.dir() + "/no-such-device";
+    struct early_case {
+        std::vector<std::string> args, env;
+        int exit_code;
+        std::string err;
+    };
+    const early_case early[] = {
+        {{"load", missing, "--timeout=5"}, {}, 1,
+         "rlk-mbn: load: cannot open " + missing + ": No such file or directory\n"},
+        {{"load", sim.dir(), "--id", "x", "--timeout", "5"}, {}, 1,
+         "rlk-mbn: load: cannot read " + sim.dir() + ": Is a directory\n"},
+        {{"list", "--timeout", "5"}, {"RLK_QMI_DEVICE=" + no_device}, 8,
+         "rlk-mbn: cannot open the QMI device " + no_device + " (RLK_QMI_DEVICE): No such file or directory\n"},
+    };
+    for (const early_case &c : early) {
+        SCOPED_TRACE(c.args[1]);
+        long long start = monotonic_ms();
+        mbn_run r = run_mbn(sim, c.args, c.env);
+        EXPECT_LT(monotonic_ms() - start, 2500) << "well before the time-out";
+        EXPECT_EQ(r.exit_code, c.exit_code);
+        EXPECT_EQ(r.err, c.err);
+        EXPECT_TRUE(r.logcat.empty()) << "PDC untouched";
+    }
+
+    /* No client by the deadline, with the service away or on a device
+     * that does not answer: the time-out bounds the opening. */
+    dead_device dead;
+    ASSERT_FALSE(dead.path().empty());
+    const std::vector<std::string> envs[] = {{tsan_no_exit_sleep()},
+                                             {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()}};
+    for (const std::vector<std::string> &env : envs) {
+        SCOPED_TRACE(env.size() > 1 ? "device" : "socket");
+        long long start = monotonic_ms();
+        mbn_run r = run_mbn(sim, {"list", "--timeout=1"}, env);
+        EXPECT_EQ(r.exit_code, 3);
+        EXPECT_EQ(r.err, "rlk-mbn: the PDC service did not answer within 1 s\n");
+        EXPECT_LT(monotonic_ms() - start, 2500);
+    }
 }
 
 TEST_F(RlkMbnTest, BinaryIdsRoundTripAsHex)
@@ -257,37 +323,91 @@ TEST_F(RlkMbnTest, InterruptedLoadLeavesNothingBehind)
         << "the stored configuration is the file, byte for byte";
 }
 
-/* SIGTERM (and SIGINT) while the run waits for an indication that never
- * comes: the run ends at once, releases its client, and the simulator has
- * no PDC client left. */
-TEST_F(RlkMbnTest, SignalWhileWaitingReleasesTheClient)
+/* The time-out bounds every wait for the modem, not a fixed one: a
+ * response later than the time-out ends the run at the time-out, one
+ * later than 5 s still arrives within a longer time-out. */
+TEST_F(RlkMbnTest, TheTimeOutBoundsEveryResponseWait)
 {
-    for (int sig : {SIGTERM, SIGINT}) {
-        SCOPED_TRACE(sig);
-        sim.ctl_ok("pdc fail 0x27 noind");
+    sim.ctl_ok("delay pdc 0x22 3000 1");
+    long long start = monotonic_ms();
+    mbn_run r = run_mbn(sim, {"selected", "--timeout", "1"});
+    EXPECT_EQ(r.exit_code, 3);
+    EXPECT_EQ(r.err, "rlk-mbn: selected: no answer from the modem within 1 s\n");
+    EXPECT_LT(monotonic_ms() - start, 2000);
+
+    sim.ctl_ok("delay pdc 0x22 5300 1");
+    r = run_mbn(sim, {"selected", "--timeout", "10"});
+    EXPECT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(r.out, "active: ROW_Generic_3GPP\npending: none\n");
+}
+
+/* SIGTERM and SIGINT while the run opens its client on a device that does
+ * not answer, waits for a response or for an indication, and a restart of
+ * the service during a wait: each ends the run at once, with its client
+ * released (the simulator has no PDC client left). */
+TEST_F(RlkMbnTest, EveryWaitEndsAtOnceBySignalOrServiceRestart)
+{
+    dead_device dead;
+    ASSERT_FALSE(dead.path().empty());
+    struct wait_case {
+        const char *name;
+        std::vector<std::string> setup, args, env;
+        const char *sent;       /* the request the run waits on, or null: wait for its first log line */
+        int sig;                /* or 0: restart the service */
+        int exit_code;
+        const char *err;
+    };
+    const wait_case cases[] = {
+        {"indication, SIGTERM", {"pdc fail 0x27 noind 1"}, {"activate"}, {}, "0x0027", SIGTERM, 128 + SIGTERM,
+         "rlk-mbn: interrupted\n"},
+        {"indication, SIGINT", {"pdc fail 0x27 noind 1"}, {"activate"}, {}, "0x0027", SIGINT, 128 + SIGINT,
+         "rlk-mbn: interrupted\n"},
+        {"response, SIGINT", {"delay pdc 0x22 60000 1"}, {"selected"}, {}, "0x0022", SIGINT, 128 + SIGINT,
+         "rlk-mbn: interrupted\n"},
+        {"indication, restart", {"pdc fail 0x22 noind 1"}, {"selected"}, {}, "0x0022", 0, 9,
+         "rlk-mbn: selected: the PDC service restarted before answering\n"},
+        {"opening, SIGINT", {}, {"list"}, {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()}, nullptr, SIGINT,
+         128 + SIGINT, "rlk-mbn: interrupted\n"},
+    };
+    for (const wait_case &c : cases) {
+        SCOPED_TRACE(c.name);
+        sim.ctl_ok("pdc reset");
+        sim.ctl_ok("clear-faults");
         sim.ctl_ok("pdc add sw pending_one");
         ASSERT_EQ(run_mbn(sim, {"select", "pending_one"}).exit_code, 0);
-        int before = count_msg(pdc_journal(sim), "0x0027");
-        mbn_background bg(sim, {"activate", "--timeout", "60"});
-        bool sent = false;
-        for (long long end = monotonic_ms() + 5000; !sent && monotonic_ms() < end; usleep(5000)) {
-            sent = count_msg(pdc_journal(sim), "0x0027") > before;
+        for (const std::string &s : c.setup) sim.ctl_ok(s);
+        int before = c.sent ? count_msg(pdc_journal(sim), c.sent) : 0;
+        std::vector<std::string> args = c.args;
+        args.insert(args.end(), {"--timeout", "30"});
+        mbn_background bg(sim, args, c.env);
+        bool waiting = false;
+        for (long long end = monotonic_ms() + 5000; !waiting && monotonic_ms() < end; usleep(5000)) {
+            waiting = c.sent ? count_msg(pdc_journal(sim), c.sent) > before : !bg.logcat().empty();
         }
-        ASSERT_TRUE(sent);
-        usleep(50000); /* well inside the wait */
+        ASSERT_TRUE(waiting);
+        usleep(100000); /* well inside the wait */
         long long start = monotonic_ms();
-        bg.signal(sig);
+        if (c.sig) {
+            bg.signal(c.sig);
+        } else {
+            sim.ctl_ok("ssr pdc 200");
+        }
         int status = bg.wait(5000);
-        EXPECT_LT(monotonic_ms() - start, 2000);
+        long long took = monotonic_ms() - start;
+        printf("[ measured ] %s: %lld ms to the exit\n", c.name, took);
+        EXPECT_LT(took, 1000);
         ASSERT_TRUE(WIFEXITED(status));
-        EXPECT_EQ(WEXITSTATUS(status), 128 + sig);
-        EXPECT_EQ(bg.err(), "rlk-mbn: interrupted\n");
-        ASSERT_FALSE(bg.logcat().empty());
-        EXPECT_EQ(bg.logcat().back(), "Release client connection to PDC");
-        /* No client is left to receive a configuration-change indication. */
-        EXPECT_EQ(sim.ctl("ind pdc 0x21 010600010000000161"), "error no client");
-        sim.ctl_ok("pdc clear-faults");
-        sim.ctl_ok("pdc reset");
+        EXPECT_EQ(WEXITSTATUS(status), c.exit_code);
+        EXPECT_EQ(bg.err(), c.err);
+        if (c.env.empty()) {
+            ASSERT_FALSE(bg.logcat().empty());
+            EXPECT_EQ(bg.logcat().back(), "Release client connection to PDC");
+        }
+        /* No client is left to receive a configuration-change indication
+         * (the restarted service had none to begin with). */
+        if (c.sig) {
+            EXPECT_EQ(sim.ctl("ind pdc 0x21 010600010000000161"), "error no client");
+        }
     }
 }
 

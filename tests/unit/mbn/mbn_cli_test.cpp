@@ -1,5 +1,5 @@
-/* rlk-mbn's command line, ids as users write them, and JSON output of
- * texts the modem chose (descriptions). */
+/* rlk-mbn's command line, ids as users write them, JSON output of texts
+ * the modem chose (descriptions), and the texts of failures. */
 #include <gtest/gtest.h>
 
 #include "mbn_options.h"
@@ -18,7 +18,7 @@ TEST(MbnOptions, OptionsMayComeAnywhere)
 {
     mbn_options o;
     std::string error;
-    ASSERT_TRUE(parse({"--sub", "1", "select", "abc", "--type", "hw", "--timeout", "5", "--json"}, &o, &error));
+    ASSERT_TRUE(parse({"--sub=1", "select", "abc", "--type", "hw", "--timeout=5", "--json"}, &o, &error));
     EXPECT_EQ(o.command, MBN_CMD_SELECT);
     EXPECT_EQ(o.sub, 1u);
     EXPECT_EQ(o.config_type, uint32_t(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01));
@@ -37,6 +37,8 @@ TEST(MbnOptions, WrongWordsAreRefusedWithAReason)
         {{"activate", "x"}, "activate takes no argument"},
         {{"load", "f", "--id", ""}, "--id takes an id of 1 to 124 bytes"},
         {{"list", "--frob"}, "unknown option --frob"},
+        {{"list", "--timeout="}, "--timeout takes 1 to 3600 seconds"},
+        {{"list", "--json=yes"}, "--json takes no value"},
     };
     for (const auto &c : cases) {
         mbn_options o;
@@ -69,6 +71,35 @@ TEST(MbnIds, HexFormRoundTripsAndTheLimitIsKept)
 TEST(MbnJson, DescriptionsAreEscaped)
 {
     EXPECT_EQ(mbn_json_string("a\"b\\c\n\x01\xc3"), "\"a\\\"b\\\\c\\u000a\\u0001\\u00c3\"");
+}
+
+TEST(MbnFailures, ModemErrorsByNameAndAsJson)
+{
+    const std::pair<mbn_result, std::string> texts[] = {
+        {mbn_result_of(PDC_RESULT_GENERAL_ERROR, 41, "delete"), "delete: invalid id (QMI error 41)"},
+        {mbn_result_of(PDC_RESULT_GENERAL_ERROR, 999, "delete"), "delete: failed (QMI error 999)"},
+        {mbn_send_failure(94, "activate"), "activate: refused by the modem: not supported (QMI error 94)"},
+        {mbn_send_failure(QMI_CLIENT_PARAM_ERR, "select"), "select: request not delivered (QMI client error -17)"},
+    };
+    for (const auto &t : texts) {
+        EXPECT_EQ(t.first.exit_code, k_mbn_exit_failure);
+        EXPECT_EQ(t.first.error, t.second);
+    }
+
+    mbn_options o;
+    o.command = MBN_CMD_LIST;
+    mbn_report r;
+    mbn_result res = {k_mbn_exit_timeout, "list: \"late\""};
+    EXPECT_EQ(mbn_format_failure(o, r, res), "") << "the message goes to standard error only";
+    o.json = true;
+    EXPECT_EQ(mbn_format_failure(o, r, res), "{\"error\":\"list: \\\"late\\\"\",\"exit_status\":3}\n");
+    r.listed = true;
+    r.ids = {"a"};
+    EXPECT_EQ(mbn_format_failure(o, r, res), "{\"type\":\"sw\",\"sub\":0,\"count\":1,\"configs\":[{\"id\":\"a\","
+                                             "\"active\":false,\"pending\":false}],\"error\":\"list: \\\"late\\\"\","
+                                             "\"exit_status\":3}\n");
+    o.json = false;
+    EXPECT_EQ(mbn_format_failure(o, r, res), "1 sw configuration (sub 0)\n  a\n");
 }
 
 }  // namespace
