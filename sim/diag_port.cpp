@@ -21,8 +21,9 @@ namespace {
 constexpr size_t k_read_chunk = 4096;
 /* Reads per wake-up, so that a flooding writer cannot hold the loop. */
 constexpr int k_reads_per_wakeup = 64;
-/* At most one second of cycles is made up after a late tick. */
 constexpr uint64_t k_milli = 1000;
+/* Room one stream cycle may need (its packets, escaped). */
+constexpr size_t k_cycle_bytes_max = 1024;
 
 uint64_t unix_now_ms()
 {
@@ -259,10 +260,10 @@ void diag_port::on_tick()
     last_tick_ms_ = now;
     uint64_t cycles = owed_milli_ / k_milli;
     owed_milli_ %= k_milli;
-    if (cycles > rate_) cycles = rate_;
+    if (cycles > rate_) cycles = rate_; /* at most one second is made up after a late tick */
     uint64_t unix_ms = unix_now_ms();
     for (uint64_t i = 0; i < cycles; i++) {
-        if (out_.size() - out_off_ > k_diag_port_stream_room) {
+        if (out_.size() - out_off_ + k_cycle_bytes_max > k_diag_port_stream_room) {
             n_.skipped_cycles += cycles - i;
             break;
         }
