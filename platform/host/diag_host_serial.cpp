@@ -42,7 +42,7 @@ namespace diag {
 namespace {
 
 constexpr const char k_device_env[] = "RLK_DIAG_DEVICE";
-constexpr int k_lock_wait_ms = 2000;
+constexpr int k_lock_wait_ms = 1000;
 constexpr int k_lock_poll_ms = 10;
 constexpr int k_write_timeout_ms = 2000;
 constexpr int k_drain_ms = 200;
@@ -282,6 +282,12 @@ bool serial_send(const std::shared_ptr<link> &l, uint32_t data_type, int32_t pro
     {
         std::lock_guard<std::mutex> w(ss().write_mu);
         sent = write_all(l->fd, frame);
+    }
+    if (!sent && (errno == EIO || errno == ENXIO || errno == ENODEV)) {
+        /* The port is gone: the session ends now, as a caller who saw this
+         * send fail expects, rather than when the reader notices. */
+        link_lost(l);
+        link_interrupt(*l);
     }
     if (!sent) {
         std::lock_guard<std::mutex> lk(ss().mu);
