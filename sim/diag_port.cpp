@@ -21,6 +21,7 @@ namespace {
 constexpr size_t k_read_chunk = 4096;
 /* Reads per wake-up, so that a flooding writer cannot hold the loop. */
 constexpr int k_reads_per_wakeup = 64;
+constexpr uint32_t k_port_events = EPOLLIN | EPOLLET;
 constexpr uint64_t k_milli = 1000;
 /* Room one stream cycle may need (its packets, escaped). */
 constexpr size_t k_cycle_bytes_max = 1024;
@@ -39,9 +40,8 @@ diag_port::diag_port(daemon &d, diag_port_server &server) : d_(d), server_(serve
 diag_port::~diag_port()
 {
     if (timer_) d_.loop().cancel_timer(timer_);
-    if (watch_timer_) d_.loop().cancel_timer(watch_timer_);
     if (master_ >= 0) {
-        if (reader_) d_.loop().remove_fd(master_);
+        d_.loop().remove_fd(master_);
         close(master_);
     }
     if (!link_.empty()) unlink(link_.c_str());
@@ -94,38 +94,16 @@ bool diag_port::open(const std::string &link, std::string *error)
     }
     link_ = link;
     d_.log("diag port %s (%s)", link.c_str(), name);
-    watch_for_reader();
+    d_.loop().add_fd(master_, [this](uint32_t events) { on_event(events); });
+    d_.loop().set_fd_events(master_, k_port_events);
     return true;
-}
-
-/* Without a reader the device hangs up, which epoll would report without
- * end: the port then checks for a reader on a timer instead. */
-void diag_port::watch_for_reader()
-{
-    watch_timer_ = d_.loop().add_timer(k_diag_port_tick_ms, [this] {
-        watch_timer_ = 0;
-        struct pollfd p = {master_, POLLIN, 0};
-        if (poll(&p, 1, 0) < 0 || (p.revents & POLLHUP)) {
-            /* Still none (bytes of a reader that came and went are stale). */
-            uint8_t junk[k_read_chunk];
-            while ((p.revents & POLLIN) && read(master_, junk, sizeof(junk)) > 0) {
-            }
-            watch_for_reader();
-            return;
-        }
-        reader_ = true;
-        generation_++;
-        n_.readers++;
-        decoder_.reset();
-        d_.loop().add_fd(master_, [this](uint32_t events) { on_event(events); });
-    });
 }
 
 void diag_port::reader_gone()
 {
     reader_ = false;
-    d_.loop().remove_fd(master_);
     want_write_ = false;
+    d_.loop().set_fd_events(master_, k_port_events);
     out_.clear();
     out_off_ = 0;
     state_.log_masks.clear();
@@ -133,7 +111,6 @@ void diag_port::reader_gone()
     decoder_.reset();
     update_stream();
     flush_device_buffers();
-    watch_for_reader();
 }
 
 /* Discards what the device holds for a reader (a reader that opens the
@@ -149,20 +126,34 @@ void diag_port::flush_device_buffers()
 
 void diag_port::on_event(uint32_t events)
 {
-    if (events & EPOLLOUT) flush();
-    if ((events & (EPOLLHUP | EPOLLERR)) && !(events & EPOLLIN)) {
-        reader_gone();
+    if (events & (EPOLLHUP | EPOLLERR)) {
+        /* The last reader closed the device (or the simulator's own brief
+         * open for flushing did: then there was no reader to lose). */
+        if (reader_) reader_gone();
         return;
     }
-    if (!(events & EPOLLIN)) return;
+    if (events & EPOLLOUT) flush();
+    if (events & EPOLLIN) read_some();
+}
+
+/* Reads what the device holds.  Its events are edge-triggered (a device
+ * without a reader reports a hang-up for as long as it lasts), so reading
+ * goes on until the device is empty, in turns of k_reads_per_wakeup reads
+ * so that a flooding writer cannot hold the loop. */
+void diag_port::read_some()
+{
     uint8_t buf[k_read_chunk];
-    for (int i = 0; i < k_reads_per_wakeup && reader_; i++) {
+    for (int i = 0; i < k_reads_per_wakeup; i++) {
         ssize_t n = read(master_, buf, sizeof(buf));
-        if (n < 0 && errno == EIO) {
-            reader_gone();
-            return;
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return; /* empty (EAGAIN), or no reader any more (EIO: its hang-up follows) */
+        if (!reader_) {
+            /* Bytes from the device: someone holds it open. */
+            reader_ = true;
+            generation_++;
+            n_.readers++;
+            decoder_.reset();
         }
-        if (n <= 0) break;
         decoder_.feed(
             buf, size_t(n),
             [](void *ctx, hdlc_status status, const uint8_t *payload, size_t len) {
@@ -170,6 +161,7 @@ void diag_port::on_event(uint32_t events)
             },
             this);
     }
+    d_.loop().add_timer(0, [this] { read_some(); });
 }
 
 void diag_port::on_frame(hdlc_status status, const uint8_t *payload, size_t len)
@@ -230,7 +222,7 @@ void diag_port::flush()
     bool want = reader_ && !out_.empty();
     if (want != want_write_) {
         want_write_ = want;
-        d_.loop().set_fd_events(master_, want ? EPOLLIN | EPOLLOUT : EPOLLIN);
+        d_.loop().set_fd_events(master_, want ? k_port_events | EPOLLOUT : k_port_events);
     }
 }
 

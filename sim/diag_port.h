@@ -10,11 +10,12 @@
  * of diag_log_stream.h (and event 1606 while event reporting is on) at
  * "diag rate" cycles a second, each cycle one packet per enabled code.
  *
- * The port's reader is whoever holds its device open.  The simulator does
- * not keep the device open itself: when the last reader closes it the
- * masks and event reporting are reset, what was not yet written is
- * discarded and the device's buffers are flushed, so the next reader starts
- * on a quiet port.  Output is bounded: a reader that stops reading loses
+ * The port's reader is whoever holds its device open; the port counts one
+ * from its first bytes.  The simulator does not keep the device open
+ * itself: when the last reader closes it (the device hangs up) the masks
+ * and event reporting are reset, what was not yet written is discarded and
+ * the device's buffers are flushed, so the next reader starts on a quiet
+ * port.  Output is bounded: a reader that stops reading loses
  * stream packets (and, past k_diag_port_out_max, answers), never stalls
  * the simulator or its socket clients. */
 #ifndef MODEMD_DIAG_PORT_H
@@ -44,7 +45,7 @@ constexpr uint32_t k_diag_port_default_rate = 10;   /* stream cycles a second */
 constexpr uint32_t k_diag_port_max_rate = 100000;
 constexpr size_t k_diag_port_out_max = 1u << 20;     /* answers dropped past this */
 constexpr size_t k_diag_port_stream_room = 64u << 10; /* stream cycles skipped past this */
-constexpr uint32_t k_diag_port_tick_ms = 10;          /* stream tick; reader check while none */
+constexpr uint32_t k_diag_port_tick_ms = 10;          /* stream tick */
 constexpr uint32_t k_diag_port_events_every = 10;     /* an event packet every n cycles */
 
 class diag_port {
@@ -69,7 +70,7 @@ private:
     void on_event(uint32_t events);
     void on_frame(hdlc_status status, const uint8_t *payload, size_t len);
     void reader_gone();
-    void watch_for_reader();
+    void read_some();
     void send_payload(const std::vector<uint8_t> &payload, bool stream);
     void flush();
     void update_stream();
@@ -89,7 +90,6 @@ private:
     size_t out_off_ = 0;
     bool want_write_ = false;
     event_loop::timer_id timer_ = 0;
-    event_loop::timer_id watch_timer_ = 0;
     bool ticking_ = false; /* in on_tick: the next tick keeps what is owed */
     uint32_t rate_ = k_diag_port_default_rate;
     uint64_t last_tick_ms_ = 0;
