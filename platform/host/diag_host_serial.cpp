@@ -140,6 +140,13 @@ void reader_main(std::shared_ptr<link> l)
             &sink);
     }
     {
+        /* The device is closed (and its lock released) with the last
+         * reference to the link: the port's state keeps none. */
+        std::lock_guard<std::mutex> lk(ss().mu);
+        if (ss().owner == l) ss().owner.reset();
+        ss().waiting.clear();
+    }
+    {
         std::lock_guard<std::mutex> lk(g().mu);
         l->done = true;
     }

@@ -127,6 +127,13 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
+        if (&c == &cases[3]) {
+            /* A session after another in one process: the port was let go. */
+            ASSERT_TRUE(Diag_LSM_DeInit());
+            ASSERT_TRUE(Diag_LSM_Init(nullptr));
+            diag_register_callback(on_answer, nullptr);
+            diag_switch_logging(CALLBACK_MODE, nullptr);
+        }
         bytes cmd = c.cmd;
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
         EXPECT_EQ(command(), c.cmd);
