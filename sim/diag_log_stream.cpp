@@ -42,6 +42,8 @@ constexpr size_t k_b97f_cell_len = 16;
 constexpr size_t k_b97f_beam_len = 44;
 constexpr uint8_t k_ssb_periodicity_code = 2; /* 20 ms */
 
+constexpr uint8_t k_b17f_version = 5;
+
 /* 0xB0C0 version 15: BCCH-BCH is PDU number 1. */
 constexpr uint8_t k_b0c0_version = 15;
 constexpr uint8_t k_rrc_release_major = 15;
@@ -140,14 +142,8 @@ bool body_b193(const vs_scene &scene, uint64_t now_ms, std::vector<uint8_t> *bod
     put_bits(&cell, 12, 1, 1);  /* is the serving cell */
     put_bits(&cell, 32, sfn_of(now_ms), 10);
     put_bits(&cell, 42, subframe_of(now_ms), 4);
-    /* Combined values: the strongest valid chain. */
-    float best_rsrp = -180.0f, best_rsrq = -30.0f, best_rssi = -110.0f;
-    for (int rx = 0; rx < k_vs_rx_count; rx++) {
-        if (!((l.rx_valid >> rx) & 1)) continue;
-        if (l.rsrp[rx] > best_rsrp) best_rsrp = l.rsrp[rx];
-        if (l.rsrq[rx] > best_rsrq) best_rsrq = l.rsrq[rx];
-        if (l.rssi[rx] > best_rssi) best_rssi = l.rssi[rx];
-    }
+    /* Combined values: those of Rx0, the cell's level as one number. */
+    float best_rsrp = l.rsrp[0], best_rsrq = l.rsrq[0], best_rssi = l.rssi[0];
     static const size_t rsrp_bit[k_vs_rx_count] = {138, 172, 204, 224};
     static const size_t rsrq_bit[k_vs_rx_count] = {288, 308, 330, 340};
     static const size_t rssi_bit[k_vs_rx_count] = {384, 395, 416, 427};
@@ -210,6 +206,29 @@ bool body_b97f(const vs_scene &scene, uint64_t now_ms, std::vector<uint8_t> *bod
     return true;
 }
 
+/* 0xB17F version 5: u8 version, u8 RRC release, 2 reserved, u32 EARFCN,
+ * u16 PCI (bits 0-8), 2 reserved, u32 measured RSRP (bits 0-11), u32
+ * average RSRP (bits 0-11), u32 RSRQ measured (bits 0-9) and average
+ * (20-29), u32 RSSI (bits 10-20), u32 cell selection levels, u32 search
+ * thresholds: 36 bytes. */
+bool body_b17f(const vs_scene &scene, uint64_t now_ms, std::vector<uint8_t> *body)
+{
+    lte_levels l;
+    if (!lte_levels_of(scene, now_ms, &l)) return false;
+    body->assign(36, 0);
+    (*body)[0] = k_b17f_version;
+    (*body)[1] = 1; /* release 9 */
+    put_le(body, 4, l.earfcn, 4);
+    put_le(body, 8, l.pci & 0x1FF, 2);
+    uint32_t rsrp = raw_of(l.rsrp[0], 180.0, 16.0, 12);
+    put_le(body, 12, rsrp, 4);
+    put_le(body, 16, rsrp, 4);
+    uint32_t rsrq = raw_of(l.rsrq[0], 30.0, 16.0, 10);
+    put_le(body, 20, rsrq | rsrq << 20, 4);
+    put_le(body, 24, raw_of(l.rssi[0], 110.0, 16.0, 11) << 10, 4);
+    return true;
+}
+
 bool body_b0c0(const vs_scene &scene, uint64_t now_ms, std::vector<uint8_t> *body)
 {
     lte_levels l;
@@ -238,7 +257,8 @@ bool body_b0c0(const vs_scene &scene, uint64_t now_ms, std::vector<uint8_t> *bod
 
 }  // namespace
 
-const uint16_t k_stream_log_codes[] = {k_log_lte_srv_meas, k_log_nr_ml1_search, k_log_lte_rrc_ota};
+const uint16_t k_stream_log_codes[] = {k_log_lte_srv_meas, k_log_lte_srv_eval, k_log_nr_ml1_search,
+                                       k_log_lte_rrc_ota};
 const size_t k_stream_log_code_count = sizeof(k_stream_log_codes) / sizeof(k_stream_log_codes[0]);
 
 uint64_t diag_timestamp_of(uint64_t unix_ms)
@@ -270,6 +290,8 @@ bool diag_stream_log_body(uint16_t code, const vs_scene &scene, uint64_t now_ms,
         return body_b97f(scene, now_ms, body);
     case k_log_lte_rrc_ota:
         return body_b0c0(scene, now_ms, body);
+    case k_log_lte_srv_eval:
+        return body_b17f(scene, now_ms, body);
     default:
         return false;
     }

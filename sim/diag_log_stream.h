@@ -7,6 +7,7 @@
  *
  *   0xB193 LTE ML1 serving cell measurement   packet version 1, sub-packet
  *                                             25 version 36, one cell
+ *   0xB17F LTE ML1 serving cell meas and eval version 5 (Rx0's levels)
  *   0xB97F NR5G ML1 searcher measurement      version 2.7, one carrier,
  *                                             one cell, one beam
  *   0xB0C0 LTE RRC OTA                        version 15, the serving cell's
@@ -27,6 +28,7 @@
 namespace modemd {
 
 constexpr uint16_t k_log_lte_srv_meas = 0xB193;
+constexpr uint16_t k_log_lte_srv_eval = 0xB17F;
 constexpr uint16_t k_log_nr_ml1_search = 0xB97F;
 constexpr uint16_t k_log_lte_rrc_ota = 0xB0C0;
 constexpr uint16_t k_event_lte_rrc_state = 1606;

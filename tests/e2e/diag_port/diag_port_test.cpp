@@ -200,7 +200,8 @@ TEST_F(DiagPortTest, CommandsAreAnsweredWhileLogsAndEventsFlow)
 
 TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
 {
-    for (const char *set : {"lte.0.earfcn 1300", "lte.0.pci 77", "lte.0.rsrp1 -97.25", "lte.0.rsrq0 -12.5",
+    for (const char *set : {"lte.0.earfcn 1300", "lte.0.pci 77", "lte.0.rsrp0 -93.75", "lte.0.rsrp1 -97.25",
+                            "lte.0.rsrq0 -12.5",
                             "lte.0.rssi2 -70.75", "lte.0.snr3 11.5", "nr.0.rsrp0 -91.5", "nr.0.rsrq -13.25"}) {
         sim.ctl_ok(std::string("vs set 0 ") + set);
     }
@@ -222,7 +223,7 @@ TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
         EXPECT_GE(le(ranges, 12 + 0xB * 4, 4), 0x97Fu); /* equipment 0xB reaches 0xB97F */
         c.send({0x7D, 1});
         EXPECT_EQ(c.answer(0x7D).size(), 12u);
-        c.send(lte_mask({0xB193, 0xB97F, 0xB0C0}));
+        c.send(lte_mask({0xB193, 0xB17F, 0xB97F, 0xB0C0}));
         bytes set = c.answer(0x73);
         ASSERT_GT(set.size(), 20u);
         EXPECT_EQ(le(set, 4, 4), 3u);
@@ -232,7 +233,7 @@ TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
         replay_e2e::capture_scan scan = replay_e2e::scan_capture(c.read_for(400));
         EXPECT_EQ(scan.bad_frames, 0u);
         EXPECT_GE(scan.events[1606], 1u);
-        bool b193 = false, b97f = false, b0c0 = false;
+        bool b193 = false, b17f = false, b97f = false, b0c0 = false;
         for (const replay_e2e::scanned_log &l : scan.log_packets) {
             const bytes &p = l.payload;
             /* Timestamps: 1.25 ms units since 1980-01-06 in the upper 48 bits. */
@@ -251,8 +252,16 @@ TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
                 EXPECT_EQ(bits(p, cell + 36, 0, 10) / 16.0 - 30, -12.5);     /* RSRQ Rx0 */
                 EXPECT_EQ(bits(p, cell + 52, 0, 11) / 16.0 - 110, -70.75);   /* RSSI Rx2 */
                 EXPECT_NEAR(bits(p, cell + 84, 9, 9) * 0.1 - 20, 11.5, 1e-9); /* SNR Rx3 */
-                /* Combined RSRP: the strongest chain (Rx0, -88), 40 dB up. */
-                EXPECT_EQ(bits(p, cell + 28, 12, 12) / 16.0 - 140, -88.0);
+                /* Combined RSRP: Rx0's, on the scale 40 dB up. */
+                EXPECT_EQ(bits(p, cell + 28, 12, 12) / 16.0 - 140, -93.75);
+            } else if (l.code == 0xB17F && !b17f) {
+                b17f = true;
+                ASSERT_EQ(p.size(), 36u);
+                EXPECT_EQ(p[0], 5);
+                EXPECT_EQ(le(p, 4, 4), 1300u);
+                EXPECT_EQ(le(p, 8, 2) & 0x1FF, 77u);
+                EXPECT_EQ((le(p, 12, 4) & 0xFFF) / 16.0 - 180, -93.75); /* measured RSRP */
+                EXPECT_EQ((le(p, 20, 4) & 0x3FF) / 16.0 - 30, -12.5);   /* measured RSRQ */
             } else if (l.code == 0xB97F && !b97f) {
                 b97f = true;
                 ASSERT_EQ(p.size(), 16u + 32 + 16 + 44);
@@ -272,8 +281,8 @@ TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
                 EXPECT_EQ(uint32_t(((p[19] & 0x3) << 6) | (p[20] >> 2)), (le(p, 10, 2) >> 4) >> 2);
             }
         }
-        EXPECT_TRUE(b193 && b97f && b0c0) << scan.log_packets.size();
-        EXPECT_TRUE(has_text(sim.ctl_ok("diag port"), " events=on logs=0xB193,0xB97F,0xB0C0 "));
+        EXPECT_TRUE(b193 && b17f && b97f && b0c0) << scan.log_packets.size();
+        EXPECT_TRUE(has_text(sim.ctl_ok("diag port"), " events=on logs=0xB193,0xB17F,0xB97F,0xB0C0 "));
         c.send({0x73, 0, 0, 0, 0, 0, 0, 0}); /* disable */
         EXPECT_EQ(c.answer(0x73).size(), 12u);
     }
