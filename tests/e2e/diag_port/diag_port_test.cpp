@@ -327,6 +327,7 @@ TEST_F(DiagPortTest, APortThatVanishesEndsTheWaitByItsTimeOut)
 TEST_F(DiagPortTest, ReplayLiveDecodesTheSceneAndTurnsItsMasksOffOnCtrlC)
 {
     sim.ctl_ok("vs set 0 lte.0.rsrp0 -95.5");
+    sim.ctl_ok("diag rate 100");
     const struct {
         std::vector<std::string> args;
         const char *last; /* the last commands it sent, after the stop */
@@ -342,6 +343,9 @@ TEST_F(DiagPortTest, ReplayLiveDecodesTheSceneAndTurnsItsMasksOffOnCtrlC)
         ASSERT_GT(c.pid, 0);
         std::string out, err;
         EXPECT_TRUE(replay_e2e::read_until(c, "rsrp_rx0 = -95.50, rsrp_rx1 = -89.50", k_wait_ms, &out)) << out;
+        if (run.args.empty()) {
+            EXPECT_TRUE(replay_e2e::read_until(c, " UTC event 1606 ", k_wait_ms, &out)) << out;
+        }
         kill(c.pid, SIGINT);
         int status = replay_e2e::finish(&c, k_wait_ms, &out, &err);
         ASSERT_TRUE(WIFEXITED(status)) << status;
