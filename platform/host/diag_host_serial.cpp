@@ -140,9 +140,11 @@ void reader_main(std::shared_ptr<link> l)
             &sink);
     }
     {
-        /* The device is closed (and its lock released) with the last
-         * reference to the link: the port's state keeps none. */
+        /* The port is let go now (the device itself is closed with the
+         * last reference to the link, which the port's state drops): a
+         * session opened right after this one must not wait for the lock. */
         std::lock_guard<std::mutex> lk(ss().mu);
+        flock(l->fd, LOCK_UN);
         if (ss().owner == l) ss().owner.reset();
         ss().waiting.clear();
     }
