@@ -7,6 +7,7 @@
 #include <string>
 
 #include "replay_input.h"
+#include "replay_live_masks.h"
 #include "replay_options.h"
 #include "replay_session.h"
 
@@ -67,9 +68,15 @@ bool replay_one(replay_session *session, const std::string &path, bool progress,
         return false;
     }
     session->set_input(path);
+    replay_live_masks masks;
+    if (in.kind == REPLAY_INPUT_DEVICE && in.writable) {
+        replay_live_codes(session->options(), &masks);
+        replay_live_masks_enable(in.fd, &masks);
+    }
     chunk_context ctx = {session, &path, in.size, progress, in.kind != REPLAY_INPUT_FILE, 0, false};
     ctx.last_shown = now_ns();
     replay_read_result res = replay_read_input(in, &session->reader(), after_chunk, &ctx, &error);
+    replay_live_masks_disable(in.fd, &masks);
     session->reader().finish();
     replay_close_input(&in);
     if (ctx.shown) fprintf(stderr, "\r\033[K");

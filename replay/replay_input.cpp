@@ -43,7 +43,14 @@ bool replay_open_input(const std::string &path, replay_input *in, std::string *e
     if (path == "-") {
         in->fd = STDIN_FILENO;
     } else {
-        in->fd = open(path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
+        /* A character device is opened for writing too, to set its log
+         * masks; one that refuses is read all the same. */
+        struct stat pre;
+        if (stat(path.c_str(), &pre) == 0 && S_ISCHR(pre.st_mode)) {
+            in->fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+            in->writable = in->fd >= 0;
+        }
+        if (in->fd < 0) in->fd = open(path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
         if (in->fd < 0) {
             *error = errno_text("cannot open " + path);
             return false;

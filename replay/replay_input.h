@@ -39,6 +39,7 @@ struct replay_input {
     replay_input_kind kind = REPLAY_INPUT_FILE;
     uint64_t size = 0;           /* a regular file's size, else 0 */
     bool own_fd = false;         /* closed by replay_close_input */
+    bool writable = false;       /* a device opened for writing too (log masks) */
     bool restore_termios = false;
     struct termios saved_termios = {};
 };

@@ -72,6 +72,9 @@ private:
     void append_json(uint64_t number, const diag_packet &pkt);
 
     const replay_options &opts_;
+
+public:
+    const replay_options &options() const { return opts_; }
     diag_capture_reader reader_;
     replay_counts counts_;
     std::string input_;

@@ -134,6 +134,7 @@ bool daemon::start(std::string *error)
         qmux_ = std::make_unique<qmux_device>(*this);
         if (!qmux_->open(opts_.qmux_link, error)) return false;
     }
+    if (!opts_.diag_port_link.empty() && !diag_->open_port(opts_.diag_port_link, error)) return false;
 
     sigset_t mask;
     sigemptyset(&mask);

@@ -113,6 +113,8 @@ public:
     virtual void on_close(connection &c) = 0;
     /* "diag ..." control requests (args[0] == "diag"); false when unknown. */
     virtual bool control(const std::vector<std::string> &args, std::string *answer) = 0;
+    /* Also serves the channel on a diag port linked at `link` (sim/diag_port.h). */
+    virtual bool open_port(const std::string &link, std::string *error) = 0;
 };
 std::unique_ptr<diag_endpoint> make_diag_endpoint(daemon &d);
 
@@ -128,6 +130,7 @@ struct daemon_options {
     uint32_t hello_timeout_ms = k_default_hello_timeout_ms;
     uint64_t log_max_bytes = k_log_default_max_bytes;
     std::string qmux_link; /* non-empty: also serve a QMUX device, linked here */
+    std::string diag_port_link; /* non-empty: also serve a diag port, linked here */
 };
 
 class daemon {

@@ -50,6 +50,7 @@ constexpr int k_ts_unit_shift = 16;
 
 /* LOG_CONFIG: u8 code, 3 pad, u32 op, op arguments.  Responses insert a
  * u32 result after op. */
+constexpr uint32_t k_log_op_disable = 0;
 constexpr uint32_t k_log_op_get_range = 1;
 constexpr uint32_t k_log_op_set_mask = 3;
 constexpr uint32_t k_log_op_get_mask = 4;
@@ -210,6 +211,11 @@ void put_log_config_head(std::vector<uint8_t> *rsp, uint32_t op, uint32_t result
 void cmd_log_config(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp)
 {
     uint32_t op = diag_get_u32(req + 4);
+    if (op == k_log_op_disable) {
+        m.log_masks.clear();
+        put_log_config_head(rsp, op, k_log_result_ok);
+        return;
+    }
     if (op == k_log_op_get_range) {
         put_log_config_head(rsp, op, k_log_result_ok);
         for (uint32_t e = 0; e < k_log_equip_count; e++) diag_put_u32(rsp, e == 0 ? 0 : k_log_last_item);
@@ -256,6 +262,64 @@ void cmd_event_report(diag_modem_state &m, const uint8_t *req, size_t, std::vect
     diag_put_u16(rsp, 0);
 }
 
+/* EXT_MESSAGE_CONFIG: u8 code, u8 sub-command, then its fields.  The
+ * simulated modem sends no messages; it keeps no levels and reports one
+ * subsystem id range whose levels are all 0.
+ *   1 retrieve ranges   -> code, 1, u8 status, u8 0, u32 count, (u16 first, u16 last)*
+ *   2/3 build/rt levels  u16 first, u16 last -> the request, u8 status, u8 0, u32 level*
+ *   4 set rt levels      u16 first, u16 last, u16 0, u32 level* -> the request, status at @6
+ *   5 set all levels     u8 0, u8 0, u32 level -> the request, status at @2 */
+constexpr uint8_t k_msg_sub_ranges = 1;
+constexpr uint8_t k_msg_sub_build_mask = 2;
+constexpr uint8_t k_msg_sub_rt_mask = 3;
+constexpr uint8_t k_msg_sub_set_rt = 4;
+constexpr uint8_t k_msg_sub_set_all = 5;
+constexpr uint8_t k_msg_status_ok = 1;
+constexpr uint16_t k_msg_ssid_last = 0x0065;
+constexpr size_t k_msg_range_head_len = 6;
+constexpr size_t k_msg_set_head_len = 8;
+constexpr uint16_t k_msg_max_ssids = 4096;
+
+void cmd_ext_msg_config(diag_modem_state &, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp)
+{
+    uint8_t sub = req[1];
+    if (sub == k_msg_sub_ranges) {
+        rsp->assign({k_diag_cmd_ext_msg_config, sub, k_msg_status_ok, 0});
+        diag_put_u32(rsp, 1);
+        diag_put_u16(rsp, 0);
+        diag_put_u16(rsp, k_msg_ssid_last);
+        return;
+    }
+    if (sub == k_msg_sub_set_all) {
+        rsp->assign(req, req + len);
+        (*rsp)[2] = k_msg_status_ok;
+        return;
+    }
+    if (sub != k_msg_sub_build_mask && sub != k_msg_sub_rt_mask && sub != k_msg_sub_set_rt) {
+        diag_error_response(k_diag_cmd_bad_parm, req, len, rsp);
+        return;
+    }
+    if (len < k_msg_range_head_len) {
+        diag_error_response(k_diag_cmd_bad_len, req, len, rsp);
+        return;
+    }
+    uint16_t first = diag_get_u16(req + 2);
+    uint16_t last = diag_get_u16(req + 4);
+    if (last < first || last - first >= k_msg_max_ssids) {
+        diag_error_response(k_diag_cmd_bad_parm, req, len, rsp);
+        return;
+    }
+    if (sub == k_msg_sub_set_rt) {
+        rsp->assign(req, req + len);
+        if (len >= k_msg_set_head_len) (*rsp)[6] = k_msg_status_ok;
+        return;
+    }
+    rsp->assign(req, req + k_msg_range_head_len);
+    rsp->push_back(k_msg_status_ok);
+    rsp->push_back(0);
+    for (uint32_t i = first; i <= last; i++) diag_put_u32(rsp, 0);
+}
+
 void cmd_control(diag_modem_state &m, const uint8_t *req, size_t len, std::vector<uint8_t> *rsp)
 {
     uint16_t mode = diag_get_u16(req + 1);
@@ -285,9 +349,17 @@ const diag_cmd_entry k_diag_commands[] = {
     {k_diag_cmd_event_report, 2, 2, cmd_event_report},
     {k_diag_cmd_log_config, k_log_config_head_len, k_no_max, cmd_log_config},
     {k_diag_cmd_ext_build_id, 1, 1, cmd_ext_build_id},
+    {k_diag_cmd_ext_msg_config, 2, k_no_max, cmd_ext_msg_config},
 };
 
 }  // namespace
+
+bool diag_log_enabled(const diag_modem_state &m, uint16_t code)
+{
+    auto it = m.log_masks.find(uint32_t(code >> 12));
+    uint32_t item = code & k_log_last_item;
+    return it != m.log_masks.end() && item / 8 < it->second.size() && ((it->second[item / 8] >> (item % 8)) & 1);
+}
 
 std::string diag_nv_item_path(uint16_t item) { return "/nvm/num/" + std::to_string(item); }
 

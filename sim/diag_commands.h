@@ -33,6 +33,7 @@ constexpr uint8_t k_diag_cmd_subsys = 0x4B;
 constexpr uint8_t k_diag_cmd_event_report = 0x60;
 constexpr uint8_t k_diag_cmd_log_config = 0x73;
 constexpr uint8_t k_diag_cmd_ext_build_id = 0x7C;
+constexpr uint8_t k_diag_cmd_ext_msg_config = 0x7D;
 
 /* Subsystem dispatch header: u8 0x4B, u8 subsystem id, u16 subsystem command. */
 constexpr size_t k_diag_subsys_header_len = 4;
@@ -60,6 +61,10 @@ struct diag_modem_state {
     /* Operating mode set by CONTROL (0x29); the modem runs online. */
     uint16_t oper_mode = 4;
 };
+
+/* True when the LOG_CONFIG mask of `m` enables log `code` (equipment id
+ * in the top nibble, item in the low 12 bits). */
+bool diag_log_enabled(const diag_modem_state &m, uint16_t code);
 
 /* The EFS path that holds NV item `item`, so that NV and EFS views of the
  * modem agree ("/nvm/num/<item>"). */

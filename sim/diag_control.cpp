@@ -51,6 +51,8 @@ bool diag_endpoint_impl::control(const std::vector<std::string> &a, std::string 
         }
     } else if (cmd == "last") {
         *answer = control_last(a);
+    } else if (cmd == "rate" || cmd == "port") {
+        *answer = port_ ? port_->control(a) : std::string("error no diag port (start with --diag-port LINK)");
     } else {
         return false;
     }
@@ -144,7 +146,7 @@ std::string diag_endpoint_impl::control_last(const std::vector<std::string> &a)
     for (size_t i = first; i < journal_.size(); i++) {
         const journal_entry &e = journal_[i];
         out += "\n";
-        out += e.dci ? "dci " : "cmd ";
+        out += e.kind == JOURNAL_DCI ? "dci " : e.kind == JOURNAL_PORT ? "port " : "cmd ";
         out += std::to_string(e.proc) + " " + to_hex(e.bytes.data(), e.bytes.size());
     }
     return out;

@@ -10,6 +10,8 @@ namespace modemd {
 
 diag_endpoint_impl::diag_endpoint_impl(daemon &d) : d_(d) { modem_.store = &d.store(); }
 
+diag_endpoint_impl::~diag_endpoint_impl() = default;
+
 void diag_endpoint_impl::on_open(connection &c) { conns_[c.id] = diag_conn{&c, {}}; }
 
 void diag_endpoint_impl::on_close(connection &c) { conns_.erase(c.id); }
@@ -57,27 +59,48 @@ void diag_endpoint_impl::on_packet(connection &c, const uint8_t *data, size_t le
     }
 }
 
+bool diag_endpoint_impl::serve(diag_modem_state &m, journal_kind kind, int32_t proc, const std::vector<uint8_t> &cmd,
+                               std::vector<uint8_t> *rsp, uint32_t *delay_ms)
+{
+    journal_.push_back({kind, proc, cmd});
+    if (journal_.size() > k_diag_journal_len) journal_.pop_front();
+    if (!proc_present(proc)) {
+        d_.log("diag: command for absent processor %d dropped", proc);
+        return false;
+    }
+    if (cmd.empty()) return false;
+    uint8_t code = cmd[0];
+    if (drops_.count(code)) return false;
+    auto reply = replies_.find(code);
+    if (reply != replies_.end()) {
+        *rsp = reply->second;
+    } else {
+        diag_answer_command(m, cmd.data(), cmd.size(), rsp);
+    }
+    apply_next_size(rsp);
+    auto delay = delays_.find(code);
+    *delay_ms = delay == delays_.end() ? 0 : delay->second;
+    return true;
+}
+
+bool diag_endpoint_impl::serve_port_command(diag_modem_state &m, const std::vector<uint8_t> &cmd,
+                                            std::vector<uint8_t> *rsp, uint32_t *delay_ms)
+{
+    return serve(m, JOURNAL_PORT, MSM, cmd, rsp, delay_ms);
+}
+
+bool diag_endpoint_impl::open_port(const std::string &link, std::string *error)
+{
+    port_ = std::make_unique<diag_port>(d_, *this);
+    return port_->open(link, error);
+}
+
 void diag_endpoint_impl::on_command(diag_conn &dc, const diag_envelope &env, const std::vector<uint8_t> &cmd)
 {
     bool dci = env.data_type == DCI_PKT_TYPE;
-    journal_.push_back({dci, env.proc, cmd});
-    if (journal_.size() > k_diag_journal_len) journal_.pop_front();
-    if (!proc_present(env.proc)) {
-        d_.log("diag: command for absent processor %d dropped", env.proc);
-        return;
-    }
-    if (cmd.empty()) return;
-    uint8_t code = cmd[0];
-    if (drops_.count(code)) return;
-
     std::vector<uint8_t> rsp;
-    auto reply = replies_.find(code);
-    if (reply != replies_.end()) {
-        rsp = reply->second;
-    } else {
-        diag_answer_command(modem_, cmd.data(), cmd.size(), &rsp);
-    }
-    apply_next_size(&rsp);
+    uint32_t delay_ms = 0;
+    if (!serve(modem_, dci ? JOURNAL_DCI : JOURNAL_CMD, env.proc, cmd, &rsp, &delay_ms)) return;
 
     std::vector<std::vector<uint8_t>> pkts;
     if (!dci) {
@@ -96,8 +119,7 @@ void diag_endpoint_impl::on_command(diag_conn &dc, const diag_envelope &env, con
             off += n;
         } while (off < rsp.size());
     }
-    auto delay = delays_.find(code);
-    deliver(dc.c->id, std::move(pkts), delay == delays_.end() ? 0 : delay->second);
+    deliver(dc.c->id, std::move(pkts), delay_ms);
 }
 
 void diag_endpoint_impl::apply_next_size(std::vector<uint8_t> *rsp)

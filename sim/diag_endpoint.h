@@ -19,8 +19,10 @@
  *   diag log <hex>            send a log record to every DCI client
  *   diag event <hex>          send an event record to every DCI client
  *   diag last [n]             the last n commands (default 16), oldest
- *                             first: "cmd|dci <proc> <hex>" per line
+ *                             first: "cmd|dci|port <proc> <hex>" per line
  *   diag status               remote mask, piece size, connections, clients
+ *   diag rate [n]             stream cycles a second of the diag port
+ *   diag port                 the diag port's state and counters
  *
  * Commands for a processor that is not present are recorded and dropped. */
 #ifndef MODEMD_DIAG_ENDPOINT_H
@@ -32,6 +34,7 @@
 
 #include "daemon.h"
 #include "diag_commands.h"
+#include "diag_port.h"
 
 namespace modemd {
 
@@ -44,27 +47,36 @@ constexpr int32_t k_diag_max_proc = 15;
 /* Frames of one packet that are served (the library sends one per packet). */
 constexpr size_t k_diag_frames_per_packet = 16;
 
-class diag_endpoint_impl : public diag_endpoint {
+class diag_endpoint_impl : public diag_endpoint, public diag_port_server {
 public:
     explicit diag_endpoint_impl(daemon &d);
+    ~diag_endpoint_impl() override;
     void on_open(connection &c) override;
     void on_packet(connection &c, const uint8_t *data, size_t len) override;
     void on_close(connection &c) override;
     bool control(const std::vector<std::string> &args, std::string *answer) override;
+    bool open_port(const std::string &link, std::string *error) override;
+    bool serve_port_command(diag_modem_state &m, const std::vector<uint8_t> &cmd, std::vector<uint8_t> *rsp,
+                            uint32_t *delay_ms) override;
 
 private:
     struct diag_conn {
         connection *c;
         std::set<int32_t> dci_procs; /* processors with a DCI client here */
     };
+    enum journal_kind { JOURNAL_CMD, JOURNAL_DCI, JOURNAL_PORT };
     struct journal_entry {
-        bool dci;
+        journal_kind kind;
         int32_t proc;
         std::vector<uint8_t> bytes;
     };
 
     bool proc_present(int32_t proc) const;
     void on_command(diag_conn &dc, const diag_envelope &env, const std::vector<uint8_t> &cmd);
+    /* Journals `cmd` and answers it from `m` with the test faults; false
+     * when it is dropped. */
+    bool serve(diag_modem_state &m, journal_kind kind, int32_t proc, const std::vector<uint8_t> &cmd,
+               std::vector<uint8_t> *rsp, uint32_t *delay_ms);
     void on_session(diag_conn &dc, const diag_envelope &env);
     /* Sends `pkts` to connection `conn_id` now or after `delay_ms`. */
     void deliver(uint64_t conn_id, std::vector<std::vector<uint8_t>> pkts, uint32_t delay_ms);
@@ -90,6 +102,7 @@ private:
 
     uint16_t remote_mask_ = 0;
     std::map<int32_t, uint16_t> dci_support_;
+    std::unique_ptr<diag_port> port_;
 };
 
 }  // namespace modemd

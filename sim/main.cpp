@@ -1,7 +1,7 @@
 /* rlk-modemd: the modem simulator behind rlk's host platform.
  *
  *   rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]
- *              [--hello-timeout MS] [--log-max BYTES] [--qmux LINK]
+ *              [--hello-timeout MS] [--log-max BYTES] [--qmux LINK] [--diag-port LINK]
  *   rlk-modemd ctl [--socket PATH] [--timeout MS] <request words...>
  *
  * The socket defaults to RLK_MODEMD_SOCKET, else the per-user default; the
@@ -36,7 +36,7 @@ void usage()
 {
     fprintf(stderr,
             "usage: rlk-modemd [--socket PATH] [--state DIR] [--log FILE] [--idle-exit SECONDS]\n"
-            "                  [--hello-timeout MS] [--log-max BYTES] [--qmux LINK]\n"
+            "                  [--hello-timeout MS] [--log-max BYTES] [--qmux LINK] [--diag-port LINK]\n"
             "       rlk-modemd ctl [--socket PATH] [--timeout MS] <request...>   (rlk-modemd ctl help)\n");
 }
 
@@ -113,6 +113,8 @@ int main(int argc, char **argv)
             opts.state_dir = argv[++i];
         } else if (a == "--qmux") {
             opts.qmux_link = argv[++i];
+        } else if (a == "--diag-port") {
+            opts.diag_port_link = argv[++i];
         } else if (a == "--log") {
             opts.log_path = argv[++i];
         } else if (a == "--idle-exit") {

@@ -46,6 +46,10 @@ struct link {
     int fd = -1;
     bool done = false; /* the reader thread has ended (guarded by state::mu) */
     std::thread::id reader;
+    /* A serial diag port (RLK_DIAG_DEVICE) rather than the simulator's
+     * socket: its reader is woken through `wake` (diag_host_serial.cpp). */
+    bool serial = false;
+    int wake[2] = {-1, -1};
     ~link();
 };
 
@@ -117,6 +121,22 @@ bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *da
  * Called from a callback (on the reader thread, which alone could deliver
  * the answer) it only sends the op and returns false. */
 bool session_request(uint32_t op, int32_t proc, uint32_t *status, std::vector<uint8_t> *data);
+
+/* Hands one frame to whoever waits for it, as if it came in a packet
+ * with this envelope (reader threads). */
+void deliver_frame(uint32_t data_type, int32_t proc, uint32_t tag, const std::vector<uint8_t> &payload);
+/* Ends the session carried by `l` (its link was lost). */
+void link_lost(const std::shared_ptr<link> &l);
+
+/* The serial diag port (diag_host_serial.cpp): true when RLK_DIAG_DEVICE
+ * names one; opening it (locked, raw, its reader started) and sending on
+ * it.  Session ops are answered by the library itself. */
+bool serial_mode();
+std::shared_ptr<link> serial_open();
+bool serial_send(const std::shared_ptr<link> &l, uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *data,
+                 size_t len);
+/* Wakes the link's reader so that it ends. */
+void link_interrupt(const link &l);
 
 /* Called by the reader thread for DCI packets (diag_host_dci.cpp). */
 void dci_on_response(int32_t proc, uint32_t tag, const std::vector<uint8_t> &payload);

@@ -37,39 +37,11 @@ void on_session_answer(uint32_t op, const std::vector<uint8_t> &payload)
 void dispatch(const diag_packet &pkt)
 {
     for (const hdlc_frame &f : pkt.frames) {
-        if (f.status != HDLC_OK) continue;
-        std::vector<uint8_t> payload = f.payload;
-        switch (pkt.env.data_type) {
-        case USER_SPACE_RAW_DATA_TYPE:
-            on_raw_response(pkt.env.proc, payload);
-            break;
-        case DCI_PKT_TYPE:
-            dci_on_response(pkt.env.proc, pkt.env.tag, payload);
-            break;
-        case DCI_DATA_TYPE:
-            if (pkt.env.tag == DIAG_STREAM_LOG_TAG || pkt.env.tag == DIAG_STREAM_EVENT_TAG) {
-                dci_on_record(pkt.env.proc, pkt.env.tag, payload);
-            } else {
-                on_session_answer(pkt.env.tag, payload);
-            }
-            break;
-        default:
-            break;
-        }
+        if (f.status == HDLC_OK) deliver_frame(pkt.env.data_type, pkt.env.proc, pkt.env.tag, f.payload);
     }
 }
 
-/* Ends the session carried by `l` unless a newer link has replaced it, and
- * wakes everyone waiting for an answer on it. */
-void forget_link(const std::shared_ptr<link> &l)
-{
-    std::lock_guard<std::mutex> lk(g().mu);
-    if (g().conn == l) {
-        g().conn.reset();
-        g().lost = l;
-    }
-    g().cv.notify_all();
-}
+void forget_link(const std::shared_ptr<link> &l) { link_lost(l); }
 
 void reader_main(std::shared_ptr<link> l)
 {
@@ -89,9 +61,57 @@ void reader_main(std::shared_ptr<link> l)
 
 }  // namespace
 
+void deliver_frame(uint32_t data_type, int32_t proc, uint32_t tag, const std::vector<uint8_t> &frame)
+{
+    std::vector<uint8_t> payload = frame;
+    switch (data_type) {
+    case USER_SPACE_RAW_DATA_TYPE:
+        on_raw_response(proc, payload);
+        break;
+    case DCI_PKT_TYPE:
+        dci_on_response(proc, tag, payload);
+        break;
+    case DCI_DATA_TYPE:
+        if (tag == DIAG_STREAM_LOG_TAG || tag == DIAG_STREAM_EVENT_TAG) {
+            dci_on_record(proc, tag, payload);
+        } else {
+            on_session_answer(tag, payload);
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+/* Ends the session carried by `l` unless a newer link has replaced it, and
+ * wakes everyone waiting for an answer on it. */
+void link_lost(const std::shared_ptr<link> &l)
+{
+    std::lock_guard<std::mutex> lk(g().mu);
+    if (g().conn == l) {
+        g().conn.reset();
+        g().lost = l;
+    }
+    g().cv.notify_all();
+}
+
+void link_interrupt(const link &l)
+{
+    if (!l.serial) {
+        shutdown(l.fd, SHUT_RDWR);
+        return;
+    }
+    uint8_t b = 0;
+    ssize_t n = write(l.wake[1], &b, 1);
+    (void)n;
+}
+
 link::~link()
 {
     if (fd >= 0) close(fd);
+    for (int w : wake) {
+        if (w >= 0) close(w);
+    }
 }
 
 state &g()
@@ -110,6 +130,7 @@ bool link_send(uint32_t data_type, int32_t proc, uint32_t tag, const uint8_t *da
 {
     std::shared_ptr<link> l = link_get();
     if (!l) return false;
+    if (l->serial) return serial_send(l, data_type, proc, tag, data, len);
     std::vector<uint8_t> pkt;
     diag_packet_build(data_type, proc, tag, data, len, &pkt);
     if (modemd_send(l->fd, pkt.data(), pkt.size())) return true;
@@ -158,20 +179,27 @@ bool link_open()
 {
     std::lock_guard<std::mutex> life(g().life_mu);
     if (link_get()) return true;
-    int fd = modemd_connect(MODEMD_CONN_DIAG, 0, 0);
-    if (fd < 0) return false;
-    auto l = std::make_shared<link>();
-    l->fd = fd;
-    {
-        std::lock_guard<std::mutex> lk(g().mu);
-        g().conn = l;
+    std::shared_ptr<link> l;
+    if (serial_mode()) {
+        l = serial_open();
+        if (!l) return false;
+    } else {
+        int fd = modemd_connect(MODEMD_CONN_DIAG, 0, 0);
+        if (fd < 0) return false;
+        l = std::make_shared<link>();
+        l->fd = fd;
+        {
+            std::lock_guard<std::mutex> lk(g().mu);
+            g().conn = l;
+        }
+        std::thread reader(reader_main, l);
+        {
+            std::lock_guard<std::mutex> lk(g().mu);
+            l->reader = reader.get_id();
+        }
+        reader.detach();
     }
-    std::thread reader(reader_main, l);
-    {
-        std::lock_guard<std::mutex> lk(g().mu);
-        l->reader = reader.get_id();
-    }
-    reader.detach();
+    int fd = l->fd;
 
     /* The remote-processor mask both proves that the simulator serves the
      * channel and fills the cache that diag_callback_send_data checks. */
@@ -179,10 +207,11 @@ bool link_open()
     std::vector<uint8_t> mask;
     if (!session_request(DIAG_SESSION_REMOTE_MASK, MSM, &status, &mask) || status != DIAG_SESSION_OK ||
         mask.size() < 2) {
-        shutdown(fd, SHUT_RDWR);
+        link_interrupt(*l);
         forget_link(l);
         return false;
     }
+    (void)fd;
     {
         std::lock_guard<std::mutex> lk(g().mu);
         g().remote_mask = diag_get_u16(mask.data());
@@ -217,7 +246,7 @@ bool link_close()
         for (auto &kv : g().dci) kv.second.pending.clear();
         g().cv.notify_all();
     }
-    shutdown(l->fd, SHUT_RDWR);
+    link_interrupt(*l);
     std::unique_lock<std::mutex> lk(g().mu);
     if (l->reader != std::this_thread::get_id()) g().cv.wait(lk, [&] { return l->done; });
     return true;

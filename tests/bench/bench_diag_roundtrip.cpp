@@ -8,15 +8,25 @@
  *    the wait ends when the answer comes, not on the next 100 ms tick of
  *    the wait thread.
  * 3. One `rlk 5 0 0 0 0 0x00` process from start to exit beside /bin/true.
+ * 4. Item 1 over the simulator's diag port (RLK_DIAG_DEVICE) instead of
+ *    the socket: the device opened, locked and released each time.
+ * 5. Log packets a second the diag port streams and rlk-replay, reading it
+ *    live, decodes: the stream is stopped before the count, so any packet
+ *    the port sent and rlk-replay did not decode is a loss.
  *
  * Console output goes to /dev/null while measuring.  Run by hand, never
  * as a timed test. */
 #include <fcntl.h>
+#include <signal.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -92,11 +102,54 @@ std::vector<double> processes(const std::vector<std::string> &argv, const sim_in
     return ms;
 }
 
+/* The number after `key` in `text` (0 when absent). */
+unsigned long long number_after(const std::string &text, const std::string &key)
+{
+    size_t at = text.find(key);
+    return at == std::string::npos ? 0 : strtoull(text.c_str() + at + key.size(), nullptr, 10);
+}
+
+/* Streams at `rate` cycles a second for `seconds` into a live rlk-replay;
+ * prints packets a second sent and decoded. */
+void stream_rate(sim_instance &sim, unsigned rate, double seconds)
+{
+    std::string out_path = sim.dir() + "/replay.out";
+    pid_t pid = fork();
+    if (pid == 0) {
+        int fd = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        dup2(fd, 1);
+        execl(RLK_REPLAY_BINARY, RLK_REPLAY_BINARY, "-s", sim.diag_port_path().c_str(), (char *)nullptr);
+        _exit(127);
+    }
+    /* rlk-replay's masks are set once the port has seen a reader. */
+    while (number_after(sim.ctl("diag port"), " reader=") == 0) usleep(1000);
+    usleep(100000);
+    unsigned long long before = number_after(sim.ctl("diag port"), " log-packets=");
+    sim.ctl_ok("diag rate " + std::to_string(rate));
+    usleep(useconds_t(seconds * 1e6));
+    sim.ctl_ok("diag rate 0");
+    std::string state = sim.ctl("diag port");
+    usleep(300000); /* what is on its way is read */
+    kill(pid, SIGINT);
+    int status;
+    waitpid(pid, &status, 0);
+    std::ifstream in(out_path);
+    std::stringstream text;
+    text << in.rdbuf();
+    unsigned long long sent = number_after(state, " log-packets=") - before;
+    std::string summary = text.str();
+    unsigned long long decoded = number_after(summary, "0xB193 ") + number_after(summary, "0xB97F ");
+    printf("  rate %6u cycles/s: sent %.0f packets/s, decoded %.0f packets/s, lost %lld, cycles skipped %llu\n",
+           rate, double(sent) / seconds, double(decoded) / seconds, (long long)sent - (long long)decoded,
+           number_after(state, " skipped-cycles="));
+}
+
 }  // namespace
 
 int main()
 {
     sim_instance sim;
+    sim.enable_diag_port();
     if (!sim.start()) {
         fprintf(stderr, "simulator did not start\n");
         return 1;
@@ -129,5 +182,18 @@ int main()
     printf("rlk 5 0 0 0 0 0x00 as a process, %d rounds: median %.3f ms, p99 %.3f ms (/bin/true %.3f ms)\n",
            k_process_rounds, percentile(rlk, 0.5), percentile(rlk, 0.99), percentile(base, 0.5));
     printf("  an answer ends the wait at once: the wait thread is woken and ends without a tick\n");
+
+    setenv("RLK_DIAG_DEVICE", sim.diag_port_path().c_str(), 1);
+    printf("the same over the diag port (device opened, locked and closed each round), %d rounds:\n", k_rounds);
+    for (const auto &m : modes) {
+        int failures = 0;
+        std::vector<double> ms = round_trips(m.mode, k_rounds, &failures);
+        printf("  %-8s median %.3f ms, p99 %.3f ms, failures %d\n", m.name, percentile(ms, 0.5),
+               percentile(ms, 0.99), failures);
+    }
+    unsetenv("RLK_DIAG_DEVICE");
+
+    printf("log packets streamed by the diag port and decoded live by rlk-replay (0xB193 + 0xB97F):\n");
+    for (unsigned rate : {1000u, 5000u, 20000u, 50000u}) stream_rate(sim, rate, 2.0);
     return 0;
 }

@@ -105,6 +105,7 @@ bool sim_instance::spawn()
         }
         std::vector<std::string> args = {RLK_MODEMD_BINARY, "--socket", socket_, "--state", state_, "--log", log};
         if (qmux_) args.insert(args.end(), {"--qmux", qmux_path()});
+        if (diag_port_) args.insert(args.end(), {"--diag-port", diag_port_path()});
         args.insert(args.end(), extra_args_.begin(), extra_args_.end());
         std::vector<char *> argv;
         for (std::string &a : args) argv.push_back(&a[0]);

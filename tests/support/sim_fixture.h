@@ -64,6 +64,9 @@ public:
     /* Before start(): also serve the QMUX device, linked at qmux_path(). */
     void enable_qmux() { qmux_ = true; }
     std::string qmux_path() const { return dir_ + "/qmux"; }
+    /* Before start(): also serve the diag port, linked at diag_port_path(). */
+    void enable_diag_port() { diag_port_ = true; }
+    std::string diag_port_path() const { return dir_ + "/diag"; }
     /* The simulator's own log file. */
     std::string log_path() const { return dir_ + "/modemd.log"; }
 
@@ -82,6 +85,7 @@ private:
     std::vector<std::string> extra_args_;
     unsigned long fd_limit_ = 0;
     bool qmux_ = false;
+    bool diag_port_ = false;
 };
 
 /* Reads a log file of the host platform. */

@@ -1,0 +1,376 @@
+/* rlk-modemd's diag port end to end: rlk's raw diag commands over it
+ * (RLK_DIAG_DEVICE) in every mode, with long, dropped and late answers and
+ * a log stream flowing; a client written here from the public layouts
+ * configuring it as public decoders do and reading the scene back; a
+ * reader that stops reading; rlk-replay live on it. */
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "../extension/ext_test_util.h"
+#include "../replay/replay_e2e_util.h"
+#include "hdlc.h"
+
+using replay_e2e::bytes;
+
+namespace {
+
+constexpr int k_wait_ms = 5000;
+
+uint32_t le(const bytes &b, size_t at, int width)
+{
+    uint32_t v = 0;
+    for (int i = 0; i < width; i++) v |= uint32_t(b[at + size_t(i)]) << (8 * i);
+    return v;
+}
+
+/* Bits [from, from + width) of the little-endian bytes at `at`. */
+uint32_t bits(const bytes &b, size_t at, int from, int width)
+{
+    uint64_t v = 0;
+    for (int i = 0; i < 8 && at + size_t(i) < b.size(); i++) v |= uint64_t(b[at + size_t(i)]) << (8 * i);
+    return uint32_t((v >> from) & ((1ull << width) - 1));
+}
+
+/* A diag client of the port, as a public decoder is one: raw device,
+ * HDLC frames out, frames and streams in. */
+struct port_client {
+    int fd = -1;
+    hdlc_decoder dec;
+    explicit port_client(const std::string &path)
+    {
+        fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+        struct termios t;
+        if (fd >= 0 && tcgetattr(fd, &t) == 0) {
+            cfmakeraw(&t);
+            tcsetattr(fd, TCSANOW, &t);
+        }
+    }
+    ~port_client()
+    {
+        if (fd >= 0) close(fd);
+    }
+    void send(const bytes &cmd)
+    {
+        bytes f;
+        hdlc_encode(cmd.data(), cmd.size(), &f);
+        ASSERT_EQ(write(fd, f.data(), f.size()), ssize_t(f.size()));
+    }
+    /* Everything the port sends within `ms`. */
+    bytes read_for(int ms)
+    {
+        bytes all;
+        long long end = monotonic_ms() + ms;
+        uint8_t buf[4096];
+        for (long long left; (left = end - monotonic_ms()) > 0;) {
+            struct pollfd p = {fd, POLLIN, 0};
+            if (poll(&p, 1, int(left)) <= 0) continue;
+            ssize_t n = read(fd, buf, sizeof(buf));
+            if (n > 0) all.insert(all.end(), buf, buf + n);
+        }
+        return all;
+    }
+    /* The first frame starting with `code` (others skipped), or empty. */
+    bytes answer(uint8_t code)
+    {
+        long long end = monotonic_ms() + k_wait_ms;
+        uint8_t buf[4096];
+        std::vector<hdlc_frame> frames;
+        while (monotonic_ms() < end) {
+            struct pollfd p = {fd, POLLIN, 0};
+            if (poll(&p, 1, 50) <= 0) continue;
+            ssize_t n = read(fd, buf, sizeof(buf));
+            if (n <= 0) continue;
+            frames.clear();
+            dec.feed(buf, size_t(n), &frames);
+            for (const hdlc_frame &f : frames) {
+                if (f.status == HDLC_OK && !f.payload.empty() && f.payload[0] == code) return f.payload;
+            }
+        }
+        return {};
+    }
+};
+
+/* LOG_CONFIG set mask of equipment 0xB with `items` items (0x9FF, as a
+ * public decoder sends it) and these codes set. */
+bytes lte_mask(const std::vector<uint16_t> &codes, uint32_t items = 0x9FF)
+{
+    bytes cmd = {0x73, 0, 0, 0, 3, 0, 0, 0, 0x0B, 0, 0, 0, uint8_t(items), uint8_t(items >> 8), 0, 0};
+    bytes mask((items + 7) / 8, 0);
+    for (uint16_t c : codes) mask[(c & 0xFFF) / 8] |= uint8_t(1 << (c % 8));
+    cmd.insert(cmd.end(), mask.begin(), mask.end());
+    return cmd;
+}
+
+class DiagPortTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        sim.enable_diag_port();
+        ASSERT_TRUE(sim.start());
+    }
+    rlk_run diag(int mode, int type, int time_out, const std::vector<std::string> &cmd)
+    {
+        std::vector<std::string> args = {"5", "0", std::to_string(mode), std::to_string(type), std::to_string(time_out)};
+        args.insert(args.end(), cmd.begin(), cmd.end());
+        return sim.run_rlk(args, {"RLK_DIAG_DEVICE=" + sim.diag_port_path()});
+    }
+    /* The "diag port" answer once the reader count settles on `reader`. */
+    std::string port_state(const std::string &reader)
+    {
+        std::string s;
+        for (long long end = monotonic_ms() + k_wait_ms; monotonic_ms() < end; usleep(5000)) {
+            s = sim.ctl("diag port");
+            if (has_text(s, " reader=" + reader + " ")) break;
+        }
+        return s;
+    }
+    sim_instance sim;
+};
+
+TEST_F(DiagPortTest, RlkOverThePortInEveryMode)
+{
+    const struct {
+        int mode, type, time_out;
+        const char *setup;
+        std::vector<std::string> cmd;
+        std::vector<std::string> out; /* texts rlk prints, in any order */
+    } cases[] = {
+        {0, 0, 1000, "", {"0x1C"}, {"\nrsp data len(3)\nrsp data: 0x1C 0x08 0x00\n"}},
+        {1, 0, 1000, "", {"0x1C"}, {"\nrsp data len(3)\nrsp data: 0x1C 0x08 0x00\n", "MPSS on ch:0: UP"}},
+        {0, 1, 1000, "", {"0x1C"}, {"\ndone without rsp data\n"}},
+        {1, 1, 1000, "", {"0x1C"}, {"\ndone without rsp data\n"}},
+        {0, 0, 1000, "diag next-size 5000", {"0x1C"}, {"\nrsp data len(5000)\n"}},
+        /* Over the port a DCI answer is whole; the library hands it out in
+         * 4096-byte pieces as the DCI rules say. */
+        {1, 0, 1000, "diag next-size 5000", {"0x1C"},
+         {"response, cmd_code = 0x1c, data_size = 4096", "data_size = 904", "\nrsp data len(5000)\n"}},
+        {0, 0, 300, "diag drop 0x1c", {"0x1C"}, {"stop waiting", "note: Error happen! error_code(1)"}},
+        {1, 0, 300, "diag drop 0x1c", {"0x1C"}, {"stop waiting", "note: Error happen! error_code(1)"}},
+        /* A late answer is still taken, and an error answer is an answer. */
+        {0, 0, 2000, "diag delay 0x1c 300", {"0x1C"}, {"\nrsp data: 0x1C 0x08 0x00\n"}},
+        {0, 0, 1000, "", {"0xEE", "0x01"}, {"\nrsp data: 0x13 0xEE 0x01\n"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::to_string(c.mode) + "/" + std::to_string(c.type) + " " + c.setup);
+        if (*c.setup) sim.ctl_ok(c.setup);
+        rlk_run r = diag(c.mode, c.type, c.time_out, c.cmd);
+        EXPECT_TRUE(exited_cleanly(r.status)) << r.err;
+        std::string all = r.out;
+        for (const log_line &l : r.syslog) all += l.text + "\n";
+        for (const std::string &t : c.out) EXPECT_TRUE(has_text(all, t)) << t << "\n" << r.out;
+        sim.ctl_ok("diag clear");
+    }
+    /* The commands went over the port. */
+    EXPECT_EQ(sim.ctl_ok("diag last 1"), "port 0 ee01");
+}
+
+TEST_F(DiagPortTest, CommandsAreAnsweredWhileLogsAndEventsFlow)
+{
+    port_client noisy(sim.diag_port_path());
+    ASSERT_GE(noisy.fd, 0);
+    sim.ctl_ok("diag rate 2000");
+    noisy.send(lte_mask({0xB193, 0xB97F, 0xB0C0}));
+    noisy.send({0x60, 1});
+    ASSERT_FALSE(noisy.answer(0x73).empty());
+    auto log_packets = [&] {
+        std::string st = sim.ctl_ok("diag port");
+        return strtoull(st.c_str() + st.find(" log-packets=") + 13, nullptr, 10);
+    };
+    /* Logs and events flow before the commands go. */
+    std::string s;
+    for (long long end = monotonic_ms() + k_wait_ms; monotonic_ms() < end; usleep(2000)) {
+        s = sim.ctl_ok("diag port");
+        if (!has_text(s, " event-packets=0 ")) break;
+    }
+    EXPECT_FALSE(has_text(s, " event-packets=0 ")) << s;
+    unsigned long long before = log_packets();
+    /* The noisy client reads no more: rlk's process gets the stream. */
+    for (int mode : {0, 1}) {
+        rlk_run r = diag(mode, 0, 2000, {"0x1C"});
+        EXPECT_TRUE(has_text(r.out, "\nrsp data len(3)\nrsp data: 0x1C 0x08 0x00\n")) << r.out;
+    }
+    /* The answer to EVENT_REPORT is not one of the event reports around it. */
+    rlk_run r = diag(0, 0, 2000, {"0x60", "0x00"});
+    EXPECT_TRUE(has_text(r.out, "\nrsp data len(3)\nrsp data: 0x60 0x00 0x00\n")) << r.out;
+    EXPECT_GT(log_packets(), before);
+}
+
+TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
+{
+    for (const char *set : {"lte.0.earfcn 1300", "lte.0.pci 77", "lte.0.rsrp0 -93.75", "lte.0.rsrp1 -97.25",
+                            "lte.0.rsrq0 -12.5",
+                            "lte.0.rssi2 -70.75", "lte.0.snr3 11.5", "nr.0.rsrp0 -91.5", "nr.0.rsrq -13.25"}) {
+        sim.ctl_ok(std::string("vs set 0 ") + set);
+    }
+    sim.ctl_ok("diag rate 100");
+    {
+        port_client c(sim.diag_port_path());
+        ASSERT_GE(c.fd, 0);
+        /* What public decoders send first. */
+        c.send({0x00});
+        EXPECT_GE(c.answer(0x00).size(), 47u);
+        c.send({0x7C});
+        EXPECT_EQ(c.answer(0x7C).size() > 12, true);
+        c.send({0x60, 0});
+        EXPECT_EQ(c.answer(0x60), (bytes{0x60, 0, 0}));
+        c.send({0x73, 0, 0, 0, 1, 0, 0, 0});
+        bytes ranges = c.answer(0x73);
+        ASSERT_EQ(ranges.size(), 12u + 16 * 4);
+        EXPECT_EQ(le(ranges, 8, 4), 0u);           /* result */
+        EXPECT_GE(le(ranges, 12 + 0xB * 4, 4), 0x97Fu); /* equipment 0xB reaches 0xB97F */
+        c.send({0x7D, 1});
+        EXPECT_EQ(c.answer(0x7D).size(), 12u);
+        c.send(lte_mask({0xB193, 0xB17F, 0xB97F, 0xB0C0}));
+        bytes set = c.answer(0x73);
+        ASSERT_GT(set.size(), 20u);
+        EXPECT_EQ(le(set, 4, 4), 3u);
+        EXPECT_EQ(le(set, 8, 4), 0u);
+        c.send({0x60, 1});
+        long long now_unix_ms = (long long)time(nullptr) * 1000;
+        replay_e2e::capture_scan scan = replay_e2e::scan_capture(c.read_for(400));
+        EXPECT_EQ(scan.bad_frames, 0u);
+        EXPECT_GE(scan.events[1606], 1u);
+        bool b193 = false, b17f = false, b97f = false, b0c0 = false;
+        for (const replay_e2e::scanned_log &l : scan.log_packets) {
+            const bytes &p = l.payload;
+            /* Timestamps: 1.25 ms units since 1980-01-06 in the upper 48 bits. */
+            double unix_ms = double(l.timestamp >> 16) * 1.25 + 315964800000.0;
+            EXPECT_LT(std::fabs(unix_ms - double(now_unix_ms)), 5000.0);
+            if (l.code == 0xB193 && !b193) {
+                b193 = true;
+                ASSERT_EQ(p.size(), 4u + 4 + 8 + 128);
+                EXPECT_EQ((bytes{p[0], p[1], p[4], p[5]}), (bytes{1, 1, 25, 36}));
+                EXPECT_EQ(le(p, 6, 2), 140u);
+                EXPECT_EQ(le(p, 8, 4), 1300u);
+                const size_t cell = 16;
+                EXPECT_EQ(bits(p, cell, 0, 9), 77u);
+                EXPECT_EQ(bits(p, cell, 12, 1), 1u);
+                EXPECT_EQ(bits(p, cell + 20, 12, 12) / 16.0 - 180, -97.25);  /* RSRP Rx1 */
+                EXPECT_EQ(bits(p, cell + 36, 0, 10) / 16.0 - 30, -12.5);     /* RSRQ Rx0 */
+                EXPECT_EQ(bits(p, cell + 52, 0, 11) / 16.0 - 110, -70.75);   /* RSSI Rx2 */
+                EXPECT_NEAR(bits(p, cell + 84, 9, 9) * 0.1 - 20, 11.5, 1e-9); /* SNR Rx3 */
+                /* Combined RSRP: Rx0's, on the scale 40 dB up. */
+                EXPECT_EQ(bits(p, cell + 28, 12, 12) / 16.0 - 140, -93.75);
+            } else if (l.code == 0xB17F && !b17f) {
+                b17f = true;
+                ASSERT_EQ(p.size(), 36u);
+                EXPECT_EQ(p[0], 5);
+                EXPECT_EQ(le(p, 4, 4), 1300u);
+                EXPECT_EQ(le(p, 8, 2) & 0x1FF, 77u);
+                EXPECT_EQ((le(p, 12, 4) & 0xFFF) / 16.0 - 180, -93.75); /* measured RSRP */
+                EXPECT_EQ((le(p, 20, 4) & 0x3FF) / 16.0 - 30, -12.5);   /* measured RSRQ */
+            } else if (l.code == 0xB97F && !b97f) {
+                b97f = true;
+                ASSERT_EQ(p.size(), 16u + 32 + 16 + 44);
+                EXPECT_EQ(le(p, 0, 4), 0x20007u);
+                EXPECT_EQ(p[4], 1);
+                EXPECT_EQ(int32_t(le(p, 48 + 8, 4)) / 128.0, -91.5);    /* cell RSRP */
+                EXPECT_EQ(int32_t(le(p, 48 + 12, 4)) / 128.0, -13.25);  /* cell RSRQ */
+                EXPECT_EQ(int32_t(le(p, 64 + 20, 4)) / 128.0, -91.5);   /* beam RSRP Rx0 */
+            } else if (l.code == 0xB0C0 && !b0c0) {
+                b0c0 = true;
+                ASSERT_EQ(p.size(), 22u);
+                EXPECT_EQ((bytes{p[0], p[12]}), (bytes{15, 1})); /* version, BCCH-BCH */
+                EXPECT_EQ(le(p, 4, 2), 77u);
+                EXPECT_EQ(le(p, 6, 4), 1300u);
+                EXPECT_EQ(le(p, 17, 2), 3u);
+                /* The MIB's SFN bits are the header SFN's upper 8. */
+                EXPECT_EQ(uint32_t(((p[19] & 0x3) << 6) | (p[20] >> 2)), (le(p, 10, 2) >> 4) >> 2);
+            }
+        }
+        EXPECT_TRUE(b193 && b17f && b97f && b0c0) << scan.log_packets.size();
+        EXPECT_TRUE(has_text(sim.ctl_ok("diag port"), " events=on logs=0xB193,0xB17F,0xB97F,0xB0C0 "));
+        c.send({0x73, 0, 0, 0, 0, 0, 0, 0}); /* disable */
+        EXPECT_EQ(c.answer(0x73).size(), 12u);
+    }
+    /* The reader went: masks and event reporting are reset, and the next
+     * reader gets nothing it did not ask for. */
+    EXPECT_TRUE(has_text(port_state("0"), " events=off logs=none ")) << sim.ctl("diag port");
+    port_client next(sim.diag_port_path());
+    EXPECT_TRUE(next.read_for(100).empty());
+}
+
+TEST_F(DiagPortTest, AReaderThatStopsReadingStallsNobody)
+{
+    port_client stuck(sim.diag_port_path());
+    ASSERT_GE(stuck.fd, 0);
+    sim.ctl_ok("diag rate 100000");
+    stuck.send(lte_mask({0xB193, 0xB97F, 0xB0C0}));
+    stuck.send({0x60, 1});
+    usleep(300000);
+    /* Socket clients go on as before. */
+    long long t0 = monotonic_ms();
+    rlk_run r = sim.run_rlk({"5", "0", "0", "0", "1000", "0x1C"});
+    EXPECT_TRUE(has_text(r.out, "\nrsp data: 0x1C 0x08 0x00\n")) << r.out;
+    EXPECT_LT(monotonic_ms() - t0, 1000);
+    std::string s = sim.ctl_ok("diag port");
+    EXPECT_TRUE(has_text(s, " reader=1 ")) << s;
+    EXPECT_FALSE(has_text(s, " skipped-cycles=0 ")) << s;
+}
+
+TEST_F(DiagPortTest, APortThatVanishesEndsTheWaitByItsTimeOut)
+{
+    sim.ctl_ok("diag delay 0x1c 5000");
+    rlk_run r;
+    std::thread waiter([&] { r = diag(0, 0, 1500, {"0x1C"}); });
+    usleep(300000);
+    sim.kill_hard();
+    waiter.join();
+    EXPECT_TRUE(exited_cleanly(r.status));
+    EXPECT_TRUE(has_text(r.out, "stop waiting")) << r.out;
+    EXPECT_TRUE(has_text(r.out, "note: Error happen! error_code(1)")) << r.out;
+}
+
+TEST_F(DiagPortTest, ReplayLiveDecodesTheSceneAndTurnsItsMasksOffOnCtrlC)
+{
+    sim.ctl_ok("vs set 0 lte.0.rsrp0 -95.5");
+    sim.ctl_ok("diag rate 100");
+    const struct {
+        std::vector<std::string> args;
+        const char *last; /* the last commands it sent, after the stop */
+    } runs[] = {
+        {{}, "port 0 6000"},
+        {{"--log", "0xB193"}, "port 0 73000000030000000b00000094010000"},
+    };
+    for (const auto &run : runs) {
+        std::vector<std::string> argv = {RLK_REPLAY_BINARY};
+        argv.insert(argv.end(), run.args.begin(), run.args.end());
+        argv.push_back(sim.diag_port_path());
+        replay_e2e::child c = replay_e2e::spawn(argv, -1);
+        ASSERT_GT(c.pid, 0);
+        std::string out, err;
+        EXPECT_TRUE(replay_e2e::read_until(c, "rsrp_rx0 = -95.50, rsrp_rx1 = -89.50", k_wait_ms, &out)) << out;
+        if (run.args.empty()) {
+            EXPECT_TRUE(replay_e2e::read_until(c, " UTC event 1606 ", k_wait_ms, &out)) << out;
+        }
+        kill(c.pid, SIGINT);
+        int status = replay_e2e::finish(&c, k_wait_ms, &out, &err);
+        ASSERT_TRUE(WIFEXITED(status)) << status;
+        EXPECT_EQ(WEXITSTATUS(status), 0) << err;
+        replay_e2e::summary_tables t = replay_e2e::parse_summary(out);
+        EXPECT_GE(t.logs[0xB193], 1u) << out;
+        EXPECT_EQ(t.events.empty(), !run.args.empty()) << out;
+        /* Turned off before it let go of the port. */
+        std::string last = sim.ctl_ok("diag last 1");
+        EXPECT_EQ(last.substr(0, strlen(run.last)), run.last);
+        if (!run.args.empty()) {
+            EXPECT_EQ(last.find_first_not_of('0', strlen(run.last)), std::string::npos) << last;
+        }
+        EXPECT_TRUE(has_text(port_state("0"), " events=off logs=none "));
+    }
+}
+
+}  // namespace
