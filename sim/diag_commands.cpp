@@ -292,6 +292,7 @@ void cmd_ext_msg_config(diag_modem_state &, const uint8_t *req, size_t len, std:
     }
     if (sub == k_msg_sub_set_all) {
         rsp->assign(req, req + len);
+        if (rsp->size() < 4) rsp->resize(4, 0); /* room for the status byte */
         (*rsp)[2] = k_msg_status_ok;
         return;
     }

@@ -199,7 +199,6 @@ bool link_open()
         }
         reader.detach();
     }
-    int fd = l->fd;
 
     /* The remote-processor mask both proves that the simulator serves the
      * channel and fills the cache that diag_callback_send_data checks. */
@@ -211,7 +210,6 @@ bool link_open()
         forget_link(l);
         return false;
     }
-    (void)fd;
     {
         std::lock_guard<std::mutex> lk(g().mu);
         g().remote_mask = diag_get_u16(mask.data());

@@ -131,15 +131,39 @@ TEST_F(DiagCommandsTest, LogConfigSetAndGetMask)
     EXPECT_EQ(rsp[21], 0x02);
     EXPECT_EQ(rsp[22], 0x00);
 
+    EXPECT_TRUE(diag_log_enabled(modem_, 0xB009));
+    EXPECT_FALSE(diag_log_enabled(modem_, 0xB008) || diag_log_enabled(modem_, 0x1009));
+
     rsp = ask({0x73, 0, 0, 0, 1, 0, 0, 0});
     ASSERT_EQ(rsp.size(), 12u + 4 * k_log_equip_count);
     EXPECT_EQ(rsp[12 + 4 * 11], 0xff);
+
+    /* Disable (op 0) clears every mask. */
+    EXPECT_EQ(ask({0x73, 0, 0, 0, 0, 0, 0, 0}), (bytes{0x73, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_FALSE(diag_log_enabled(modem_, 0xB000));
 
     EXPECT_EQ(ask({0x73, 0, 0, 0, 3, 0, 0, 0, 11, 0, 0, 0, 16, 0, 0, 0, 0x01})[0], k_diag_cmd_bad_len)
         << "mask shorter than its item count";
     EXPECT_EQ(ask({0x73, 0, 0, 0, 9, 0, 0, 0})[0], k_diag_cmd_bad_parm);
     rsp = ask({0x73, 0, 0, 0, 4, 0, 0, 0, 16, 0, 0, 0});
     EXPECT_EQ(rsp[8], 1) << "equipment id out of range fails in the result word";
+}
+
+TEST_F(DiagCommandsTest, ExtMessageConfigAnswersEverySubCommand)
+{
+    const struct {
+        bytes req, rsp;
+    } cases[] = {
+        {{0x7D, 1}, {0x7D, 1, 1, 0, 1, 0, 0, 0, 0, 0, 0x65, 0}},               /* one range 0..0x65 */
+        {{0x7D, 2, 3, 0, 4, 0}, {0x7D, 2, 3, 0, 4, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}}, /* levels of 3..4 */
+        {{0x7D, 4, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0}, {0x7D, 4, 0, 0, 0, 0, 1, 0, 9, 0, 0, 0}},
+        {{0x7D, 5}, {0x7D, 5, 1, 0}}, /* short: still answered */
+        {{0x7D, 5, 0, 0, 7, 0, 0, 0}, {0x7D, 5, 1, 0, 7, 0, 0, 0}},
+        {{0x7D, 9}, {0x14, 0x7D, 9}},
+        {{0x7D, 2, 5, 0, 1, 0}, {0x14, 0x7D, 2, 5, 0, 1, 0}}, /* last before first */
+        {{0x7D, 2, 5}, {0x15, 0x7D, 2, 5}},
+    };
+    for (const auto &c : cases) EXPECT_EQ(ask(c.req), c.rsp) << int(c.req[1]);
 }
 
 TEST_F(DiagCommandsTest, EventReportSwitchesReporting)
