@@ -138,7 +138,10 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
         EXPECT_EQ(command(), c.cmd);
         modem_writes(c.chunks);
-        EXPECT_EQ(g_answers.wait(2, 100), std::vector<bytes>{c.want});
+        /* The answer (however late the reader runs), and no second one. */
+        std::vector<bytes> got = g_answers.wait(1, 2000);
+        for (const bytes &more : g_answers.wait(1, 50)) got.push_back(more);
+        EXPECT_EQ(got, std::vector<bytes>{c.want});
     }
     /* Only the local processor is there. */
     uint16 mask = 0xFFFF;
@@ -182,7 +185,7 @@ TEST_F(DiagSerialTest, ASecondUserOfThePortIsRefusedAndAVanishedPortEndsTheLink)
     close(master); /* unplugged */
     master = -1;
     uint16 mask = 0;
-    for (int i = 0; i < 100 && diag_has_remote_device(&mask); i++) usleep(10000);
+    for (int i = 0; i < 500 && diag_has_remote_device(&mask); i++) usleep(10000);
     EXPECT_EQ(diag_has_remote_device(&mask), 0); /* the session ended with the port */
     unsigned char cmd[] = {0x1C};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
