@@ -86,9 +86,18 @@ std::string mbn_json_string(const std::string &s)
 std::string mbn_format_failure(const mbn_options &o, const mbn_report &r, const mbn_result &res)
 {
     if (o.command == MBN_CMD_LIST && r.listed) {
-        return o.json ? list_json(o, r, "," + failure_members(res)) : list_text(o, r);
+        if (!o.json) return list_text(o, r);
+        /* Appended rather than "," + ...: GCC 12's Release build warns
+         * falsely (-Wrestrict) on prefixing a temporary string. */
+        std::string members(",");
+        members += failure_members(res);
+        return list_json(o, r, members);
     }
-    return o.json ? "{" + failure_members(res) + "}\n" : "";
+    if (!o.json) return "";
+    std::string object("{");
+    object += failure_members(res);
+    object += "}\n";
+    return object;
 }
 
 std::string mbn_format_report(const mbn_options &o, const mbn_report &r)
