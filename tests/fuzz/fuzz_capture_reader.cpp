@@ -22,19 +22,18 @@
 
 namespace {
 
-constexpr uint8_t FUZZ_FORMAT_MASK = 0x03;
-constexpr unsigned FUZZ_PIECE_SHIFT = 2;
-constexpr size_t FUZZ_WHOLE = 64;
-
 volatile uint32_t g_sink;
 
-constexpr uint16_t k_signalling_logs[] = {LOG_LTE_RRC_OTA, LOG_LTE_NAS_EMM_OUT, LOG_WCDMA_RRC_SIGNALLING,
-                                          LOG_GSM_RR_SIGNALLING};
-
-/* The signalling message of a packet must lie inside it. */
-void check_signalling(const diag_packet &p)
+void check_packet(void *, const diag_packet &p)
 {
-    for (uint16_t code : k_signalling_logs) {
+    if (!p.payload || p.sub >= DIAG_SUB_COUNT) __builtin_trap();
+    if (p.kind == DIAG_PACKET_EVENT && p.code > DIAG_EVENT_ID_MASK) __builtin_trap();
+    uint32_t sum = 0;
+    for (size_t i = 0; i < p.length; i++) sum += p.payload[i];
+    g_sink = sum;
+    if (p.kind != DIAG_PACKET_LOG) return;
+    /* The signalling message of a packet must lie inside it. */
+    for (uint16_t code : {LOG_LTE_RRC_OTA, LOG_LTE_NAS_EMM_OUT, LOG_WCDMA_RRC_SIGNALLING, LOG_GSM_RR_SIGNALLING}) {
         signalling_result r = signalling_extract(code, p.payload, p.length);
         if (r.status != SIGNALLING_OK) continue;
         if (r.msg.payload < p.payload || r.msg.length > p.length ||
@@ -47,37 +46,18 @@ void check_signalling(const diag_packet &p)
     }
 }
 
-void check_packet(void *, const diag_packet &p)
-{
-    if (!p.payload || p.sub >= DIAG_SUB_COUNT) __builtin_trap();
-    if (p.kind == DIAG_PACKET_EVENT && p.code > DIAG_EVENT_ID_MASK) __builtin_trap();
-    uint32_t sum = 0;
-    for (size_t i = 0; i < p.length; i++) sum += p.payload[i];
-    g_sink = sum;
-    if (p.kind == DIAG_PACKET_LOG) check_signalling(p);
-}
-
-diag_capture_format format_of(uint8_t control)
-{
-    switch (control & FUZZ_FORMAT_MASK) {
-    case 1: return DIAG_FORMAT_HDLC;
-    case 2: return DIAG_FORMAT_DLF;
-    default: return DIAG_FORMAT_AUTO;
-    }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     if (size == 0) return 0;
-    uint8_t control = data[0];
     const uint8_t *stream = data + 1;
     size_t len = size - 1;
-    size_t piece = (control >> FUZZ_PIECE_SHIFT) + 1u;
-    if (piece == FUZZ_WHOLE) piece = len ? len : 1;
+    size_t piece = (data[0] >> 2) + 1u;
+    if (piece == 64) piece = len ? len : 1;
+    const diag_capture_format formats[] = {DIAG_FORMAT_AUTO, DIAG_FORMAT_HDLC, DIAG_FORMAT_DLF, DIAG_FORMAT_AUTO};
 
-    diag_capture_reader reader(format_of(control), check_packet, nullptr);
+    diag_capture_reader reader(formats[data[0] & 3], check_packet, nullptr);
     for (size_t at = 0; at < len; at += piece) reader.feed(stream + at, len - at < piece ? len - at : piece);
     reader.finish();
     uint64_t skipped = 0;

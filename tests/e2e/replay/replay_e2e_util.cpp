@@ -1,15 +1,18 @@
 #include "replay_e2e_util.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
 #include <sstream>
+
+#include "sim_fixture.h"
 
 namespace replay_e2e {
 
@@ -40,11 +43,7 @@ void scan_events(const bytes &p, capture_scan *scan)
         uint16_t word = uint16_t(le(p, at, 2));
         at += 2 + ((word & 0x8000) ? 2 : 8);
         int code = (word >> 13) & 3;
-        if (code == 3) {
-            at += 1 + (at < p.size() ? p[at] : 0);
-        } else {
-            at += size_t(code);
-        }
+        at += code == 3 ? 1 + (at < p.size() ? p[at] : 0) : size_t(code);
         if (at > end) break;
         scan->events[word & 0xFFF]++;
     }
@@ -63,52 +62,29 @@ void scan_frame(bytes p, capture_scan *scan)
     }
 }
 
-void set_nonblocking(int fd)
-{
-    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
-}
-
-long long now_ms()
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return ts.tv_sec * 1000LL + ts.tv_nsec / 1000000;
-}
-
 /* Moves what is readable from `fd` into *acc; false at end of file. */
 bool drain(int fd, std::string *acc)
 {
     char buf[65536];
-    while (true) {
-        ssize_t n = read(fd, buf, sizeof(buf));
-        if (n > 0) {
-            acc->append(buf, size_t(n));
-            continue;
-        }
-        return n < 0;
-    }
+    ssize_t n;
+    while ((n = read(fd, buf, sizeof(buf))) > 0) acc->append(buf, size_t(n));
+    return n < 0;
 }
 
 }  // namespace
 
 bytes read_file(const std::string &path)
 {
-    bytes data;
-    FILE *f = fopen(path.c_str(), "rb");
-    if (!f) return data;
-    uint8_t buf[65536];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof(buf), f)) > 0) data.insert(data.end(), buf, buf + n);
-    fclose(f);
-    return data;
+    std::ifstream in(path, std::ios::binary);
+    return bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 bool write_file(const std::string &path, const bytes &data)
 {
-    FILE *f = fopen(path.c_str(), "wb");
-    if (!f) return false;
-    bool ok = fwrite(data.data(), 1, data.size(), f) == data.size();
-    return fclose(f) == 0 && ok;
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char *>(data.data()), std::streamsize(data.size()));
+    out.close();
+    return bool(out);
 }
 
 capture_scan scan_capture(const bytes &capture)
@@ -142,34 +118,38 @@ summary_tables parse_summary(const std::string &out)
 {
     summary_tables t;
     size_t at = out.rfind("\nsummary: ");
-    if (at == std::string::npos) {
-        if (out.compare(0, 9, "summary: ") != 0) return t;
-        at = 0;
-    } else {
-        at++;
-    }
+    at = at != std::string::npos ? at + 1 : out.compare(0, 9, "summary: ") == 0 ? 0 : std::string::npos;
+    if (at == std::string::npos) return t;
     t.found = true;
     std::istringstream in(out.substr(at));
-    std::string line;
     std::getline(in, t.first_line);
     std::map<uint32_t, uint64_t> *table = nullptr;
-    bool hex = false;
+    std::string line, key;
     while (std::getline(in, line)) {
         if (line.compare(0, 2, "  ") != 0) {
             table = nullptr;
-            if (line == "log packets per code:") table = &t.logs, hex = true;
-            if (line == "event records per id:") table = &t.events, hex = false;
-            if (line == "records made per data id:") table = &t.records, hex = false;
-            continue;
+            if (line == "log packets per code:") table = &t.logs;
+            if (line == "event records per id:") table = &t.events;
+            if (line == "records made per data id:") table = &t.records;
+        } else if (table) {
+            uint64_t count = 0;
+            std::istringstream(line) >> key >> count;
+            (*table)[uint32_t(strtoul(key.c_str(), nullptr, table == &t.logs ? 16 : 10))] = count;
         }
-        if (!table) continue;
-        std::istringstream fields(line);
-        std::string key;
-        uint64_t count = 0;
-        fields >> key >> count;
-        (*table)[uint32_t(strtoul(key.c_str(), nullptr, hex ? 16 : 10))] = count;
     }
     return t;
+}
+
+std::map<std::string, uint64_t> written_per_kind(const std::string &out)
+{
+    std::map<std::string, uint64_t> kinds;
+    size_t at = out.find("pcap messages written per kind:\n");
+    if (at == std::string::npos) return kinds;
+    for (at = out.find('\n', at) + 1; out.compare(at, 2, "  ") == 0; at = out.find('\n', at) + 1) {
+        std::string line = out.substr(at + 2, out.find('\n', at) - at - 2);
+        kinds[line.substr(0, line.rfind(' '))] = std::stoull(line.substr(line.rfind(' ') + 1));
+    }
+    return kinds;
 }
 
 bool pcap_records(const std::string &pcap, std::vector<std::string> *records)
@@ -187,6 +167,18 @@ bool pcap_records(const std::string &pcap, std::vector<std::string> *records)
     return true;
 }
 
+int exit_code(int status)
+{
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+run_result replay(const std::vector<std::string> &args, const std::string &stdin_text)
+{
+    std::vector<std::string> argv = {RLK_REPLAY_BINARY};
+    argv.insert(argv.end(), args.begin(), args.end());
+    return run_process(argv, {}, stdin_text);
+}
+
 child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
 {
     child c;
@@ -197,8 +189,7 @@ child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
     args.push_back(nullptr);
     c.pid = fork();
     if (c.pid == 0) {
-        int in = stdin_fd >= 0 ? stdin_fd : open("/dev/null", O_RDONLY);
-        dup2(in, STDIN_FILENO);
+        dup2(stdin_fd >= 0 ? stdin_fd : open("/dev/null", O_RDONLY), STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
         dup2(stderr_fd >= 0 ? stderr_fd : err[1], STDERR_FILENO);
         execv(args[0], args.data());
@@ -212,16 +203,17 @@ child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd)
         close(c.err);
         c.err = -1;
     }
-    set_nonblocking(c.out);
-    if (c.err >= 0) set_nonblocking(c.err);
+    for (int fd : {c.out, c.err}) {
+        if (fd >= 0) fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+    }
     return c;
 }
 
 bool read_until(const child &c, const std::string &needle, int timeout_ms, std::string *acc)
 {
-    long long deadline = now_ms() + timeout_ms;
+    long long deadline = monotonic_ms() + timeout_ms;
     while (acc->find(needle) == std::string::npos) {
-        long long left = deadline - now_ms();
+        long long left = deadline - monotonic_ms();
         if (left <= 0) return false;
         struct pollfd p = {c.out, POLLIN, 0};
         if (poll(&p, 1, int(left)) > 0 && !drain(c.out, acc)) return acc->find(needle) != std::string::npos;
@@ -231,10 +223,10 @@ bool read_until(const child &c, const std::string &needle, int timeout_ms, std::
 
 int finish(child *c, int timeout_ms, std::string *out, std::string *err)
 {
-    long long deadline = now_ms() + timeout_ms;
+    long long deadline = monotonic_ms() + timeout_ms;
     bool out_open = true, err_open = c->err >= 0;
     while (out_open || err_open) {
-        long long left = deadline - now_ms();
+        long long left = deadline - monotonic_ms();
         if (left <= 0) {
             kill(c->pid, SIGKILL);
             break;
@@ -250,6 +242,26 @@ int finish(child *c, int timeout_ms, std::string *out, std::string *err)
     if (c->err >= 0) close(c->err);
     c->pid = -1;
     return status;
+}
+
+run_result replay_interrupted(const std::vector<std::string> &args, int write_fd, const bytes &input,
+                              const std::string &needle, int sig)
+{
+    int fds[2] = {-1, -1};
+    if (write_fd < 0 && pipe2(fds, O_CLOEXEC) == 0) write_fd = fds[1];
+    std::vector<std::string> argv = {RLK_REPLAY_BINARY};
+    argv.insert(argv.end(), args.begin(), args.end());
+    child c = spawn(argv, fds[0]);
+    if (fds[0] >= 0) close(fds[0]);
+    run_result r = {-1, "", ""};
+    if (c.pid > 0) {
+        EXPECT_EQ(write(write_fd, input.data(), input.size()), ssize_t(input.size()));
+        EXPECT_TRUE(read_until(c, needle, k_wait_ms, &r.out)) << r.out;
+        kill(c.pid, sig);
+        r.status = finish(&c, k_wait_ms, &r.out, &r.err);
+    }
+    if (fds[1] >= 0) close(fds[1]);
+    return r;
 }
 
 }  // namespace replay_e2e

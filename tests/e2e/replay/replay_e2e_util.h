@@ -1,7 +1,8 @@
 /* Helpers of the rlk-replay end-to-end tests: an independent scan of a
  * capture (written apart from the product's reader: whole file in memory,
  * split on every flag, bit-by-bit CRC), the summary the program prints read
- * back into numbers, and a child process the test can signal. */
+ * back into numbers, the records of a pcap, and runs of the program, whole
+ * or as a child the test can signal. */
 #ifndef RLK_REPLAY_E2E_UTIL_H
 #define RLK_REPLAY_E2E_UTIL_H
 
@@ -12,9 +13,13 @@
 #include <string>
 #include <vector>
 
+#include "process_runner.h"
+
 namespace replay_e2e {
 
 using bytes = std::vector<uint8_t>;
+
+constexpr int k_wait_ms = 10000;
 
 struct scanned_log {
     uint16_t code;
@@ -44,10 +49,19 @@ struct summary_tables {
 };
 summary_tables parse_summary(const std::string &out);
 
+/* "pcap messages written per kind" of a text summary. */
+std::map<std::string, uint64_t> written_per_kind(const std::string &out);
+
 /* The records of a classic pcap stream (little-endian, link type IPv4),
  * each without its 16-byte record header; false when the file header is
  * not that or a record is cut short. */
 bool pcap_records(const std::string &pcap, std::vector<std::string> *records);
+
+/* The exit code of a wait status, -1 when the child did not exit. */
+int exit_code(int status);
+
+/* Runs rlk-replay with `args` and `stdin_text` to its end. */
+run_result replay(const std::vector<std::string> &args, const std::string &stdin_text = "");
 
 /* A running rlk-replay with its standard output and error as pipes. */
 struct child {
@@ -68,6 +82,13 @@ bool read_until(const child &c, const std::string &needle, int timeout_ms, std::
 /* Waits up to `timeout_ms` for the child's end (killing it after that),
  * reading the rest of its output; returns the wait status. */
 int finish(child *c, int timeout_ms, std::string *out, std::string *err);
+
+/* Starts rlk-replay with `args`, writes `input` to `write_fd` (-1: to a
+ * pipe that is the program's standard input, closed only after its end),
+ * reads its output until it holds `needle`, then sends `sig` and collects
+ * the rest. */
+run_result replay_interrupted(const std::vector<std::string> &args, int write_fd, const bytes &input,
+                              const std::string &needle, int sig);
 
 }  // namespace replay_e2e
 

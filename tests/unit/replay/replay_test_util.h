@@ -1,10 +1,12 @@
-/* Builders of diag capture bytes for the reader tests, and a collector of
- * what the reader hands over. */
+/* Builders of diag capture bytes, shared by the reader tests and the
+ * rlk-replay end-to-end tests, and a collector of what the reader hands
+ * over. */
 #ifndef RLK_REPLAY_TEST_UTIL_H
 #define RLK_REPLAY_TEST_UTIL_H
 
 #include <stdint.h>
 
+#include <string>
 #include <vector>
 
 #include "diag_capture.h"
@@ -19,6 +21,13 @@ inline void put_le(bytes *b, uint64_t v, int n)
     for (int i = 0; i < n; i++) b->push_back(static_cast<uint8_t>(v >> (8 * i)));
 }
 
+inline bytes concat(const std::vector<bytes> &parts)
+{
+    bytes out;
+    for (const bytes &p : parts) out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+
 /* The bytes from the log length field on: what a DLF record holds. */
 inline bytes inner_log(uint16_t code, uint64_t ts, const bytes &payload)
 {
@@ -26,8 +35,7 @@ inline bytes inner_log(uint16_t code, uint64_t ts, const bytes &payload)
     put_le(&b, DIAG_LOG_LENGTH_SELF + payload.size(), 2);
     put_le(&b, code, 2);
     put_le(&b, ts, 8);
-    b.insert(b.end(), payload.begin(), payload.end());
-    return b;
+    return concat({b, payload});
 }
 
 /* A log packet (command 0x10) as a frame payload. */
@@ -36,8 +44,7 @@ inline bytes log_packet(uint16_t code, uint64_t ts, const bytes &payload)
     bytes inner = inner_log(code, ts, payload);
     bytes b = {DIAG_CMD_LOG, 0};
     put_le(&b, inner.size(), 2);
-    b.insert(b.end(), inner.begin(), inner.end());
-    return b;
+    return concat({b, inner});
 }
 
 /* One event record; `truncated` writes a 2-byte timestamp.  The length code
@@ -45,25 +52,20 @@ inline bytes log_packet(uint16_t code, uint64_t ts, const bytes &payload)
 inline bytes event_record(uint16_t id, uint64_t ts, bool truncated, const bytes &payload, bool counted = false)
 {
     uint16_t code = payload.size() <= 2 && !counted ? static_cast<uint16_t>(payload.size()) : 3;
-    uint16_t word = static_cast<uint16_t>(id | (code << DIAG_EVENT_LEN_CODE_SHIFT) |
-                                          (truncated ? DIAG_EVENT_TRUNCATED_TS : 0));
     bytes b;
-    put_le(&b, word, 2);
+    put_le(&b, id | (code << DIAG_EVENT_LEN_CODE_SHIFT) | (truncated ? DIAG_EVENT_TRUNCATED_TS : 0), 2);
     put_le(&b, ts, truncated ? 2 : 8);
     if (code == 3) b.push_back(static_cast<uint8_t>(payload.size()));
-    b.insert(b.end(), payload.begin(), payload.end());
-    return b;
+    return concat({b, payload});
 }
 
 /* An event report (command 0x60) of the given records. */
 inline bytes event_report(const std::vector<bytes> &records)
 {
-    bytes body;
-    for (const bytes &r : records) body.insert(body.end(), r.begin(), r.end());
+    bytes body = concat(records);
     bytes b = {DIAG_CMD_EVENT_REPORT};
     put_le(&b, body.size(), 2);
-    b.insert(b.end(), body.begin(), body.end());
-    return b;
+    return concat({b, body});
 }
 
 /* `inner` inside a multi-SIM wrapper. */
@@ -71,8 +73,7 @@ inline bytes wrapped(uint32_t sub_id, const bytes &inner, uint8_t version = DIAG
 {
     bytes b = {DIAG_CMD_MULTI_SIM, version, 0, 0};
     put_le(&b, sub_id, 4);
-    b.insert(b.end(), inner.begin(), inner.end());
-    return b;
+    return concat({b, inner});
 }
 
 inline bytes frame(const bytes &payload)
@@ -82,10 +83,16 @@ inline bytes frame(const bytes &payload)
     return out;
 }
 
-inline bytes concat(const std::vector<bytes> &parts)
+/* Lower-case hex of bytes [from, end). */
+template <typename T>
+std::string hex(const T &b, size_t from = 0)
 {
-    bytes out;
-    for (const bytes &p : parts) out.insert(out.end(), p.begin(), p.end());
+    static const char digits[] = "0123456789abcdef";
+    std::string out;
+    for (size_t i = from; i < b.size(); i++) {
+        out += digits[uint8_t(b[i]) >> 4];
+        out += digits[uint8_t(b[i]) & 15];
+    }
     return out;
 }
 
@@ -98,6 +105,11 @@ struct seen_packet {
     uint16_t ts_short;
     uint64_t timestamp;
     bytes payload;
+    bool operator==(const seen_packet &o) const
+    {
+        return kind == o.kind && code == o.code && sub == o.sub && ts_truncated == o.ts_truncated &&
+               ts_short == o.ts_short && timestamp == o.timestamp && payload == o.payload;
+    }
 };
 
 inline void collect(void *ctx, const diag_packet &p)

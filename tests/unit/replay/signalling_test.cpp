@@ -7,59 +7,48 @@
 #include <vector>
 
 #include "gsmtap_pcap.h"
+#include "replay_test_util.h"
 #include "signalling.h"
 
-namespace {
+using replay_test::bytes;
+using replay_test::hex;
 
-using bytes = std::vector<uint8_t>;
+namespace {
 
 /* Little-endian fields of `n` bytes each, e.g. {{9, 1}, {5780, 4}}. */
 bytes fields(std::initializer_list<std::pair<uint32_t, int>> list, const bytes &tail = {})
 {
     bytes b;
-    for (const auto &f : list) {
-        for (int i = 0; i < f.second; i++) b.push_back(static_cast<uint8_t>(f.first >> (8 * i)));
-    }
-    b.insert(b.end(), tail.begin(), tail.end());
-    return b;
+    for (const auto &f : list) replay_test::put_le(&b, f.first, f.second);
+    return replay_test::concat({b, tail});
 }
 
 const bytes k_msg = {0x22, 0x0A, 0x7E, 0x7D};
 
 /* LTE RRC OTA of each header layout: version, releases, bearer, PCI,
  * EARFCN, SFN, PDU number, SIB mask, length, message. */
-bytes rrc_v2(uint8_t pdu, uint16_t earfcn)
-{
+const auto rrc_v2 = [](uint8_t pdu, uint16_t earfcn) {
     return fields({{2, 1}, {0x0870, 2}, {1, 1}, {185, 2}, {earfcn, 2}, {0x1234, 2}, {pdu, 1}, {4, 2}}, k_msg);
-}
-bytes rrc_v6(uint8_t pdu)
-{
+};
+const auto rrc_v6 = [](uint8_t pdu) {
     return fields({{6, 1}, {0x0970, 2}, {0, 1}, {185, 2}, {100, 2}, {0, 2}, {pdu, 1}, {0, 4}, {4, 2}}, k_msg);
-}
-bytes rrc_v9(uint8_t pdu, uint32_t earfcn = 5780, size_t len = 4)
-{
+};
+const auto rrc_v9 = [](uint8_t pdu, uint32_t earfcn = 5780, uint32_t len = 4) {
     return fields({{9, 1}, {0x700B, 2}, {1, 1}, {185, 2}, {earfcn, 4}, {0x8139, 2}, {pdu, 1}, {0, 4}, {len, 2}}, k_msg);
-}
-bytes rrc_v26(uint8_t pdu, uint32_t earfcn)
-{
+};
+const auto rrc_v26 = [](uint8_t pdu, uint32_t earfcn) {
     return fields({{26, 1}, {0x400F, 2}, {0x400F, 2}, {1, 1}, {270, 2}, {earfcn, 4}, {0, 2}, {pdu, 1}, {0, 4}, {4, 2}},
                   k_msg);
-}
-bytes nas(uint8_t version)
-{
-    return fields({{version, 1}, {9, 1}, {5, 1}, {0, 1}}, k_msg);
-}
-bytes wcdma(uint8_t channel, uint16_t length, bool cell = false)
-{
-    bytes b = fields({{channel, 1}, {3, 1}, {length, 2}});
-    if (cell) b = fields({{channel, 1}, {3, 1}, {length, 2}, {10700, 2}, {0x1A0, 2}});
-    b.insert(b.end(), k_msg.begin(), k_msg.end());
-    return b;
-}
-bytes gsm(uint8_t channel, uint8_t length)
-{
-    return fields({{channel, 1}, {0x1B, 1}, {length, 1}}, k_msg);
-}
+};
+/* NAS: version, three bytes, message.  WCDMA: channel, radio bearer,
+ * length, [UARFCN, PSC], message.  GSM: channel, message type, length,
+ * message. */
+const auto nas = [](uint8_t version) { return fields({{version, 1}, {9, 1}, {5, 1}, {0, 1}}, k_msg); };
+const auto wcdma = [](uint8_t channel, uint16_t length) { return fields({{channel, 1}, {3, 1}, {length, 2}}, k_msg); };
+const auto wcdma_cell = [](uint8_t channel, uint16_t length) {
+    return fields({{channel, 1}, {3, 1}, {length, 2}, {10700, 2}, {0x1A0, 2}}, k_msg);
+};
+const auto gsm = [](uint8_t channel, uint8_t length) { return fields({{channel, 1}, {0x1B, 1}, {length, 1}}, k_msg); };
 
 /* "02 04 <type> 00 <arfcn> 00 00 00000000 <sub> 000000" */
 std::string header_hex(uint8_t type, uint16_t arfcn, uint8_t sub)
@@ -69,17 +58,6 @@ std::string header_hex(uint8_t type, uint16_t arfcn, uint8_t sub)
     return buf;
 }
 
-std::string hex(const std::string &b, size_t from)
-{
-    std::string out;
-    char two[3];
-    for (size_t i = from; i < b.size(); i++) {
-        snprintf(two, sizeof(two), "%02x", static_cast<uint8_t>(b[i]));
-        out += two;
-    }
-    return out;
-}
-
 TEST(Signalling, EachKindGivesItsGsmtapHeaderAndMessage)
 {
     const std::string msg = "220a7e7d";
@@ -87,49 +65,47 @@ TEST(Signalling, EachKindGivesItsGsmtapHeaderAndMessage)
         const char *name;
         uint16_t code;
         bytes payload;
-        std::string header;
-        std::string message;
+        std::string gsmtap;
     } cases[] = {
-        {"LTE RRC DL-DCCH", 0xB0C0, rrc_v9(13), header_hex(0x0D, 5780, 1), msg},
-        {"LTE RRC UL-DCCH", 0xB0C0, rrc_v9(15), header_hex(0x0D, 0x4000 | 5780, 3), msg},
-        {"LTE RRC PCCH", 0xB0C0, rrc_v9(11, 70000), header_hex(0x0D, 0, 6), msg},
-        {"LTE RRC BCCH-BCH", 0xB0C0, rrc_v9(8), header_hex(0x0D, 5780, 4), msg},
-        {"LTE RRC UL-CCCH", 0xB0C0, rrc_v2(7, 1300), header_hex(0x0D, 0x4000 | 1300, 2), msg},
-        {"LTE RRC BCCH-DL-SCH", 0xB0C0, rrc_v6(2), header_hex(0x0D, 100, 5), msg},
-        {"LTE RRC DL-CCCH-NB", 0xB0C0, rrc_v26(48, 2500), header_hex(0x0D, 2500, 14), msg},
-        {"LTE RRC MCCH", 0xB0C0, rrc_v26(6, 2500), header_hex(0x0D, 2500, 7), msg},
-        {"LTE NAS EMM uplink", 0xB0ED, nas(1), header_hex(0x12, 0x4000, 0), msg},
-        {"LTE NAS ESM downlink", 0xB0E2, nas(1), header_hex(0x12, 0, 0), msg},
-        {"UMTS RRC DL-DCCH", 0x412F, wcdma(3, 4), header_hex(0x0C, 0, 0), msg},
-        {"UMTS RRC UL-DCCH", 0x412F, wcdma(0x81, 3, true), header_hex(0x0C, 0x4000 | 10700, 1), "220a7e"},
-        {"GSM BCCH", 0x512F, gsm(0x81, 4), header_hex(0x02, 0, 1), "0a7e7d"},
-        {"GSM SDCCH", 0x512F, gsm(0x05, 4), header_hex(0x02, 0x4000, 6), msg},
+        {"LTE RRC DL-DCCH", 0xB0C0, rrc_v9(13), header_hex(0x0D, 5780, 1) + msg},
+        {"LTE RRC UL-DCCH", 0xB0C0, rrc_v9(15), header_hex(0x0D, 0x4000 | 5780, 3) + msg},
+        {"LTE RRC PCCH", 0xB0C0, rrc_v9(11, 70000), header_hex(0x0D, 0, 6) + msg},
+        {"LTE RRC BCCH-BCH", 0xB0C0, rrc_v9(8), header_hex(0x0D, 5780, 4) + msg},
+        {"LTE RRC UL-CCCH", 0xB0C0, rrc_v2(7, 1300), header_hex(0x0D, 0x4000 | 1300, 2) + msg},
+        {"LTE RRC BCCH-DL-SCH", 0xB0C0, rrc_v6(2), header_hex(0x0D, 100, 5) + msg},
+        {"LTE RRC DL-CCCH-NB", 0xB0C0, rrc_v26(48, 2500), header_hex(0x0D, 2500, 14) + msg},
+        {"LTE RRC MCCH", 0xB0C0, rrc_v26(6, 2500), header_hex(0x0D, 2500, 7) + msg},
+        {"LTE NAS EMM uplink", 0xB0ED, nas(1), header_hex(0x12, 0x4000, 0) + msg},
+        {"LTE NAS ESM downlink", 0xB0E2, nas(1), header_hex(0x12, 0, 0) + msg},
+        {"UMTS RRC DL-DCCH", 0x412F, wcdma(3, 4), header_hex(0x0C, 0, 0) + msg},
+        {"UMTS RRC UL-DCCH", 0x412F, wcdma_cell(0x81, 3), header_hex(0x0C, 0x4000 | 10700, 1) + "220a7e"},
+        {"GSM BCCH", 0x512F, gsm(0x81, 4), header_hex(0x02, 0, 1) + "0a7e7d"},
+        {"GSM SDCCH", 0x512F, gsm(0x05, 4), header_hex(0x02, 0x4000, 6) + msg},
     };
+    const size_t gsmtap_at = PCAP_RECORD_HEADER_LEN + IPV4_HEADER_LEN + UDP_HEADER_LEN;
+    std::vector<std::string> records;
     for (const auto &c : cases) {
         signalling_result r = signalling_extract(c.code, c.payload.data(), c.payload.size());
         ASSERT_EQ(r.status, SIGNALLING_OK) << c.name;
         EXPECT_STREQ(r.kind, c.name);
-        std::string rec;
-        ASSERT_TRUE(pcap_append_gsmtap(&rec, 1453002041, 642000, r.msg)) << c.name;
-        size_t gsmtap_at = PCAP_RECORD_HEADER_LEN + IPV4_HEADER_LEN + UDP_HEADER_LEN;
-        ASSERT_EQ(rec.size(), gsmtap_at + GSMTAP_HEADER_LEN + c.message.size() / 2) << c.name;
-        EXPECT_EQ(hex(rec, gsmtap_at), c.header + c.message) << c.name;
+        records.emplace_back();
+        ASSERT_TRUE(pcap_append_gsmtap(&records.back(), 0x56A3F139, 642000, r.msg)) << c.name;
+        EXPECT_EQ(hex(records.back(), gsmtap_at), c.gsmtap) << c.name;
     }
-    /* The record and datagram around one message: sizes, loopback, port 4729
-     * both ways, a valid IPv4 header checksum. */
-    bytes p = rrc_v9(13);
+    /* The record and datagram around a message: time, lengths, loopback,
+     * port 4729 both ways, the IPv4 header checksum. */
+    EXPECT_EQ(hex(records[0]).substr(0, 2 * gsmtap_at),
+              "39f1a356d0cb09003000000030000000"
+              "450000300000000040117cbb7f0000017f000001"
+              "12791279001c0000");
+    /* A message no IPv4 datagram holds is not written. */
+    std::vector<uint8_t> big(GSMTAP_MAX_MESSAGE + 1);
+    gsmtap_message m;
+    m.payload = big.data();
+    m.length = big.size();
     std::string rec;
-    ASSERT_TRUE(pcap_append_gsmtap(&rec, 0x56A3F139, 642000, signalling_extract(0xB0C0, p.data(), p.size()).msg));
-    EXPECT_EQ(hex(rec, 0).substr(0, 2 * PCAP_RECORD_HEADER_LEN), "39f1a356d0cb0900" "30000000" "30000000");
-    std::string ip_udp = hex(rec, PCAP_RECORD_HEADER_LEN).substr(0, 2 * (IPV4_HEADER_LEN + UDP_HEADER_LEN));
-    EXPECT_EQ(ip_udp.substr(0, 20), "45000030000000004011"); /* version, length 48, TTL 64, UDP */
-    EXPECT_EQ(ip_udp.substr(24), "7f0000017f00000112791279001c0000");
-    uint32_t sum = 0;
-    for (size_t i = 0; i < IPV4_HEADER_LEN; i += 2) {
-        sum += uint32_t(uint8_t(rec[PCAP_RECORD_HEADER_LEN + i])) << 8 | uint8_t(rec[PCAP_RECORD_HEADER_LEN + i + 1]);
-    }
-    while (sum >> 16) sum = (sum & 0xFFFF) + (sum >> 16);
-    EXPECT_EQ(sum, 0xFFFFu);
+    EXPECT_FALSE(pcap_append_gsmtap(&rec, 0, 0, m));
+    EXPECT_TRUE(rec.empty());
 }
 
 TEST(Signalling, TruncatedUnknownAndOtherPacketsGiveNoMessage)
@@ -166,14 +142,6 @@ TEST(Signalling, TruncatedUnknownAndOtherPacketsGiveNoMessage)
         EXPECT_EQ(r.status, c.status) << c.name;
         EXPECT_EQ(r.version, c.version) << c.name;
     }
-    /* A message no IPv4 datagram holds is not written. */
-    std::vector<uint8_t> big(GSMTAP_MAX_MESSAGE + 1);
-    gsmtap_message m;
-    m.payload = big.data();
-    m.length = big.size();
-    std::string rec;
-    EXPECT_FALSE(pcap_append_gsmtap(&rec, 0, 0, m));
-    EXPECT_TRUE(rec.empty());
 }
 
 }  // namespace
