@@ -7,15 +7,21 @@
 #include <gtest/gtest.h>
 #include <math.h>
 #include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "../../unit/replay/replay_test_util.h"
 #include "capture_files.h"
 #include "replay_e2e_util.h"
 
 using namespace replay_e2e;
+using replay_test::concat;
+using replay_test::inner_log;
 
 namespace {
 
@@ -46,13 +52,10 @@ protected:
 std::vector<std::string> packet_blocks(const std::string &out)
 {
     std::vector<std::string> blocks;
-    size_t at = 0;
-    while ((at = out.find('#', at)) != std::string::npos && (at == 0 || out[at - 1] == '\n')) {
-        size_t next = out.find("\n#", at);
-        size_t end = next == std::string::npos ? out.find("\nsummary: ", at) : next;
-        blocks.push_back(out.substr(at, end == std::string::npos ? std::string::npos : end + 1 - at));
-        if (next == std::string::npos) break;
-        at = next + 1;
+    std::string text = "\n" + out.substr(0, out.rfind("\nsummary: ") + 1);
+    for (size_t at = text.find("\n#"), next; at != std::string::npos; at = next) {
+        next = text.find("\n#", at + 1);
+        blocks.push_back(text.substr(at + 1, next == std::string::npos ? std::string::npos : next - at));
     }
     return blocks;
 }
@@ -109,28 +112,6 @@ TEST_F(ReplayCaptureTest, CountsMatchAnIndependentScanAndThePcapDecodesInTshark)
     }
 }
 
-/* Sub-packet 25 version 19 (one cell): EARFCN u32 @0, PCI bits 0-8 @8,
- * RSRP rx0/rx1 bits 10-21 @24 / 12-23 @28 (raw/16 - 180 dBm), RSRQ rx0/rx1
- * bits 12-21 @36 / 0-9 @40 (raw/16 - 30 dB), RSSI rx0/rx1 bits 10-20 /
- * 21-31 @44 (raw/16 - 110 dBm), offsets after the 4-byte packet header and
- * the 4-byte sub-packet header.  Returns "earfcn", "pci" and the six
- * values in that order. */
-std::vector<double> decode_v19(const bytes &p)
-{
-    auto u32 = [&](size_t at) {
-        return uint32_t(p[8 + at]) | uint32_t(p[9 + at]) << 8 | uint32_t(p[10 + at]) << 16 | uint32_t(p[11 + at]) << 24;
-    };
-    auto bits = [&](size_t at, int lo, int hi) { return (u32(at) >> lo) & ((1u << (hi - lo + 1)) - 1); };
-    return {double(u32(0)),
-            double(bits(8, 0, 8)),
-            bits(24, 10, 21) / 16.0 - 180,
-            bits(28, 12, 23) / 16.0 - 180,
-            bits(36, 12, 21) / 16.0 - 30,
-            bits(40, 0, 9) / 16.0 - 30,
-            bits(44, 10, 20) / 16.0 - 110,
-            bits(44, 21, 31) / 16.0 - 110};
-}
-
 /* The serving-cell values of the first packets follow the public layout;
  * the log records of the capture written as DLF decode to the same text. */
 TEST_F(ReplayCaptureTest, ServingCellValuesFollowThePublicLayoutAndDlfDecodesTheSame)
@@ -147,28 +128,37 @@ TEST_F(ReplayCaptureTest, ServingCellValuesFollowThePublicLayoutAndDlfDecodesThe
     /* The first packet's values as the public decoders list them. */
     EXPECT_NE(b193[0].find("earfcn = 5780, rx_valid = 3, pci = 185,"), std::string::npos) << b193[0];
     EXPECT_EQ(b193[0].substr(0, 60), "#1 2016-01-17 03:40:41.642 UTC log 0xB193 length 368 sub 0\nm");
-    const char *const keys[] = {"earfcn", "pci", "rsrp_rx0", "rsrp_rx1", "rsrq_rx0", "rsrq_rx1", "rssi_rx0", "rssi_rx1"};
+    /* Sub-packet 25 version 19 (one cell), offsets after the 4-byte packet
+     * header and the 4-byte sub-packet header: bits lo-hi of the u32 at
+     * `at`, divided by `div`, plus `base`. */
+    const struct {
+        const char *key;
+        size_t at;
+        int lo, hi;
+        double div, base;
+    } fields[] = {
+        {"earfcn", 0, 0, 31, 1, 0},         {"pci", 8, 0, 8, 1, 0},
+        {"rsrp_rx0", 24, 10, 21, 16, -180}, {"rsrp_rx1", 28, 12, 23, 16, -180},
+        {"rsrq_rx0", 36, 12, 21, 16, -30},  {"rsrq_rx1", 40, 0, 9, 16, -30},
+        {"rssi_rx0", 44, 10, 20, 16, -110}, {"rssi_rx1", 44, 21, 31, 16, -110},
+    };
     size_t n = 0;
     for (const scanned_log &l : scan.log_packets) {
         if (l.code != 0xB193 || n >= 8) continue;
         const std::string &got = b193[n++];
         EXPECT_NE(got.find("subpacket_id = 25, version_ssmr = 19\n"), std::string::npos) << got;
-        std::vector<double> want = decode_v19(l.payload);
-        for (size_t k = 0; k < want.size(); k++) {
-            size_t at = got.find(std::string(keys[k]) + " = ");
-            double value = at == std::string::npos ? NAN : strtod(got.c_str() + at + strlen(keys[k]) + 3, nullptr);
+        for (const auto &f : fields) {
+            const uint8_t *p = &l.payload[8 + f.at];
+            uint64_t u32 = p[0] | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+            double want = double((u32 >> f.lo) & ((uint64_t(1) << (f.hi - f.lo + 1)) - 1)) / f.div + f.base;
+            size_t at = got.find(std::string(f.key) + " = ");
+            double value = at == std::string::npos ? NAN : strtod(got.c_str() + at + strlen(f.key) + 3, nullptr);
             /* Two decimals of a multiple of 1/16 (ties at the third decimal). */
-            EXPECT_NEAR(value, want[k], 0.0051) << keys[k] << "\n" << got;
+            EXPECT_NEAR(value, want, 0.0051) << f.key << "\n" << got;
         }
     }
     bytes dlf;
-    for (const scanned_log &l : scan.log_packets) {
-        size_t len = 12 + l.payload.size();
-        bytes head = {uint8_t(len), uint8_t(len >> 8), uint8_t(l.code), uint8_t(l.code >> 8)};
-        for (int i = 0; i < 8; i++) head.push_back(uint8_t(l.timestamp >> (8 * i)));
-        dlf.insert(dlf.end(), head.begin(), head.end());
-        dlf.insert(dlf.end(), l.payload.begin(), l.payload.end());
-    }
+    for (const scanned_log &l : scan.log_packets) dlf = concat({dlf, inner_log(l.code, l.timestamp, l.payload)});
     std::string path = tmp_ + "/att.dlf";
     ASSERT_TRUE(write_file(path, dlf));
     for (const char *format : {"auto", "dlf"}) {

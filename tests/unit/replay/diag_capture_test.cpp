@@ -221,7 +221,7 @@ TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
     bytes c = inner_log(0xB064, 12, bytes(300, 0x7E));
     read_result r = read_stream(concat({a, b, c}), DIAG_FORMAT_DLF);
     EXPECT_EQ(r.text, "0xb193:a=010203 0xb0c2:b= 0xb064:c#300 | frames 3");
-    EXPECT_EQ(r.packets[2].payload, bytes(300, 0x7E));
+    EXPECT_EQ(r.packets.at(2).payload, bytes(300, 0x7E));
     /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
     r = read_stream(concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)}), DIAG_FORMAT_DLF);
     EXPECT_EQ(r.text, "0xb193:a=010203 0xb0c2:b= | frames 2, truncated 1, record 1");

@@ -51,16 +51,10 @@ TEST(ReplayTime, CalendarAndMilliseconds)
 TEST(ReplayHeader, LogEventAndTruncatedTimestamp)
 {
     const uint8_t byte = 0;
-    diag_packet log = {DIAG_PACKET_LOG, 0xB193, 1, false, 0, ts_of(60, 250), &byte, 528};
-    diag_packet event = {DIAG_PACKET_EVENT, 1606, 0, false, 0, ts_of(61, 0), &byte, 1};
-    diag_packet truncated = event;
-    truncated.ts_truncated = true;
-    truncated.ts_short = 0x0abc;
-    truncated.length = 0;
     std::string s;
-    replay_append_header(&s, 7, log);
-    replay_append_header(&s, 8, event);
-    replay_append_header(&s, 9, truncated);
+    replay_append_header(&s, 7, {DIAG_PACKET_LOG, 0xB193, 1, false, 0, ts_of(60, 250), &byte, 528});
+    replay_append_header(&s, 8, {DIAG_PACKET_EVENT, 1606, 0, false, 0, ts_of(61, 0), &byte, 1});
+    replay_append_header(&s, 9, {DIAG_PACKET_EVENT, 1606, 0, true, 0x0abc, ts_of(61, 0), &byte, 0});
     EXPECT_EQ(s,
               "#7 1980-01-06 00:01:00.250 UTC log 0xB193 length 528 sub 1\n"
               "#8 1980-01-06 00:01:01.000 UTC event 1606 length 1 sub 0\n"
@@ -104,6 +98,16 @@ replay_options parse_ok(std::vector<const char *> args)
     return opts;
 }
 
+/* The codes a filter selects. */
+std::vector<size_t> chosen(const std::vector<bool> &selected)
+{
+    std::vector<size_t> codes;
+    for (size_t i = 0; i < selected.size(); i++) {
+        if (selected[i]) codes.push_back(i);
+    }
+    return codes;
+}
+
 TEST(ReplayOptions, FormsThatParse)
 {
     replay_options o = parse_ok({"-s", "--format=dlf", "a.qmdl", "-", "--", "-j"});
@@ -115,19 +119,12 @@ TEST(ReplayOptions, FormsThatParse)
     o = parse_ok({"--log", "0xB193,45236", "-l", "0x1", "-e", "1606", "--event=4095", "--json", "x"});
     EXPECT_TRUE(o.filter);
     EXPECT_EQ(o.mode, REPLAY_OUTPUT_JSON);
-    EXPECT_TRUE(o.logs[0xB193]);
-    EXPECT_TRUE(o.logs[0xB0B4]);
-    EXPECT_TRUE(o.logs[1]);
-    EXPECT_FALSE(o.logs[0xB0C2]);
-    EXPECT_TRUE(o.events[1606]);
-    EXPECT_TRUE(o.events[4095]);
-    EXPECT_FALSE(o.events[1632]);
+    EXPECT_EQ(chosen(o.logs), (std::vector<size_t>{1, 0xB0B4, 0xB193}));
+    EXPECT_EQ(chosen(o.events), (std::vector<size_t>{1606, 4095}));
+    /* Decimal despite the leading zero. */
+    EXPECT_EQ(chosen(parse_ok({"--event", "01606", "x"}).events), std::vector<size_t>{1606});
 
-    o = parse_ok({"--event", "01606", "x"});
-    EXPECT_TRUE(o.events[1606]); /* decimal despite the leading zero */
-
-    o = parse_ok({"--help"});
-    EXPECT_TRUE(o.help);
+    EXPECT_TRUE(parse_ok({"--help"}).help);
     o = parse_ok({"-f", "hdlc", "--no-progress", "/dev/ttyUSB0"});
     EXPECT_EQ(o.format, DIAG_FORMAT_HDLC);
     EXPECT_FALSE(o.progress);
