@@ -130,7 +130,6 @@ summary_tables parse_summary(const std::string &out)
             table = nullptr;
             if (line == "log packets per code:") table = &t.logs;
             if (line == "event records per id:") table = &t.events;
-            if (line == "records made per data id:") table = &t.records;
         } else if (table) {
             uint64_t count = 0;
             std::istringstream(line) >> key >> count;

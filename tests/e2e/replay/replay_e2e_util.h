@@ -41,11 +41,11 @@ bool write_file(const std::string &path, const bytes &data);
 capture_scan scan_capture(const bytes &capture);
 
 /* The tables of the text summary: "log packets per code" (keys parsed as
- * hex), "event records per id", "records made per data id". */
+ * hex) and "event records per id". */
 struct summary_tables {
     bool found = false;
     std::string first_line;
-    std::map<uint32_t, uint64_t> logs, events, records;
+    std::map<uint32_t, uint64_t> logs, events;
 };
 summary_tables parse_summary(const std::string &out);
 
