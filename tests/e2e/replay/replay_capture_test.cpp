@@ -20,7 +20,6 @@
 #include "replay_e2e_util.h"
 
 using namespace replay_e2e;
-using replay_test::concat;
 using replay_test::inner_log;
 
 namespace {
@@ -158,7 +157,10 @@ TEST_F(ReplayCaptureTest, ServingCellValuesFollowThePublicLayoutAndDlfDecodesThe
         }
     }
     bytes dlf;
-    for (const scanned_log &l : scan.log_packets) dlf = concat({dlf, inner_log(l.code, l.timestamp, l.payload)});
+    for (const scanned_log &l : scan.log_packets) {
+        bytes record = inner_log(l.code, l.timestamp, l.payload);
+        dlf.insert(dlf.end(), record.begin(), record.end());
+    }
     std::string path = tmp_ + "/att.dlf";
     ASSERT_TRUE(write_file(path, dlf));
     for (const char *format : {"auto", "dlf"}) {
