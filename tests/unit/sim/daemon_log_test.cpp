@@ -1,17 +1,11 @@
 /* The simulator's log: complaints held to a rate per kind with a summary
  * of what was held back, and rotation at the size limit. */
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <unistd.h>
-
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "daemon_log.h"
+#include "sim_test_util.h"
 
 namespace {
 
@@ -38,21 +32,8 @@ std::vector<std::string> lines_of(const std::string &path)
 
 class DaemonLogTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        char templ[] = "/tmp/rlk-test-log-XXXXXX";
-        ASSERT_NE(mkdtemp(templ), nullptr);
-        dir = templ;
-        path = dir + "/modemd.log";
-    }
-    void TearDown() override
-    {
-        unlink(path.c_str());
-        unlink((path + ".1").c_str());
-        unlink((dir + "/elsewhere").c_str());
-        rmdir(dir.c_str());
-    }
-    std::string dir, path;
+    temp_dir dir;
+    std::string path = dir.path + "/modemd.log";
 };
 
 TEST_F(DaemonLogTest, EachKindOfComplaintIsHeldToItsRateAndSummarised)
@@ -112,7 +93,7 @@ TEST_F(DaemonLogTest, RotatesAtTheLimitKeepingOnePreviousFile)
 
 TEST_F(DaemonLogTest, RefusesASymbolicLinkAndLimitsBelowOneLine)
 {
-    std::string target = dir + "/elsewhere";
+    std::string target = dir.path + "/elsewhere";
     ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
     std::string error;
     daemon_log log;
