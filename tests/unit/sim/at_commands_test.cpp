@@ -24,7 +24,6 @@ TEST(AtCommandsTest, ImeiFromNvItem)
     };
     for (const auto &c : cases) EXPECT_EQ(modemd::at_imei_from_nv(c.nv), c.imei) << c.imei;
 }
-
 /* Answers in order (the state of one command reaches the next), and
  * without the IMEI item the serial number is an error. */
 TEST(AtCommandsTest, AnswersInOrder)
@@ -37,27 +36,16 @@ TEST(AtCommandsTest, AnswersInOrder)
         const char *line;
         const char *answer;
     } cases[] = {
-        {"", ""},
-        {"  ", ""},
-        {"AT", "\r\nOK\r\n"},
-        {" at ", "\r\nOK\r\n"},
+        {"", ""}, {"  ", ""}, {"AT", "\r\nOK\r\n"}, {" at ", "\r\nOK\r\n"},
         {"ATI", "\r\nManufacturer: RLK\r\n\r\nModel: rlk-modemd\r\n\r\nRevision: RLK.MPSS.1.0\r\n\r\n"
                 "IMEI: 355343101234560\r\n\r\nOK\r\n"},
-        {"AT+GSN", "\r\n355343101234560\r\n\r\nOK\r\n"},
-        {"AT+CGMM", "\r\nrlk-modemd\r\n\r\nOK\r\n"},
-        {"AT+CGMR", "\r\nRLK.MPSS.1.0\r\n\r\nOK\r\n"},
-        {"AT+CSQ=?", "\r\n+CSQ: (0-31,99),(0-7,99)\r\n\r\nOK\r\n"},
-        {"AT+CFUN?", "\r\n+CFUN: 1\r\n\r\nOK\r\n"},
-        {"AT+CFUN=0,1", "\r\nOK\r\n"},
-        {"at+cfun?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"},
-        {"AT+CFUN=1,2", "\r\nERROR\r\n"},
-        {"AT+CFUN=", "\r\nERROR\r\n"},
-        {"AT+CFUN=?", "\r\n+CFUN: (0,1,4),(0-1)\r\n\r\nOK\r\n"},
-        {"ATE1", "\r\nOK\r\n"},
-        {"ATZ", "\r\nOK\r\n"},
+        {"AT+GSN", "\r\n355343101234560\r\n\r\nOK\r\n"}, {"AT+CGMM", "\r\nrlk-modemd\r\n\r\nOK\r\n"},
+        {"AT+CGMR", "\r\nRLK.MPSS.1.0\r\n\r\nOK\r\n"}, {"AT+CSQ=?", "\r\n+CSQ: (0-31,99),(0-7,99)\r\n\r\nOK\r\n"},
+        {"AT+CFUN?", "\r\n+CFUN: 1\r\n\r\nOK\r\n"}, {"AT+CFUN=0,1", "\r\nOK\r\n"},
+        {"at+cfun?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"}, {"AT+CFUN=1,2", "\r\nERROR\r\n"}, {"AT+CFUN=", "\r\nERROR\r\n"},
+        {"AT+CFUN=?", "\r\n+CFUN: (0,1,4),(0-1)\r\n\r\nOK\r\n"}, {"ATE1", "\r\nOK\r\n"}, {"ATZ", "\r\nOK\r\n"},
         {"AT+CFUN?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"}, /* the reset keeps the level */
-        {"hello", "\r\nERROR\r\n"},
-        {"ATX", "\r\nERROR\r\n"},
+        {"hello", "\r\nERROR\r\n"}, {"ATX", "\r\nERROR\r\n"},
     };
     for (const auto &c : cases) EXPECT_EQ(modemd::at_answer(c.line, &state, store), c.answer) << c.line;
     EXPECT_FALSE(state.echo);

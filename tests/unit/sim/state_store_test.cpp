@@ -48,24 +48,16 @@ TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
     ASSERT_EQ(mkdir((state + "/efs/tst").c_str(), 0700), 0);
     ASSERT_EQ(symlink(outside.c_str(), (state + "/efs/tst/deeper").c_str()), 0);
     const std::vector<uint8_t> data = {'x', 'y'};
-    struct path_case {
-        const char *modem_path;
-        std::string target; /* what the link would reach */
-    } cases[] = {
-        {"/linked_dir/secret", outside + "/secret"},
-        {"/linked_file", outside + "/secret"},
-        {"/tst/deeper/secret", outside + "/secret"},
-    };
-    for (const path_case &c : cases) {
-        SCOPED_TRACE(c.modem_path);
+    const std::string secret = outside + "/secret"; /* what every link would reach */
+    for (const char *path : {"/linked_dir/secret", "/linked_file", "/tst/deeper/secret"}) {
+        SCOPED_TRACE(path);
         std::vector<uint8_t> got;
-        EXPECT_EQ(store.efs_read(c.modem_path, &got), modemd::k_efs_enoent);
+        EXPECT_EQ(store.efs_read(path, &got), modemd::k_efs_enoent);
         EXPECT_TRUE(got.empty());
-        EXPECT_FALSE(store.efs_exists(c.modem_path));
-        EXPECT_EQ(store.efs_delete(c.modem_path), modemd::k_efs_enoent);
-        EXPECT_EQ(file_text(c.target), "private");
-        EXPECT_NE(store.efs_write(c.modem_path, data), modemd::k_efs_ok);
-        EXPECT_EQ(file_text(c.target), "private");
+        EXPECT_FALSE(store.efs_exists(path));
+        EXPECT_EQ(store.efs_delete(path), modemd::k_efs_enoent);
+        EXPECT_NE(store.efs_write(path, data), modemd::k_efs_ok);
+        EXPECT_EQ(file_text(secret), "private");
     }
     /* New files through a linked directory are not made either. */
     EXPECT_NE(store.efs_write("/linked_dir/new", data), modemd::k_efs_ok);
