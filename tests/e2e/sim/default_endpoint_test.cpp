@@ -26,11 +26,8 @@ class DefaultEndpointTest : public ::testing::Test {
 protected:
     temp_dir runtime;
     std::string dir = runtime.path + "/rlk-modemd";
-    std::vector<std::string> env = {"RLK_MODEMD_SOCKET=",
-                                    "RLK_SYSLOG_FILE=",
-                                    "RLK_LOGCAT_FILE=",
-                                    "XDG_RUNTIME_DIR=" + runtime.path,
-                                    std::string("RLK_MODEMD=") + RLK_MODEMD_BINARY,
+    std::vector<std::string> env = {"RLK_MODEMD_SOCKET=", "RLK_SYSLOG_FILE=", "RLK_LOGCAT_FILE=",
+                                    "XDG_RUNTIME_DIR=" + runtime.path, std::string("RLK_MODEMD=") + RLK_MODEMD_BINARY,
                                     "RLK_MODEMD_IDLE_EXIT=1"};
 };
 

@@ -218,7 +218,7 @@ TEST_F(ExtServiceTest, MalformedCardRequestsAreRefusedAndAHotSwapRunIsExclusive)
         {TOLVEK_CARD_TYPE_HOTSWAP, {1}, -1},          /* start without its values */
         {TOLVEK_CARD_TYPE_HOTSWAP, {0, 1, 1, 1}, -1}, /* stop with values */
         {TOLVEK_CARD_TYPE_HOTSWAP, {1, 0, 1, 1}, -1}, /* no cycle */
-        {TOLVEK_CARD_TYPE_HOTSWAP, {1, 1, 3601, 1}, -1},  /* a time above 3600 */
+        {TOLVEK_CARD_TYPE_HOTSWAP, {1, 1, 3601, 1}, -1},  /* a wait above 3600 s */
         {TOLVEK_CARD_TYPE_HOTSWAP, {1, 10001, 1, 1}, -1}, /* more than 10000 cycles */
         {TOLVEK_CARD_TYPE_HOTSWAP, {}, 0},                /* no value at all */
     };
