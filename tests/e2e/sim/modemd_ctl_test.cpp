@@ -22,8 +22,9 @@ run_result ctl_binary(const sim_instance &sim, const std::vector<std::string> &a
 
 /* Answers and requests larger than a packet arrive whole through the
  * tool's client; a client that cannot take pieces gets an error rather
- * than a cut answer. */
-TEST(ModemdCtl, AnswersAndRequestsLargerThanAPacketArriveWhole)
+ * than a cut answer; the exit status of `ctl` when no whole answer comes
+ * in time. */
+TEST(ModemdCtl, LargeAnswersArriveWholeAndTimeOutsExitNonZero)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
@@ -57,12 +58,8 @@ TEST(ModemdCtl, AnswersAndRequestsLargerThanAPacketArriveWhole)
     EXPECT_EQ(sim.ctl("efs put /big/huge " + std::string(5u << 20, '0')).compare(0, 30, "error request larger than 4194"),
               0);
     EXPECT_EQ(sim.ctl("ping"), "ok");
-}
 
-TEST(ModemdCtl, TimesOutAndExitsNonZeroWithoutAWholeAnswer)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
+    /* `ctl` times out and exits non-zero without a whole answer. */
     const std::string mute = sim.dir() + "/mute.sock"; /* takes connections, never answers */
     int mute_fd = seqpacket_at(mute, true);
     ASSERT_EQ(listen(mute_fd, 8), 0);
