@@ -1,33 +1,14 @@
 /* `rlk-modemd ctl` and the control interface with answers and requests
  * larger than one packet, a simulator that does not answer, and the exit
  * status scripts rely on. */
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <sys/un.h>
-#include <unistd.h>
-
 #include <algorithm>
 
 #include <gtest/gtest.h>
 
+#include "../../unit/sim/sim_test_util.h"
 #include "raw_modemd.h"
-#include "sim_fixture.h"
 
 namespace {
-
-constexpr size_t k_big_file = TOLVEK_EFS_FILE_MAX; /* 102410 bytes */
-
-std::string pattern_hex(size_t n)
-{
-    static const char d[] = "0123456789abcdef";
-    std::string s;
-    for (size_t i = 0; i < n; i++) {
-        uint8_t b = uint8_t(i * 7 + i / 256);
-        s += d[b >> 4];
-        s += d[b & 15];
-    }
-    return s;
-}
 
 run_result ctl_binary(const sim_instance &sim, const std::vector<std::string> &args,
                       const std::vector<std::string> &env = {})
@@ -39,30 +20,33 @@ run_result ctl_binary(const sim_instance &sim, const std::vector<std::string> &a
     return run_process(argv, e, "", 20000);
 }
 
-int exit_code(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
-
-TEST(ModemdCtl, AnswersAndRequestsLargerThanAPacketArriveWhole)
+/* Answers and requests larger than a packet arrive whole through the
+ * tool's client; a client that cannot take pieces gets an error rather
+ * than a cut answer; the exit status of `ctl` when no whole answer comes
+ * in time. */
+TEST(ModemdCtl, LargeAnswersArriveWholeAndTimeOutsExitNonZero)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
-    std::string hex = pattern_hex(k_big_file);
+    std::string hex = hex_of(TOLVEK_EFS_FILE_MAX, [](size_t i) { return i * 7 + i / 256; });
     ASSERT_EQ(sim.ctl("efs put /big/file " + hex), "ok") << "a request of " << hex.size() << " bytes";
-
     run_result r = ctl_binary(sim, {"efs", "get", "/big/file"});
     EXPECT_EQ(exit_code(r.status), 0) << r.err;
-    EXPECT_EQ(r.out.size(), 3 + 2 * k_big_file + 1);
+    EXPECT_EQ(r.out.size(), 3 + 2 * TOLVEK_EFS_FILE_MAX + 1);
     EXPECT_TRUE(r.out == "ok " + hex + "\n") << "the answer differs";
+
+    raw_conn old_client;
+    ASSERT_TRUE(old_client.open(MODEMD_CONN_CONTROL));
+    EXPECT_EQ(ask(old_client, "efs get /big/file").compare(0, 16, "error answer of "), 0);
+    EXPECT_EQ(ask(old_client, "getprop ro.none"), "ok ") << "small answers stay one packet";
 
     /* 200 journal lines of full requests: more than the socket holds. */
     raw_ext_client ext;
     ASSERT_TRUE(ext.attach());
-    tolvek_extend_msg req, resp;
-    memset(&req, 0, sizeof(req));
-    req.msg_code = 0; /* echo */
-    req.data_len = TOLVEK_EXTEND_DATA_MAX;
-    req.data_valid = 1;
-    memset(req.data, 0xA5, sizeof(req.data));
-    for (int i = 0; i < 200; i++) ASSERT_TRUE(ext.call(req, &resp)) << i;
+    uint8_t fill[TOLVEK_EXTEND_DATA_MAX];
+    memset(fill, 0xA5, sizeof(fill));
+    tolvek_extend_msg echo = ext_msg(0, fill), resp;
+    for (int i = 0; i < 200; i++) ASSERT_TRUE(ext.call(echo, &resp)) << i;
     r = ctl_binary(sim, {"last", "200"});
     EXPECT_EQ(exit_code(r.status), 0) << r.err;
     EXPECT_GT(r.out.size(), size_t(3 * MODEMD_MAX_PACKET));
@@ -74,63 +58,19 @@ TEST(ModemdCtl, AnswersAndRequestsLargerThanAPacketArriveWhole)
     EXPECT_EQ(sim.ctl("efs put /big/huge " + std::string(5u << 20, '0')).compare(0, 30, "error request larger than 4194"),
               0);
     EXPECT_EQ(sim.ctl("ping"), "ok");
-}
 
-TEST(ModemdCtl, AClientWithoutPiecesGetsAnErrorNotACutAnswer)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
-    ASSERT_EQ(sim.ctl("efs put /big/file " + pattern_hex(k_big_file)), "ok");
-    raw_conn old_client;
-    ASSERT_TRUE(old_client.open(MODEMD_CONN_CONTROL));
-    std::string req = "efs get /big/file";
-    ASSERT_TRUE(old_client.send(std::vector<uint8_t>(req.begin(), req.end())));
-    std::vector<uint8_t> a = old_client.recv(3000);
-    std::string answer(a.begin(), a.end());
-    EXPECT_EQ(answer.compare(0, 16, "error answer of "), 0) << answer.substr(0, 80);
-    req = "getprop ro.none";
-    ASSERT_TRUE(old_client.send(std::vector<uint8_t>(req.begin(), req.end())));
-    a = old_client.recv(3000);
-    EXPECT_EQ(std::string(a.begin(), a.end()), "ok ") << "small answers stay one packet";
-}
-
-/* A socket that takes connections and never answers. */
-struct mute_server {
-    int fd = -1;
-    std::string path;
-    explicit mute_server(const std::string &p) : path(p)
-    {
-        fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-        sockaddr_un addr = {};
-        addr.sun_family = AF_UNIX;
-        snprintf(addr.sun_path, sizeof(addr.sun_path), "%s", path.c_str());
-        if (bind(fd, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)) != 0 || listen(fd, 8) != 0) {
-            close(fd);
-            fd = -1;
-        }
-    }
-    ~mute_server()
-    {
-        if (fd >= 0) close(fd);
-        unlink(path.c_str());
-    }
-};
-
-TEST(ModemdCtl, TimesOutAndExitsNonZeroWithoutAWholeAnswer)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
-    mute_server mute(sim.dir() + "/mute.sock");
-    ASSERT_GE(mute.fd, 0);
-
+    /* `ctl` times out and exits non-zero without a whole answer. */
+    const std::string mute = sim.dir() + "/mute.sock"; /* takes connections, never answers */
+    int mute_fd = seqpacket_at(mute, true);
+    ASSERT_EQ(listen(mute_fd, 8), 0);
     struct {
         std::vector<std::string> args;
         std::vector<std::string> env;
         int status;
         const char *err;
     } cases[] = {
-        {{"--socket", mute.path, "--timeout", "300", "ping"}, {}, 2, "no answer in time"},
-        {{"--socket", mute.path, "ping"}, {"RLK_MODEMD_CTL_TIMEOUT_MS=300"}, 2, "no answer in time"},
+        {{"--socket", mute, "--timeout", "300", "ping"}, {}, 2, "no answer in time"},
+        {{"--socket", mute, "ping"}, {"RLK_MODEMD_CTL_TIMEOUT_MS=300"}, 2, "no answer in time"},
         {{"--timeout", "0", "ping"}, {}, 2, "bad time-out"},
         {{"ping"}, {"RLK_MODEMD_CTL_TIMEOUT_MS=soon"}, 2, "bad RLK_MODEMD_CTL_TIMEOUT_MS"},
         {{"--socket", sim.dir() + "/nobody.sock", "ping"}, {}, 2, "nobody.sock"},
@@ -140,12 +80,12 @@ TEST(ModemdCtl, TimesOutAndExitsNonZeroWithoutAWholeAnswer)
     for (const auto &c : cases) {
         long long t0 = monotonic_ms();
         run_result r = ctl_binary(sim, c.args, c.env);
-        long long took = monotonic_ms() - t0;
-        std::string what = c.args.back() + " " + (c.env.empty() ? "" : c.env[0]);
-        EXPECT_EQ(exit_code(r.status), c.status) << what << ": " << r.err;
-        EXPECT_NE(r.err.find(c.err), std::string::npos) << what << ": " << r.err;
-        EXPECT_LT(took, 5000) << what;
+        std::string what = c.args.back() + " " + (c.env.empty() ? "" : c.env[0]) + ": " + r.err;
+        EXPECT_EQ(exit_code(r.status), c.status) << what;
+        EXPECT_NE(r.err.find(c.err), std::string::npos) << what;
+        EXPECT_LT(monotonic_ms() - t0, 5000) << what;
     }
+    close(mute_fd);
 }
 
 }  // namespace

@@ -1,26 +1,18 @@
 /* EFS write transfers of the extension service against writers that die
  * or give up half-way: a live transfer survives them all, and what they
  * leave behind goes with their connections. */
-#include <unistd.h>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
+#include "../../unit/sim/sim_test_util.h"
 #include "raw_modemd.h"
-#include "sim_fixture.h"
 
 namespace {
 
 constexpr uint32_t k_live_size = 102400;
 constexpr uint32_t k_chunk = TOLVEK_EFS_WRITE_CHUNK_MAX;
-
-/* Opens a transfer as a writer that is then killed (its connection closes
- * without another word); returns the id it was given. */
-int32_t killed_writer(const std::string &path)
-{
-    raw_ext_client w;
-    if (!w.attach()) return INT32_MIN;
-    return w.efs_write(path, TOLVEK_EFS_NEW_INSTANCE, 1000, 0, k_chunk, 0x11);
-}
+constexpr uint32_t k_live_chunks = (k_live_size + k_chunk - 1) / k_chunk;
 
 class TransferTest : public ::testing::Test {
 protected:
@@ -33,23 +25,16 @@ protected:
     int32_t live_chunk(uint32_t n)
     {
         uint32_t off = n * k_chunk;
-        uint32_t len = k_live_size - off < k_chunk ? k_live_size - off : k_chunk;
         uint8_t instance = n == 0 ? uint8_t(TOLVEK_EFS_NEW_INSTANCE) : live_id;
-        int32_t rc = live.efs_write("/live/file", instance, k_live_size, off, len, uint8_t(n));
+        int32_t rc = live.efs_write("/live/file", instance, k_live_size, off, std::min(k_chunk, k_live_size - off),
+                                    uint8_t(n));
         if (n == 0 && rc >= 0) live_id = uint8_t(rc);
         return rc;
     }
-    uint32_t live_chunks() const { return (k_live_size + k_chunk - 1) / k_chunk; }
-    std::string expected_hex() const
+    /* The whole live file as the control shows it. */
+    static std::string live_hex()
     {
-        static const char d[] = "0123456789abcdef";
-        std::string s;
-        for (uint32_t i = 0; i < k_live_size; i++) {
-            uint8_t b = uint8_t(i / k_chunk);
-            s += d[b >> 4];
-            s += d[b & 15];
-        }
-        return s;
+        return hex_of(k_live_size, [](size_t i) { return i / k_chunk; });
     }
 
     sim_instance sim;
@@ -61,17 +46,23 @@ TEST_F(TransferTest, ALiveTransferSurvivesHundredsOfKilledWriters)
 {
     constexpr int k_writers = 300; /* more than there are instance ids */
     int killed = 0;
-    for (uint32_t n = 0; n < live_chunks(); n++) {
+    for (uint32_t n = 0; n < k_live_chunks; n++) {
         ASSERT_EQ(live_chunk(n), int32_t(live_id)) << "chunk " << n;
         for (int i = 0; i < 2 && killed < k_writers; i++, killed++) {
-            ASSERT_GE(killed_writer("/dead/" + std::to_string(killed)), 0) << "writer " << killed;
+            /* Opens a transfer, then is killed: its connection closes
+             * without another word. */
+            raw_ext_client w;
+            ASSERT_TRUE(w.attach());
+            ASSERT_GE(w.efs_write("/dead/" + std::to_string(killed), TOLVEK_EFS_NEW_INSTANCE, 1000, 0, k_chunk, 0x11),
+                      0)
+                << "writer " << killed;
         }
-        if (n == live_chunks() / 2) {
+        if (n == k_live_chunks / 2) {
             EXPECT_EQ(sim.ctl_ok("ext transfers"), "1") << "only the live one is open";
         }
     }
     EXPECT_EQ(killed, k_writers);
-    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), expected_hex());
+    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), live_hex());
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "0");
     EXPECT_EQ(sim.ctl("efs get /dead/0"), "error -2") << "no abandoned file was committed";
 }
@@ -88,13 +79,11 @@ TEST_F(TransferTest, EvictionNeverTakesATransferThatMovedRecently)
     }
     EXPECT_EQ(hoarder.efs_write("/hoard/more", TOLVEK_EFS_NEW_INSTANCE, 1000, 0, 10, 1), -24);
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "255");
-
     /* Another connection cannot write into the live transfer by quoting
      * its id. */
     EXPECT_EQ(hoarder.efs_write("/live/file", live_id, k_live_size, k_chunk, k_chunk, 1), -9);
-
-    for (uint32_t n = 1; n < live_chunks(); n++) ASSERT_EQ(live_chunk(n), int32_t(live_id)) << "chunk " << n;
-    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), expected_hex());
+    for (uint32_t n = 1; n < k_live_chunks; n++) ASSERT_EQ(live_chunk(n), int32_t(live_id)) << "chunk " << n;
+    EXPECT_EQ(sim.ctl_ok("efs get /live/file"), live_hex());
     hoarder.close_now();
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "the hoarder's transfers went with it";
 }
@@ -105,9 +94,7 @@ TEST_F(TransferTest, AnIdleTransferExpiresWhileItsClientStaysConnected)
     ASSERT_EQ(live_chunk(0), 0);
     ASSERT_EQ(live_chunk(1), 0);
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "1");
-    long long deadline = monotonic_ms() + 3000;
-    while (sim.ctl_ok("ext transfers") != "0" && monotonic_ms() < deadline) usleep(20 * 1000);
-    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "dropped without any further request";
+    EXPECT_TRUE(wait_until([&] { return sim.ctl_ok("ext transfers") == "0"; })) << "dropped without a request";
     EXPECT_EQ(live_chunk(2), -9) << "the expired id is no longer open";
     EXPECT_EQ(sim.ctl("efs get /live/file"), "error -2");
 }

@@ -1,14 +1,8 @@
 /* The simulated AT port's answers and the IMEI it reads from NV 550. */
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "at_channel.h"
 #include "at_commands.h"
+#include "sim_test_util.h"
 #include "state_store.h"
 
 namespace {
@@ -30,64 +24,33 @@ TEST(AtCommandsTest, ImeiFromNvItem)
     };
     for (const auto &c : cases) EXPECT_EQ(modemd::at_imei_from_nv(c.nv), c.imei) << c.imei;
 }
-
-class AtAnswerTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        char tmpl[] = "/tmp/rlk-at-answer-XXXXXX";
-        ASSERT_NE(mkdtemp(tmpl), nullptr);
-        dir = tmpl;
-        ASSERT_TRUE(store.open(dir));
-    }
-    void TearDown() override
-    {
-        std::string cmd = "rm -rf '" + dir + "'";
-        EXPECT_EQ(system(cmd.c_str()), 0);
-    }
-    std::string answer(const std::string &line) { return modemd::at_answer(line, &state, store); }
-
-    std::string dir;
-    modemd::state_store store;
-    modemd::at_modem_state state;
-};
-
-TEST_F(AtAnswerTest, AnswersInOrder)
+/* Answers in order (the state of one command reaches the next), and
+ * without the IMEI item the serial number is an error. */
+TEST(AtCommandsTest, AnswersInOrder)
 {
+    temp_dir dir;
+    modemd::state_store store;
+    ASSERT_TRUE(store.open(dir.path));
+    modemd::at_modem_state state;
     struct {
         const char *line;
         const char *answer;
     } cases[] = {
-        {"", ""},
-        {"  ", ""},
-        {"AT", "\r\nOK\r\n"},
-        {" at ", "\r\nOK\r\n"},
+        {"", ""}, {"  ", ""}, {"AT", "\r\nOK\r\n"}, {" at ", "\r\nOK\r\n"},
         {"ATI", "\r\nManufacturer: RLK\r\n\r\nModel: rlk-modemd\r\n\r\nRevision: RLK.MPSS.1.0\r\n\r\n"
                 "IMEI: 355343101234560\r\n\r\nOK\r\n"},
-        {"AT+GSN", "\r\n355343101234560\r\n\r\nOK\r\n"},
-        {"AT+CGMM", "\r\nrlk-modemd\r\n\r\nOK\r\n"},
-        {"AT+CGMR", "\r\nRLK.MPSS.1.0\r\n\r\nOK\r\n"},
-        {"AT+CSQ=?", "\r\n+CSQ: (0-31,99),(0-7,99)\r\n\r\nOK\r\n"},
-        {"AT+CFUN?", "\r\n+CFUN: 1\r\n\r\nOK\r\n"},
-        {"AT+CFUN=0,1", "\r\nOK\r\n"},
-        {"at+cfun?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"},
-        {"AT+CFUN=1,2", "\r\nERROR\r\n"},
-        {"AT+CFUN=", "\r\nERROR\r\n"},
-        {"AT+CFUN=?", "\r\n+CFUN: (0,1,4),(0-1)\r\n\r\nOK\r\n"},
-        {"ATE1", "\r\nOK\r\n"},
-        {"ATZ", "\r\nOK\r\n"},
+        {"AT+GSN", "\r\n355343101234560\r\n\r\nOK\r\n"}, {"AT+CGMM", "\r\nrlk-modemd\r\n\r\nOK\r\n"},
+        {"AT+CGMR", "\r\nRLK.MPSS.1.0\r\n\r\nOK\r\n"}, {"AT+CSQ=?", "\r\n+CSQ: (0-31,99),(0-7,99)\r\n\r\nOK\r\n"},
+        {"AT+CFUN?", "\r\n+CFUN: 1\r\n\r\nOK\r\n"}, {"AT+CFUN=0,1", "\r\nOK\r\n"},
+        {"at+cfun?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"}, {"AT+CFUN=1,2", "\r\nERROR\r\n"}, {"AT+CFUN=", "\r\nERROR\r\n"},
+        {"AT+CFUN=?", "\r\n+CFUN: (0,1,4),(0-1)\r\n\r\nOK\r\n"}, {"ATE1", "\r\nOK\r\n"}, {"ATZ", "\r\nOK\r\n"},
         {"AT+CFUN?", "\r\n+CFUN: 0\r\n\r\nOK\r\n"}, /* the reset keeps the level */
-        {"hello", "\r\nERROR\r\n"},
-        {"ATX", "\r\nERROR\r\n"},
+        {"hello", "\r\nERROR\r\n"}, {"ATX", "\r\nERROR\r\n"},
     };
-    for (const auto &c : cases) EXPECT_EQ(answer(c.line), c.answer) << c.line;
+    for (const auto &c : cases) EXPECT_EQ(modemd::at_answer(c.line, &state, store), c.answer) << c.line;
     EXPECT_FALSE(state.echo);
-}
-
-TEST_F(AtAnswerTest, MissingImeiIsAnError)
-{
     ASSERT_EQ(store.efs_delete(modemd::k_at_imei_item), modemd::k_efs_ok);
-    EXPECT_EQ(answer("AT+CGSN"), "\r\nERROR\r\n");
+    EXPECT_EQ(modemd::at_answer("AT+CGSN", &state, store), "\r\nERROR\r\n");
 }
 
 }  // namespace

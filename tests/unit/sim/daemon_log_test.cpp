@@ -1,17 +1,9 @@
 /* The simulator's log: complaints held to a rate per kind with a summary
  * of what was held back, and rotation at the size limit. */
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "daemon_log.h"
+#include "sim_test_util.h"
 
 namespace {
 
@@ -38,21 +30,8 @@ std::vector<std::string> lines_of(const std::string &path)
 
 class DaemonLogTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        char templ[] = "/tmp/rlk-test-log-XXXXXX";
-        ASSERT_NE(mkdtemp(templ), nullptr);
-        dir = templ;
-        path = dir + "/modemd.log";
-    }
-    void TearDown() override
-    {
-        unlink(path.c_str());
-        unlink((path + ".1").c_str());
-        unlink((dir + "/elsewhere").c_str());
-        rmdir(dir.c_str());
-    }
-    std::string dir, path;
+    temp_dir dir;
+    std::string path = dir.path + "/modemd.log";
 };
 
 TEST_F(DaemonLogTest, EachKindOfComplaintIsHeldToItsRateAndSummarised)
@@ -77,14 +56,12 @@ TEST_F(DaemonLogTest, EachKindOfComplaintIsHeldToItsRateAndSummarised)
         EXPECT_EQ(say(log, t + modemd::k_log_window_ms + 1, bad, 99), daemon_log::outcome::written);
         for (int i = 0; i < 12; i++) say(log, t + modemd::k_log_window_ms + 2, bad, 100 + i);
     } /* the destructor reports what is still held back */
-    std::vector<std::string> lines = lines_of(path);
-    ASSERT_EQ(lines.size(), 10u + 1 + 1 + 10 + 1);
-    EXPECT_EQ(lines[0], "bad frame 0");
-    EXPECT_EQ(lines[9], "bad frame 9");
-    EXPECT_EQ(lines[10], "other kind");
-    EXPECT_EQ(lines[11], "(15 more like \"bad frame %d\" in 1000 ms not shown)");
-    EXPECT_EQ(lines[12], "bad frame 99");
-    EXPECT_EQ(lines[22], "(3 more like \"bad frame %d\" in 1000 ms not shown)");
+    std::vector<std::string> expect;
+    for (int i = 0; i < 10; i++) expect.push_back("bad frame " + std::to_string(i));
+    expect.insert(expect.end(), {"other kind", "(15 more like \"bad frame %d\" in 1000 ms not shown)", "bad frame 99"});
+    for (int i = 100; i < 109; i++) expect.push_back("bad frame " + std::to_string(i));
+    expect.push_back("(3 more like \"bad frame %d\" in 1000 ms not shown)");
+    EXPECT_EQ(lines_of(path), expect);
 }
 
 TEST_F(DaemonLogTest, RotatesAtTheLimitKeepingOnePreviousFile)
@@ -95,12 +72,10 @@ TEST_F(DaemonLogTest, RotatesAtTheLimitKeepingOnePreviousFile)
     ASSERT_TRUE(log.open(path, k_max, &error)) << error;
     static const char fmt[] = "line %04d ........................................................";
     for (int i = 0; i < 200; i++) say(log, uint64_t(i) * modemd::k_log_window_ms, fmt, i);
-    struct stat now, old;
-    ASSERT_EQ(stat(path.c_str(), &now), 0);
-    ASSERT_EQ(stat((path + ".1").c_str(), &old), 0);
-    EXPECT_LE(uint64_t(now.st_size), k_max);
-    EXPECT_LE(uint64_t(old.st_size), k_max);
-    EXPECT_GT(uint64_t(old.st_size), k_max / 2);
+    EXPECT_LE(file_text(path).size(), k_max);
+    const size_t old = file_text(path + ".1").size();
+    EXPECT_LE(old, k_max);
+    EXPECT_GT(old, k_max / 2);
     std::vector<std::string> lines = lines_of(path);
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.back().compare(0, 9, "line 0199"), 0) << "the newest line is in the current file";
@@ -112,7 +87,7 @@ TEST_F(DaemonLogTest, RotatesAtTheLimitKeepingOnePreviousFile)
 
 TEST_F(DaemonLogTest, RefusesASymbolicLinkAndLimitsBelowOneLine)
 {
-    std::string target = dir + "/elsewhere";
+    std::string target = dir.path + "/elsewhere";
     ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
     std::string error;
     daemon_log log;

@@ -2,24 +2,17 @@
  * QMI client: each request's response, then its indication; list paging by
  * token; load frames reassembled, one transfer per client; the limits of
  * the store. */
-#include <string.h>
-
 #include <condition_variable>
 #include <deque>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <mutex>
 
 #include <gtest/gtest.h>
 
 #include "persistent_device_configuration_v01.h"
-#include "qmi_client.h"
-#include "sim_fixture.h"
+#include "sim_test_util.h"
 
 namespace {
-
-constexpr int k_wait_ms = 3000;
 
 struct ind_queue {
     std::mutex mu;
@@ -43,47 +36,26 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(sim.start());
-        qmi_client_os_params os = {};
-        ASSERT_EQ(qmi_client_init_instance(pdc_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, on_ind, &inds, &os,
-                                           k_wait_ms, &client),
-                  QMI_NO_ERR);
-    }
-    void TearDown() override
-    {
-        if (client) qmi_client_release(client);
-        if (second) qmi_client_release(second);
-    }
-    /* Opens (again) the second client, with indications of its own. */
-    void open_second()
-    {
-        if (second) qmi_client_release(second);
-        qmi_client_os_params os = {};
-        ASSERT_EQ(qmi_client_init_instance(pdc_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, on_ind,
-                                           &second_inds, &os, k_wait_ms, &second),
-                  QMI_NO_ERR);
+        ASSERT_TRUE(client.open(pdc_get_service_object_v01(), on_ind, &inds));
     }
     /* The stored content of a loaded software configuration. */
-    std::vector<uint8_t> content(const std::string &id)
+    std::string content(const std::string &id)
     {
-        static const char digits[] = "0123456789abcdef";
-        std::string path = sim.state_dir() + "/pdc/mbn/1-";
-        for (unsigned char c : id) path += std::string{digits[c >> 4], digits[c & 15]};
-        std::ifstream in(path + ".mbn", std::ios::binary);
-        return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        return file_text(sim.state_dir() + "/pdc/mbn/1-" + hex_of(id.size(), [&](size_t i) { return id[i]; }) +
+                         ".mbn");
     }
-
     /* Sends a request; returns the response's error (0: taken). */
     template <typename Req>
-    int send(unsigned int msg_id, Req &req, qmi_client_type c = nullptr)
+    int send(unsigned int msg_id, const Req &req, qmi_conn *c = nullptr)
     {
         pdc_load_config_resp_msg_v01 resp;
+        size_t len = msg_id == QMI_PDC_LOAD_CONFIG_REQ_V01 ? sizeof(resp) : sizeof(pdc_generic_resp_msg_v01);
         memset(&resp, 0, sizeof(resp));
-        unsigned int len = msg_id == QMI_PDC_LOAD_CONFIG_REQ_V01 ? sizeof(resp) : sizeof(pdc_generic_resp_msg_v01);
-        EXPECT_EQ(qmi_client_send_msg_sync(c ? c : client, msg_id, &req, sizeof(req), &resp, len, k_wait_ms),
+        EXPECT_EQ(qmi_client_send_msg_sync((c ? c : &client)->c, msg_id, const_cast<Req *>(&req), sizeof(req), &resp,
+                                           unsigned(len), k_wait_ms),
                   QMI_NO_ERR);
         return resp.resp.result ? resp.resp.error : 0;
     }
-
     /* The next indication, decoded into `out`; false when none came in
      * `ms` (or it had another id). */
     template <typename Ind>
@@ -94,11 +66,9 @@ protected:
         if (!iq.cv.wait_for(lk, std::chrono::milliseconds(ms), [&iq] { return !iq.q.empty(); })) return false;
         auto ind = iq.q.front();
         iq.q.pop_front();
-        if (ind.first != msg_id) return false;
-        return qmi_client_message_decode(client, QMI_IDL_INDICATION, msg_id, ind.second.data(),
-                                         unsigned(ind.second.size()), out, sizeof(*out)) == 0;
+        return ind.first == msg_id && qmi_client_message_decode(client.c, QMI_IDL_INDICATION, msg_id, ind.second.data(),
+                                                                unsigned(ind.second.size()), out, sizeof(*out)) == 0;
     }
-
     std::unique_ptr<pdc_list_configs_ind_msg_v01> list(uint32_t type, uint32_t token)
     {
         pdc_list_configs_req_msg_v01 req = {1, token, 1, pdc_config_type_enum_v01(type)};
@@ -107,10 +77,9 @@ protected:
         EXPECT_TRUE(next_ind(QMI_PDC_LIST_CONFIGS_REQ_V01, ind.get()));
         return ind;
     }
-
-    /* One load frame (of the second client with `from_second`); returns
-     * its indication. */
-    pdc_load_config_ind_msg_v01 load(const std::string &id, uint32_t total, const std::vector<uint8_t> &frame,
+    /* One load frame of `frame_len` bytes `fill` (from the second client
+     * with `from_second`); returns its indication. */
+    pdc_load_config_ind_msg_v01 load(const std::string &id, uint32_t total, size_t frame_len, uint8_t fill = 0,
                                      bool from_second = false)
     {
         auto req = std::make_unique<pdc_load_config_req_msg_v01>();
@@ -119,11 +88,11 @@ protected:
         req->load_config_info.config_id_len = uint32_t(id.size());
         memcpy(req->load_config_info.config_id, id.data(), id.size());
         req->load_config_info.total_config_size = total;
-        req->load_config_info.config_frame_len = uint32_t(frame.size());
-        memcpy(req->load_config_info.config_frame, frame.data(), frame.size());
+        req->load_config_info.config_frame_len = uint32_t(frame_len);
+        memset(req->load_config_info.config_frame, fill, frame_len);
         req->ind_token_valid = 1;
         req->ind_token = 9;
-        EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? second : nullptr), 0);
+        EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? &second : nullptr), 0);
         pdc_load_config_ind_msg_v01 ind;
         memset(&ind, 0, sizeof(ind));
         EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind, k_wait_ms, from_second ? &second_inds : nullptr));
@@ -132,7 +101,7 @@ protected:
 
     sim_instance sim;
     ind_queue inds, second_inds;
-    qmi_client_type client = nullptr, second = nullptr;
+    qmi_conn client, second;
 };
 
 TEST_F(PdcServiceTest, PagesFollowTheTokenAndANewTokenStartsOver)
@@ -162,65 +131,61 @@ TEST_F(PdcServiceTest, PagesFollowTheTokenAndANewTokenStartsOver)
     EXPECT_EQ(list(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 2)->config_list_valid, 0) << "no MBN: no list at all";
 }
 
-TEST_F(PdcServiceTest, FramesAreReassembledAndStoredOnce)
+/* Frames are reassembled and stored once, and what is stored survives a
+ * restart of the simulator. */
+TEST_F(PdcServiceTest, FramesAreReassembledStoredOnceAndKeptOverARestart)
 {
-    std::vector<uint8_t> a(3000, 0xA5), b(1000, 0x5A);
-    pdc_load_config_ind_msg_v01 first = load("two_frames", 4000, a);
+    pdc_load_config_ind_msg_v01 first = load("two_frames", 4000, 3000, 0xA5);
     EXPECT_EQ(first.error, 0);
     EXPECT_EQ(first.received_config_size, 3000u);
     EXPECT_EQ(first.remaining_config_size, 1000u);
     EXPECT_EQ(sim.ctl_ok("pdc show").find("two_frames"), std::string::npos) << "not stored before the last frame";
-    pdc_load_config_ind_msg_v01 last = load("two_frames", 4000, b);
-    EXPECT_EQ(last.remaining_config_size, 0u);
+    EXPECT_EQ(load("two_frames", 4000, 1000, 0x5A).remaining_config_size, 0u);
     EXPECT_NE(sim.ctl_ok("pdc show").find("config sw two_frames size 4000"), std::string::npos);
-    EXPECT_EQ(load("two_frames", 4000, a).error, PDC_QMI_ERR_INVALID_ID) << "a duplicate id";
-
+    EXPECT_EQ(load("two_frames", 4000, 3000).error, PDC_QMI_ERR_INVALID_ID) << "a duplicate id";
     /* More data than announced drops the transfer. */
-    EXPECT_EQ(load("too_long", 10, std::vector<uint8_t>(11)).error, PDC_QMI_ERR_INVALID_ARG);
-    pdc_load_config_ind_msg_v01 reset;
+    EXPECT_EQ(load("too_long", 10, 11).error, PDC_QMI_ERR_INVALID_ARG);
     sim.ctl_ok("pdc fail 0x26 reset 1");
-    reset = load("partial", 20, std::vector<uint8_t>(10));
+    pdc_load_config_ind_msg_v01 reset = load("partial", 20, 10);
     EXPECT_EQ(reset.error, 0);
     EXPECT_EQ(reset.frame_data_reset_valid, 1);
     /* After the reset the transfer starts again from the first byte. */
-    EXPECT_EQ(load("partial", 20, std::vector<uint8_t>(10)).received_config_size, 10u);
+    EXPECT_EQ(load("partial", 20, 10).received_config_size, 10u);
+
+    client.release();
+    sim.kill_hard();
+    ASSERT_TRUE(sim.restart());
+    EXPECT_NE(sim.ctl_ok("pdc show").find("config sw two_frames size 4000"), std::string::npos);
 }
 
 /* Frames of two clients never mix: each has a transfer of its own, a
  * configuration is stored from one client's bytes only, and a client that
- * goes away takes its partial transfer with it. */
+ * goes away takes its partial transfer with it.  A full store refuses with
+ * no memory, counting the room transfers in progress hold. */
 TEST_F(PdcServiceTest, TransfersOfTwoClientsNeverMix)
 {
-    open_second();
-    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(3000, 0xA5)).received_config_size, 3000u);
-    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(1000, 0x5A), true).received_config_size, 1000u)
+    ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds));
+    EXPECT_EQ(load("mixed", 4000, 3000, 0xA5).received_config_size, 3000u);
+    EXPECT_EQ(load("mixed", 4000, 1000, 0x5A, true).received_config_size, 1000u)
         << "the second client's frame starts a transfer of its own";
     EXPECT_EQ(sim.ctl_ok("pdc show").find("mixed"), std::string::npos) << "nothing partial is stored";
-    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(1000, 0xA5)).remaining_config_size, 0u);
-    EXPECT_EQ(load("mixed", 4000, std::vector<uint8_t>(3000, 0x5A), true).error, PDC_QMI_ERR_INVALID_ID)
-        << "stored by the other client meanwhile";
-    EXPECT_EQ(content("mixed"), std::vector<uint8_t>(4000, 0xA5));
-    /* Transfers in progress hold room for their whole size. */
+    EXPECT_EQ(load("mixed", 4000, 1000, 0xA5).remaining_config_size, 0u);
+    EXPECT_EQ(load("mixed", 4000, 3000, 0x5A, true).error, PDC_QMI_ERR_INVALID_ID) << "stored meanwhile";
+    EXPECT_EQ(content("mixed"), std::string(4000, '\xA5'));
+
     sim.ctl_ok("pdc capacity 1000000");
-    EXPECT_EQ(load("held", 100000, std::vector<uint8_t>(10)).error, 0);
-    EXPECT_EQ(load("other", 100000, std::vector<uint8_t>(10), true).error, PDC_QMI_ERR_NO_MEMORY);
+    EXPECT_EQ(load("big", 200000, 10).error, PDC_QMI_ERR_NO_MEMORY) << "seed uses 880 KB of 1 MB";
+    EXPECT_EQ(load("held", 100000, 10).error, 0);
+    EXPECT_EQ(load("other", 100000, 10, 0, true).error, PDC_QMI_ERR_NO_MEMORY) << "room held by a transfer";
     sim.ctl_ok("pdc capacity 100000000");
 
-    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 1), true).received_config_size, 10u);
-    open_second(); /* the first second client left half-way */
-    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 2), true).received_config_size, 10u) << "afresh";
-    EXPECT_EQ(load("left", 20, std::vector<uint8_t>(10, 2), true).remaining_config_size, 0u);
-    EXPECT_EQ(content("left"), std::vector<uint8_t>(20, 2));
-}
-
-TEST_F(PdcServiceTest, AFullStoreRefusesWithNoMemory)
-{
-    sim.ctl_ok("pdc capacity 1000000");
-    EXPECT_EQ(load("big", 200000, std::vector<uint8_t>(10)).error, PDC_QMI_ERR_NO_MEMORY)
-        << "seed uses 880 KB of 1 MB";
-    sim.ctl_ok("pdc capacity 100000000");
+    EXPECT_EQ(load("left", 20, 10, 1, true).received_config_size, 10u);
+    ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds)); /* left half-way */
+    EXPECT_EQ(load("left", 20, 10, 2, true).received_config_size, 10u) << "afresh";
+    EXPECT_EQ(load("left", 20, 10, 2, true).remaining_config_size, 0u);
+    EXPECT_EQ(content("left"), std::string(20, '\x02'));
     sim.ctl_ok("pdc fill sw 100");
-    EXPECT_EQ(load("one_more", 10, std::vector<uint8_t>(10)).error, PDC_QMI_ERR_NO_MEMORY) << "100 per type";
+    EXPECT_EQ(load("one_more", 10, 10, 0, true).error, PDC_QMI_ERR_NO_MEMORY) << "100 per type";
 }
 
 TEST_F(PdcServiceTest, RefusedRequestsGetNoIndication)
@@ -236,16 +201,6 @@ TEST_F(PdcServiceTest, RefusedRequestsGetNoIndication)
     ASSERT_TRUE(next_ind(QMI_PDC_SET_FEATURE_REQ_V01, &ind));
     EXPECT_EQ(ind.ind_token, 4u);
     EXPECT_EQ(ind.error, 0);
-}
-
-TEST_F(PdcServiceTest, StateSurvivesARestartOfTheSimulator)
-{
-    EXPECT_EQ(load("kept", 4, std::vector<uint8_t>{1, 2, 3, 4}).remaining_config_size, 0u);
-    qmi_client_release(client);
-    client = nullptr;
-    sim.kill_hard();
-    ASSERT_TRUE(sim.restart());
-    EXPECT_NE(sim.ctl_ok("pdc show").find("config sw kept size 4"), std::string::npos);
 }
 
 }  // namespace

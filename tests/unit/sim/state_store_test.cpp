@@ -2,37 +2,17 @@
  * nowhere, every property survives a restart exactly, and the temporary
  * files of a killed simulator are cleaned up without touching anything
  * else. */
-#include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
 
+#include "sim_test_util.h"
 #include "state_files.h"
 #include "state_store.h"
 
 namespace {
-
-std::string slurp(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
-
-void spit(const std::string &path, const std::string &text)
-{
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-}
 
 bool exists_nofollow(const std::string &path)
 {
@@ -44,19 +24,9 @@ class StateStoreTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        char tmpl[] = "/tmp/rlk-state-test-XXXXXX";
-        ASSERT_NE(mkdtemp(tmpl), nullptr);
-        root = tmpl;
-        state = root + "/state";
-        outside = root + "/outside";
         ASSERT_EQ(mkdir(outside.c_str(), 0700), 0);
-        spit(outside + "/secret", "private");
+        write_file(outside + "/secret", "private");
         ASSERT_TRUE(store.open(state));
-    }
-    void TearDown() override
-    {
-        std::string cmd = "rm -rf '" + root + "'";
-        ASSERT_EQ(system(cmd.c_str()), 0);
     }
     /* A store opened afresh on the same directory, as after a restart. */
     modemd::state_store restarted()
@@ -66,7 +36,8 @@ protected:
         return again;
     }
 
-    std::string root, state, outside;
+    temp_dir root;
+    std::string state = root.path + "/state", outside = root.path + "/outside";
     modemd::state_store store;
 };
 
@@ -77,24 +48,16 @@ TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
     ASSERT_EQ(mkdir((state + "/efs/tst").c_str(), 0700), 0);
     ASSERT_EQ(symlink(outside.c_str(), (state + "/efs/tst/deeper").c_str()), 0);
     const std::vector<uint8_t> data = {'x', 'y'};
-    struct path_case {
-        const char *modem_path;
-        std::string target; /* what the link would reach */
-    } cases[] = {
-        {"/linked_dir/secret", outside + "/secret"},
-        {"/linked_file", outside + "/secret"},
-        {"/tst/deeper/secret", outside + "/secret"},
-    };
-    for (const path_case &c : cases) {
-        SCOPED_TRACE(c.modem_path);
+    const std::string secret = outside + "/secret"; /* what every link would reach */
+    for (const char *path : {"/linked_dir/secret", "/linked_file", "/tst/deeper/secret"}) {
+        SCOPED_TRACE(path);
         std::vector<uint8_t> got;
-        EXPECT_EQ(store.efs_read(c.modem_path, &got), modemd::k_efs_enoent);
+        EXPECT_EQ(store.efs_read(path, &got), modemd::k_efs_enoent);
         EXPECT_TRUE(got.empty());
-        EXPECT_FALSE(store.efs_exists(c.modem_path));
-        EXPECT_EQ(store.efs_delete(c.modem_path), modemd::k_efs_enoent);
-        EXPECT_EQ(slurp(c.target), "private");
-        EXPECT_NE(store.efs_write(c.modem_path, data), modemd::k_efs_ok);
-        EXPECT_EQ(slurp(c.target), "private");
+        EXPECT_FALSE(store.efs_exists(path));
+        EXPECT_EQ(store.efs_delete(path), modemd::k_efs_enoent);
+        EXPECT_NE(store.efs_write(path, data), modemd::k_efs_ok);
+        EXPECT_EQ(file_text(secret), "private");
     }
     /* New files through a linked directory are not made either. */
     EXPECT_NE(store.efs_write("/linked_dir/new", data), modemd::k_efs_ok);
@@ -145,8 +108,15 @@ TEST_F(StateStoreTest, DirectoryWalksStopAtLinks)
     }
 }
 
+/* Every property survives a restart exactly.  A store written before
+ * values were escaped reads as it always did, and its values outlive the
+ * next save. */
 TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)
 {
+    write_file(state + "/properties", "persist.old=x=y\npersist.path=C:\\temp\\n\nbroken line\n=nokey\n");
+    modemd::state_store plain = restarted();
+    EXPECT_EQ(plain.get_property("persist.old"), "x=y");
+    EXPECT_EQ(plain.get_property("persist.path"), "C:\\temp\\n");
     static const char k_controls[] = "nul\0tab\tbell\adel\x7f";
     const std::pair<std::string, std::string> props[] = {
         {"persist.a", "x\npersist.radio.injected=1"},
@@ -159,30 +129,18 @@ TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)
         {"=", "="},
         {"k\n", "\n"},
     };
-    for (const auto &p : props) ASSERT_TRUE(store.set_property(p.first, p.second)) << p.first;
+    for (const auto &p : props) ASSERT_TRUE(plain.set_property(p.first, p.second)) << p.first;
     modemd::state_store again = restarted();
     for (const auto &p : props) EXPECT_EQ(again.get_property(p.first), p.second) << p.first;
     for (const char *injected : {"persist.radio.injected", "next", "key", "k", "line\r"})
         EXPECT_EQ(again.get_property(injected), "") << injected;
+    EXPECT_EQ(again.get_property("persist.old"), "x=y");
+    EXPECT_EQ(again.get_property("persist.path"), "C:\\temp\\n");
     /* Clearing one leaves the others. */
     ASSERT_TRUE(again.set_property("persist.a", ""));
     modemd::state_store third = restarted();
     EXPECT_EQ(third.get_property("persist.a"), "");
     EXPECT_EQ(third.get_property("key=with=equals"), "value=with=equals");
-}
-
-/* A store written before values were escaped reads as it always did. */
-TEST_F(StateStoreTest, PropertiesOfTheEarlierPlainFormatStillRead)
-{
-    spit(state + "/properties", "persist.a=x=y\npersist.path=C:\\temp\\n\nbroken line\n=nokey\n");
-    modemd::state_store again = restarted();
-    EXPECT_EQ(again.get_property("persist.a"), "x=y");
-    EXPECT_EQ(again.get_property("persist.path"), "C:\\temp\\n");
-    /* The next save keeps them in the escaped form. */
-    ASSERT_TRUE(again.set_property("persist.b", "1"));
-    modemd::state_store third = restarted();
-    EXPECT_EQ(third.get_property("persist.path"), "C:\\temp\\n");
-    EXPECT_EQ(third.get_property("persist.b"), "1");
 }
 
 TEST_F(StateStoreTest, TemporariesOfAKilledSimulatorAreRemovedAtStart)
@@ -195,8 +153,8 @@ TEST_F(StateStoreTest, TemporariesOfAKilledSimulatorAreRemovedAtStart)
     const std::vector<std::string> kept = {efs + "/.a.tmp.",     efs + "/.a.tmp.12x", efs + "/a.tmp.5",
                                            efs + "/.hidden",     state + "/lock.tmp", state + "/.tmp.5",
                                            outside + "/.x.tmp.3"};
-    for (const std::string &p : stale) spit(p, "half");
-    for (const std::string &p : kept) spit(p, "keep");
+    for (const std::string &p : stale) write_file(p, "half");
+    for (const std::string &p : kept) write_file(p, "keep");
     /* A link with a temporary's name, and a linked directory holding one. */
     ASSERT_EQ(symlink((outside + "/secret").c_str(), (efs + "/.link.tmp.5").c_str()), 0);
     ASSERT_EQ(symlink(outside.c_str(), (state + "/efs/linked").c_str()), 0);
@@ -204,10 +162,10 @@ TEST_F(StateStoreTest, TemporariesOfAKilledSimulatorAreRemovedAtStart)
 
     modemd::state_store again = restarted();
     for (const std::string &p : stale) EXPECT_FALSE(exists_nofollow(p)) << p;
-    for (const std::string &p : kept) EXPECT_EQ(slurp(p), "keep") << p;
+    for (const std::string &p : kept) EXPECT_EQ(file_text(p), "keep") << p;
     EXPECT_TRUE(exists_nofollow(efs + "/.link.tmp.5"));
     EXPECT_TRUE(exists_nofollow(efs + "/.a.tmp.6"));
-    EXPECT_EQ(slurp(outside + "/secret"), "private");
+    EXPECT_EQ(file_text(outside + "/secret"), "private");
     std::vector<uint8_t> got;
     EXPECT_EQ(again.efs_read("/nv/item_files/a", &got), modemd::k_efs_ok);
     EXPECT_EQ(again.get_property("persist.a"), "1");
