@@ -6,7 +6,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -75,28 +75,22 @@ public:
         }
         return true;
     }
-    /* One control request: the QMI error of its answer, whose TLV area
-     * goes to `answer`. */
+    /* One control request: the QMI error of its answer, which must be the
+     * next frame; its TLV area goes to `answer`. */
     uint16_t ctl(uint16_t msg_id, const bytes &tlvs = {}, bytes *answer = nullptr)
     {
         uint8_t txn = ++ctl_txn_;
         send(QMUX_SERVICE_CTL, 0, qmi_ctl_message(QMI_CTL_FLAG_REQUEST, txn, msg_id, tlvs));
         qmux_frame f;
         qmi_ctl_header h = {};
-        while (read_frame(&f)) {
-            if (f.service != QMUX_SERVICE_CTL || !qmi_ctl_header_read(f.qmi.data(), f.qmi.size(), &h) ||
-                h.flags != QMI_CTL_FLAG_RESPONSE || h.txn != txn || h.msg_id != msg_id) {
-                continue;
-            }
-            EXPECT_EQ(f.flags, QMUX_FLAG_FROM_SERVICE);
-            bytes r(f.qmi.begin() + QMI_CTL_HEADER_LEN, f.qmi.end());
-            uint16_t err = k_no_answer;
-            qmi_result_read(r.data(), r.size(), &err);
-            if (answer) *answer = r;
-            return err;
-        }
-        ADD_FAILURE() << "no answer to control message " << msg_id;
-        return k_no_answer;
+        if (!read_frame(&f) || !qmi_ctl_header_read(f.qmi.data(), f.qmi.size(), &h)) return k_no_answer;
+        EXPECT_EQ(std::make_tuple(f.flags, f.service, h.flags, h.txn, h.msg_id),
+                  std::make_tuple(QMUX_FLAG_FROM_SERVICE, QMUX_SERVICE_CTL, QMI_CTL_FLAG_RESPONSE, txn, msg_id));
+        bytes r(f.qmi.begin() + QMI_CTL_HEADER_LEN, f.qmi.end());
+        uint16_t err = k_no_answer;
+        qmi_result_read(r.data(), r.size(), &err);
+        if (answer) *answer = r;
+        return err;
     }
     uint16_t allocate(uint8_t service, uint8_t *cid)
     {
@@ -131,8 +125,8 @@ protected:
     std::unique_ptr<qmux_port> port_;
 };
 
-/* Version info, the finite per-service pool, Sync, the control errors, and
- * the revocation of a service's ids when it goes down. */
+/* Version info, the finite per-service pool, Sync, the control errors, the
+ * revocation of a service's ids when it goes down, the link's removal. */
 TEST_F(QmuxDevice, ControlServiceAnswersAndClientIdPool)
 {
     qmux_port &port = *port_;
@@ -176,6 +170,9 @@ TEST_F(QmuxDevice, ControlServiceAnswersAndClientIdPool)
     EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
     sim_.ctl_ok("down dms");
     EXPECT_EQ(port.allocate(k_dms, &cid), QMI_PROTOCOL_ERR_INVALID_SERVICE_TYPE) << "a service that is down";
+    EXPECT_EQ(access(sim_.qmux_path().c_str(), F_OK), 0);
+    sim_.stop();
+    EXPECT_NE(access(sim_.qmux_path().c_str(), F_OK), 0) << "the link is removed on exit";
 }
 
 /* A request's answer and indication go to the client that asked, under its
@@ -314,13 +311,6 @@ TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
     EXPECT_LT(cpu_us, k_max_event_cpu_us) << "no event of the device kept the daemon busy for long";
     EXPECT_GE(flooded - before, k_flood_bytes) << "the flood went on, the device read all along";
     EXPECT_EQ(sim_.ctl("ping"), "ok");
-}
-
-TEST_F(QmuxDevice, LinkIsRemovedOnExit)
-{
-    EXPECT_EQ(access(sim_.qmux_path().c_str(), F_OK), 0);
-    sim_.stop();
-    EXPECT_NE(access(sim_.qmux_path().c_str(), F_OK), 0);
 }
 
 }  // namespace
