@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -39,7 +40,8 @@ int decode(qmi_idl_type_of_message_type type, uint16_t id, const bytes &tlvs, T 
 
 TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
 {
-    uim_power_up_req_msg_v01 up = {}, up_back;
+    uim_power_up_req_msg_v01 up, up_back;
+    memset(&up, 0, sizeof(up));
     up.slot = UIM_SLOT_2_V01;
     up.ignore_hotswap_switch_valid = 1;
     up.ignore_hotswap_switch = 1;
@@ -48,13 +50,13 @@ TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
     bytes want = {0x01, 0x01, 0x00, 0x02, 0x10, 0x01, 0x00, 0x01, 0x11, 0x01, 0x00, 0x00};
     EXPECT_EQ(encode(QMI_UIM_POWER_UP_REQ_V01, up), want);
     ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_POWER_UP_REQ_V01, want, &up_back), 0);
-    EXPECT_EQ(up_back.slot, UIM_SLOT_2_V01) << "the upper bytes of the 32-bit slot are cleared";
-    EXPECT_EQ(up_back.mode, UIM_CARD_MODE_TELECOM_CARD_V01);
+    EXPECT_EQ(0, memcmp(&up_back, &up, sizeof(up))) << "the upper bytes of the 32-bit fields are cleared";
     uim_power_down_req_msg_v01 down; /* qmicli's power-off form: the slot alone */
     ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_POWER_DOWN_REQ_V01, {0x01, 0x01, 0x00, 0x02}, &down), 0);
     EXPECT_EQ(down.slot, UIM_SLOT_2_V01);
 
-    uim_send_apdu_req_msg_v01 apdu = {}, apdu_back;
+    uim_send_apdu_req_msg_v01 apdu, apdu_back;
+    memset(&apdu, 0, sizeof(apdu));
     apdu.slot = UIM_SLOT_2_V01;
     apdu.apdu_len = 300;
     memset(apdu.apdu, 0xE2, apdu.apdu_len);
@@ -64,17 +66,14 @@ TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
     ASSERT_EQ(tlvs.size(), 4u + 3u + 2u + 300u + 4u);
     EXPECT_EQ(bytes(tlvs.begin() + 4, tlvs.begin() + 10), (bytes{0x02, 0x2E, 0x01, 0x2C, 0x01, 0xE2}));
     ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_SEND_APDU_REQ_V01, tlvs, &apdu_back), 0);
-    EXPECT_EQ(apdu_back.apdu_len, 300u);
-    EXPECT_EQ(apdu_back.channel_id, 2);
+    EXPECT_EQ(0, memcmp(&apdu_back, &apdu, sizeof(apdu)));
 
     bytes eid = {0x02, 0x04, 0x00, 0x01, 0x00, 0x5A, 0x00, 0x10, 0x03, 0x00, 0x02, 0x89, 0x04};
     uim_get_eid_resp_msg_v01 resp;
     ASSERT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, eid, &resp), 0);
-    EXPECT_EQ(resp.resp.result, 1);
-    EXPECT_EQ(resp.resp.error, 0x5A);
-    EXPECT_EQ(resp.eid_value_valid, 1);
-    EXPECT_EQ(resp.eid_value_len, 2u);
-    EXPECT_EQ(resp.eid_value[0], 0x89);
+    EXPECT_EQ(std::make_tuple(resp.resp.result, resp.resp.error, resp.eid_value_valid, resp.eid_value_len),
+              std::make_tuple(1, 0x5A, 1, 2u));
+    EXPECT_EQ(bytes(resp.eid_value, resp.eid_value + 3), (bytes{0x89, 0x04, 0x00})) << "zeroed past the count";
     eid = {0x02, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 18, 0x00, 17};
     eid.resize(eid.size() + 17, 0x11);
     EXPECT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, eid, &resp), QMI_IDL_LIB_ARRAY_TOO_BIG);
