@@ -2,6 +2,7 @@
  * malformed inputs a decoder must refuse. */
 #include <string.h>
 
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -83,9 +84,8 @@ TEST(QmiCodec, EncodesWithinItsBoundsAndRoundTrips)
     ASSERT_EQ(qmi_codec_encode(sample_ei, &m, buf, sizeof(buf), &n), 0);
     EXPECT_EQ(bytes(buf, buf + n), (bytes{0x02, 4, 0, 1, 0, 0x30, 0, 0x10, 6, 0, 2, 0, 0x34, 0x12, 0xEF, 0xBE}));
     ASSERT_EQ(qmi_codec_decode(sample_ei, buf, n, &back, sizeof(back)), 0);
-    EXPECT_EQ(back.resp.error, 0x30);
-    EXPECT_EQ(back.list_len, 2u);
-    EXPECT_EQ(back.list[1], 0xBEEF);
+    EXPECT_EQ(std::make_tuple(back.resp.result, back.resp.error, back.list_valid, back.list_len, back.list[1]),
+              std::make_tuple(1, 0x30, 1, 2u, 0xBEEF));
 }
 
 TEST(QmiCodec, DecoderRefusesMalformedMessages)

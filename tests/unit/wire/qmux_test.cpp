@@ -1,5 +1,7 @@
 /* QMUX framing: frames split across reads, several in one read, and the
  * resynchronisation over bytes that start no frame; the TLV area reads. */
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "qmux.h"
@@ -40,11 +42,10 @@ TEST(QmuxFraming, ReaderReassemblesSplitAndJoinedFrames)
         r.feed(both.data() + cut, both.size() - cut);
         while (r.next(&f)) got.push_back(f);
         ASSERT_EQ(got.size(), 2u) << "cut at " << cut;
-        EXPECT_EQ(got[0].service, 0x0b);
-        EXPECT_EQ(got[0].client, 1);
-        EXPECT_EQ(got[0].qmi, bytes(a.begin() + 6, a.end()));
-        EXPECT_EQ(got[1].service, 0x24);
-        EXPECT_EQ(got[1].client, 7);
+        EXPECT_EQ(std::tie(got[0].service, got[0].client, got[0].qmi),
+                  std::make_tuple(0x0b, 1, bytes(a.begin() + 6, a.end())));
+        EXPECT_EQ(std::tie(got[1].service, got[1].client, got[1].qmi),
+                  std::make_tuple(0x24, 7, bytes(b.begin() + 6, b.end())));
         EXPECT_FALSE(r.partial());
         EXPECT_EQ(r.skipped_bytes(), 0u);
     }
