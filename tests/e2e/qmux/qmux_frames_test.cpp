@@ -43,13 +43,6 @@ bytes service_request(uint16_t txn, uint16_t msg_id, const bytes &tlvs = {})
     return m;
 }
 
-bytes info_tlv(const bytes &value)
-{
-    bytes t;
-    qmi_tlv_append(&t, QMI_CTL_TLV_INFO, value);
-    return t;
-}
-
 /* A host side of the device: writes frames, reads them back whole. */
 class qmux_port {
 public:
@@ -95,7 +88,7 @@ public:
     uint16_t allocate(uint8_t service, uint8_t *cid)
     {
         bytes r, v;
-        uint16_t err = ctl(QMI_CTL_MSG_ALLOCATE_CID, info_tlv({service}), &r);
+        uint16_t err = ctl(QMI_CTL_MSG_ALLOCATE_CID, {QMI_CTL_TLV_INFO, 1, 0, service}, &r);
         if (err) return err;
         if (!qmi_tlv_find(r.data(), r.size(), QMI_CTL_TLV_INFO, &v) || v.size() != 2 || v[0] != service) {
             return k_no_answer;
@@ -103,7 +96,10 @@ public:
         *cid = v[1];
         return 0;
     }
-    uint16_t release(uint8_t service, uint8_t cid) { return ctl(QMI_CTL_MSG_RELEASE_CID, info_tlv({service, cid})); }
+    uint16_t release(uint8_t service, uint8_t cid)
+    {
+        return ctl(QMI_CTL_MSG_RELEASE_CID, {QMI_CTL_TLV_INFO, 2, 0, service, cid});
+    }
 
     const int fd;
 
@@ -165,7 +161,7 @@ TEST_F(QmuxDevice, ControlServiceAnswersAndClientIdPool)
     qmux_frame f;
     ASSERT_TRUE(port.read_frame(&f));
     EXPECT_EQ(f.qmi, qmi_ctl_message(QMI_CTL_FLAG_INDICATION, f.qmi.at(1), QMI_CTL_MSG_REVOKE_CID_IND,
-                                     info_tlv({k_uim, cid})));
+                                     {QMI_CTL_TLV_INFO, 2, 0, k_uim, cid}));
     EXPECT_EQ(f.service, QMUX_SERVICE_CTL);
     EXPECT_EQ(sim_.ctl("qmux clients"), "ok");
     sim_.ctl_ok("down dms");
