@@ -1,10 +1,10 @@
 /* A tiny client of the host platform for end-to-end tests: prints how many
- * extension-service servers the simulator lists, or sets and gets a
- * property ("platform_probe setprop KEY VALUE", "platform_probe getprop
- * KEY"), or asks the SAR state with a time-out and exits with or
- * without releasing its handle ("platform_probe sar-get MS 1|0": prints
- * the send's result and the state).  Started like rlk, so it exercises the
- * same endpoint logic (including starting the simulator on demand). */
+ * extension-service servers the simulator lists, or gets a property
+ * ("platform_probe getprop KEY"), or asks the SAR state with a time-out
+ * and exits with or without releasing its handle ("platform_probe sar-get
+ * MS 1|0": prints the send's result and the state).  Started like rlk, so
+ * it exercises the same endpoint logic (including starting the simulator
+ * on demand). */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -14,40 +14,23 @@
 #include "sar_service_v01.h"
 #include "tolvek_extend_service_v01.h"
 
-namespace {
-
-constexpr unsigned k_sar_init_timeout_ms = 2000;
-
-int sar_get(unsigned timeout_ms, bool release)
-{
-    qmi_client_type handle = nullptr;
-    qmi_client_os_params os;
-    memset(&os, 0, sizeof(os));
-    int rc = qmi_client_init_instance(sar_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
-                                      k_sar_init_timeout_ms, &handle);
-    if (rc != QMI_NO_ERR) {
-        printf("init %d\n", rc);
-        return 1;
-    }
-    sar_rf_get_sar_state_resp_msg_v01 resp;
-    memset(&resp, 0, sizeof(resp));
-    rc = qmi_client_send_msg_sync(handle, QMI_SAR_RF_GET_STATE_REQ_MSG_V01, nullptr, 0, &resp, sizeof(resp),
-                                  timeout_ms);
-    printf("%d %u\n", rc, resp.sar_rf_state);
-    fflush(stdout);
-    if (release) qmi_client_release(handle);
-    return 0;
-}
-
-}  // namespace
-
 int main(int argc, char **argv)
 {
     if (argc == 4 && strcmp(argv[1], "sar-get") == 0) {
-        return sar_get(unsigned(strtoul(argv[2], nullptr, 10)), strcmp(argv[3], "1") == 0);
-    }
-    if (argc == 4 && strcmp(argv[1], "setprop") == 0) {
-        printf("%d\n", property_set(argv[2], argv[3]));
+        qmi_client_type handle = nullptr;
+        qmi_client_os_params os = {};
+        int rc = qmi_client_init_instance(sar_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr,
+                                          &os, 2000, &handle);
+        if (rc != QMI_NO_ERR) {
+            printf("init %d\n", rc);
+            return 1;
+        }
+        sar_rf_get_sar_state_resp_msg_v01 resp = {};
+        rc = qmi_client_send_msg_sync(handle, QMI_SAR_RF_GET_STATE_REQ_MSG_V01, nullptr, 0, &resp, sizeof(resp),
+                                      unsigned(strtoul(argv[2], nullptr, 10)));
+        printf("%d %u\n", rc, resp.sar_rf_state);
+        fflush(stdout);
+        if (strcmp(argv[3], "1") == 0) qmi_client_release(handle);
         return 0;
     }
     if (argc == 3 && strcmp(argv[1], "getprop") == 0) {

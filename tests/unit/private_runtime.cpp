@@ -9,28 +9,24 @@
 
 namespace {
 
-constexpr char k_prefix[] = "rlk-unit-runtime-";
-
 struct private_runtime {
-    std::string dir;
+    std::string dir = "/tmp/rlk-unit-runtime-XXXXXX";
 
     private_runtime()
     {
         /* A death-test child runs this binary again with our environment:
          * it shares its parent's directory, which the parent removes. */
         const char *inherited = getenv("XDG_RUNTIME_DIR");
-        if (inherited && strstr(inherited, k_prefix)) return;
-        std::string tmpl = std::string("/tmp/") + k_prefix + "XXXXXX";
-        if (!mkdtemp(&tmpl[0])) return;
-        dir = tmpl;
+        if ((inherited && strstr(inherited, "rlk-unit-runtime-")) || !mkdtemp(&dir[0])) {
+            dir.clear();
+            return;
+        }
         setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
         setenv("RLK_MODEMD", "/nonexistent/rlk-modemd", 1);
     }
     ~private_runtime()
     {
-        if (dir.empty()) return;
-        std::string cmd = "rm -rf '" + dir + "'";
-        if (system(cmd.c_str()) != 0) return;
+        if (!dir.empty() && system(("rm -rf '" + dir + "'").c_str()) != 0) dir.clear();
     }
 };
 

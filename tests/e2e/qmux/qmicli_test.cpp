@@ -15,7 +15,6 @@
 namespace {
 
 constexpr const char k_qmicli[] = "/usr/bin/qmicli";
-constexpr int k_qmicli_timeout_ms = 20000;
 
 class QmicliOverQmux : public ::testing::Test {
 protected:
@@ -27,11 +26,10 @@ protected:
     }
 
     /* Runs one qmicli command on the device; fails the test unless it
-     * exits 0, and checks it released its client id. */
+     * exits 0 and released its client id. */
     std::string qmicli(const std::string &command)
     {
-        run_result r = run_process({k_qmicli, "-d", sim_.qmux_path(), "--device-open-qmi", command}, {}, "",
-                                   k_qmicli_timeout_ms);
+        run_result r = run_process({k_qmicli, "-d", sim_.qmux_path(), "--device-open-qmi", command}, {}, "", 20000);
         EXPECT_TRUE(exited_cleanly(r.status)) << command << "\n" << r.out << r.err;
         EXPECT_EQ(sim_.ctl("qmux clients"), "ok") << command << " left a client id allocated";
         return r.out;
@@ -40,14 +38,15 @@ protected:
     sim_instance sim_;
 };
 
-struct qmicli_case {
-    const char *command;
-    std::vector<const char *> expected;
-};
-
-TEST_F(QmicliOverQmux, ReadCommandsGiveTheModemsAnswers)
+/* Reads, the SAR state set by qmicli (and shown by rlk), and slot two
+ * powered off and on. */
+TEST_F(QmicliOverQmux, CommandsGiveTheModemsAnswers)
 {
-    const qmicli_case cases[] = {
+    const struct {
+        std::string command;
+        std::vector<const char *> expected;
+        const char *uim_state = nullptr; /* what the simulator's UIM state holds after the step */
+    } steps[] = {
         {"--dms-get-ids", {"IMEI: '355343101234560'", "ESN: '0'", "MEID: '0'"}},
         {"--dms-get-revision", {"Revision: 'RLK.MPSS.1.0'"}},
         {"--uim-get-card-status", {"Slot [1]:", "Slot [2]:", "Card state: 'present'", "Application state: 'ready'"}},
@@ -55,35 +54,22 @@ TEST_F(QmicliOverQmux, ReadCommandsGiveTheModemsAnswers)
         {"--sar-rf-get-state", {"Successfully got SAR RF state: 0"}},
         {"--pdc-list-configs=software",
          {"Total configurations: 5", "Description: ROW generic 3GPP", "Status:      Active", "Size:        118784"}},
+        {"--sar-rf-set-state=9", {"RF state set successfully"}},
+        {"--sar-rf-get-state", {"SAR RF state: 9"}},
+        {"--uim-sim-power-off=2", {"Successfully performed SIM power off"}, "slot2 off"},
+        {"--uim-get-card-status", {"Slot [2]:\n\tCard state: 'error: power-down (1)'"}},
+        {"--uim-sim-power-on=2", {"Successfully performed SIM power on"}, "slot2 on"},
     };
-    for (const qmicli_case &c : cases) {
-        std::string out = qmicli(c.command);
-        for (const char *e : c.expected) EXPECT_NE(out.find(e), std::string::npos) << c.command << ": " << e << "\n"
+    for (const auto &s : steps) {
+        std::string out = qmicli(s.command);
+        for (const char *e : s.expected) EXPECT_NE(out.find(e), std::string::npos) << s.command << ": " << e << "\n"
                                                                                     << out;
+        if (s.uim_state) {
+            EXPECT_NE(sim_.ctl_ok("uim state").find(s.uim_state), std::string::npos) << s.command;
+        }
     }
-}
-
-TEST_F(QmicliOverQmux, SarStateSetByQmicliIsWhatRlkShows)
-{
-    EXPECT_NE(qmicli("--sar-rf-set-state=9").find("RF state set successfully"), std::string::npos);
-    EXPECT_NE(qmicli("--sar-rf-get-state").find("SAR RF state: 9"), std::string::npos);
-    rlk_run r = sim_.run_rlk({"5", "5"});
-    EXPECT_NE(r.out.find("SAR DSI: 9"), std::string::npos) << r.out;
     EXPECT_EQ(sim_.ctl_ok("sar state"), "9");
-}
-
-TEST_F(QmicliOverQmux, SimPowerOffAndOnOfSlotTwo)
-{
-    EXPECT_NE(qmicli("--uim-sim-power-off=2").find("Successfully performed SIM power off"), std::string::npos);
-    std::string state = sim_.ctl_ok("uim state");
-    EXPECT_NE(state.find("slot2 off"), std::string::npos) << state;
-    std::string cards = qmicli("--uim-get-card-status");
-    size_t slot2 = cards.find("Slot [2]:");
-    ASSERT_NE(slot2, std::string::npos) << cards;
-    EXPECT_EQ(cards.find("Card state: 'present'", slot2), std::string::npos) << cards;
-    EXPECT_NE(qmicli("--uim-sim-power-on=2").find("Successfully performed SIM power on"), std::string::npos);
-    state = sim_.ctl_ok("uim state");
-    EXPECT_NE(state.find("slot2 on"), std::string::npos) << state;
+    EXPECT_NE(sim_.run_rlk({"5", "5"}).out.find("SAR DSI: 9"), std::string::npos);
 }
 
 TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
@@ -93,16 +79,13 @@ TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
         std::ofstream f(path, std::ios::binary);
         for (int i = 0; i < 50000; i++) f.put(char(i * 7 + 3)); /* several chunks of qmicli's size */
     }
-    std::string out = qmicli("--pdc-load-config=" + path);
-    EXPECT_NE(out.find("Finished loading"), std::string::npos) << out;
-    out = qmicli("--pdc-list-configs=software");
+    EXPECT_NE(qmicli("--pdc-load-config=" + path).find("Finished loading"), std::string::npos);
+    std::string out = qmicli("--pdc-list-configs=software");
     EXPECT_NE(out.find("Total configurations: 6"), std::string::npos) << out;
     EXPECT_NE(out.find("Size:        50000"), std::string::npos) << out;
     /* qmicli names a loaded file by its SHA-1, printed as colon-separated hex. */
-    size_t at = out.rfind("ID:");
-    ASSERT_NE(at, std::string::npos);
     std::string id;
-    for (size_t i = at + 3; i < out.size() && out[i] != '\n'; i++) {
+    for (size_t i = out.rfind("ID:") + 3; i < out.size() && out[i] != '\n'; i++) {
         if (isxdigit(static_cast<unsigned char>(out[i]))) id += out[i];
     }
     ASSERT_EQ(id.size(), 40u) << out;
@@ -118,9 +101,7 @@ TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
     }
     ASSERT_TRUE(back);
     out = qmicli("--pdc-list-configs=software");
-    size_t cfg = out.rfind("Size:        50000");
-    ASSERT_NE(cfg, std::string::npos) << out;
-    EXPECT_EQ(out.find("Size:        50000\n\tStatus:      Active", cfg), cfg) << out.substr(cfg);
+    EXPECT_NE(out.find("Size:        50000\n\tStatus:      Active"), std::string::npos) << out;
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 /* The host QMI client library against a real private simulator: lookup and
  * notifier, connection, synchronous sends and their time-out, indications,
  * and the error callback when a service goes away. */
-#include <string.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -10,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "qmi_client.h"
 #include "ext_request.h"
+#include "qmi_client.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_service_v01.h"
 
@@ -21,6 +22,7 @@ namespace {
  * never waits for it. */
 constexpr int k_wait_ms = 3000;
 
+/* What the library's callbacks reported, and from which thread. */
 struct event_box {
     std::mutex mu;
     std::condition_variable cv;
@@ -36,17 +38,16 @@ struct event_box {
         payloads.emplace_back(static_cast<const uint8_t *>(data), static_cast<const uint8_t *>(data) + len);
         cv.notify_all();
     }
+    /* Waits for `n` events; true when they came from another thread. */
     bool wait_count(size_t n)
     {
         std::unique_lock<std::mutex> lk(mu);
-        return cv.wait_for(lk, std::chrono::milliseconds(k_wait_ms), [&] { return events.size() >= n; });
+        return cv.wait_for(lk, std::chrono::milliseconds(k_wait_ms), [&] { return events.size() >= n; }) &&
+               std::count(threads.begin(), threads.end(), std::this_thread::get_id()) == 0;
     }
 };
 
-void on_error(qmi_client_type, qmi_client_error_type error, void *data)
-{
-    static_cast<event_box *>(data)->add(error);
-}
+void on_error(qmi_client_type, qmi_client_error_type error, void *data) { static_cast<event_box *>(data)->add(error); }
 
 void on_notify(qmi_client_type, qmi_idl_service_object_type, qmi_client_notify_event_type ev, void *data)
 {
@@ -60,11 +61,7 @@ void on_indication(qmi_client_type, unsigned int msg_id, void *buf, unsigned int
 
 class QmiClientTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(sim.start());
-        svc = tolvek_extend_get_service_object_v01();
-    }
+    void SetUp() override { ASSERT_TRUE(sim.start()); }
     void TearDown() override
     {
         if (client) qmi_client_release(client);
@@ -79,115 +76,108 @@ protected:
         ASSERT_EQ(entries, 1u);
         ASSERT_EQ(qmi_client_init(&info, svc, inds ? on_indication : nullptr, inds, &os, &client), QMI_NO_ERR);
     }
-
-    int send_read(unsigned int timeout_ms, tolvek_extend_msg *resp)
+    void notify(event_box *box)
+    {
+        ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), QMI_NO_ERR);
+        ASSERT_EQ(qmi_client_register_notify_cb(notifier, on_notify, box), QMI_NO_ERR);
+    }
+    int send_read(unsigned int timeout_ms)
     {
         tolvek_extend_msg req = make_efs_read_request();
-        return qmi_client_send_msg_sync(client, 0x0002, &req, sizeof(req), resp, sizeof(*resp), timeout_ms);
+        return qmi_client_send_msg_sync(client, 0x0002, &req, sizeof(req), &resp, sizeof(resp), timeout_ms);
     }
-
     sim_instance sim;
-    qmi_idl_service_object_type svc = nullptr;
+    qmi_idl_service_object_type svc = tolvek_extend_get_service_object_v01();
     qmi_client_os_params os = {};
     qmi_client_type client = nullptr;
     qmi_client_type notifier = nullptr;
+    tolvek_extend_msg resp;
 };
 
-TEST_F(QmiClientTest, AbsentServiceIsListedWhenItAppears)
+/* A service that is absent, appears, and goes through a subsystem restart. */
+TEST_F(QmiClientTest, AbsentServiceIsListedWhenItAppearsAndAfterARestart)
 {
     sim.ctl_ok("down ext");
     event_box box;
-    ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), QMI_NO_ERR);
-    ASSERT_EQ(qmi_client_register_notify_cb(notifier, on_notify, &box), QMI_NO_ERR);
+    notify(&box);
     unsigned int services = 99;
     EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &services), QMI_SERVICE_ERR);
     EXPECT_EQ(services, 0u);
-
     sim.ctl_ok("up ext");
     qmi_cci_os_signal_wait(&os, k_wait_ms);
     EXPECT_FALSE(QMI_CCI_OS_SIGNAL_TIMED_OUT(&os));
     EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &services), QMI_NO_ERR);
     EXPECT_EQ(services, 1u);
     ASSERT_TRUE(box.wait_count(1));
-    EXPECT_EQ(box.events[0], QMI_CLIENT_SERVICE_COUNT_INC);
-    EXPECT_NE(box.threads[0], std::this_thread::get_id());
+    EXPECT_EQ(box.events, std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
+    sim.ctl_ok("ssr ext 100");
+    ASSERT_TRUE(box.wait_count(3));
+    EXPECT_EQ(box.events, (std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC, QMI_CLIENT_SERVICE_COUNT_DEC,
+                                            QMI_CLIENT_SERVICE_COUNT_INC}));
 }
 
-TEST_F(QmiClientTest, SynchronousRequestReachesTheServiceWithItsWireBytes)
+/* A notifier told at once of a service that is there, a request with its
+ * wire bytes, one that times out, and an indication that arrives on a
+ * library thread as raw TLVs. */
+TEST_F(QmiClientTest, SendsTimeOutsAndIndications)
 {
-    connect();
-    tolvek_extend_msg resp;
-    ASSERT_EQ(send_read(k_wait_ms, &resp), QMI_NO_ERR);
+    event_box box, present;
+    notify(&present);
+    ASSERT_TRUE(present.wait_count(1));
+    EXPECT_EQ(present.events, std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
+    connect(&box);
+    ASSERT_EQ(send_read(k_wait_ms), QMI_NO_ERR);
     EXPECT_EQ(resp.msg_code, 0u);
     EXPECT_EQ(resp.data_valid, 1);
     EXPECT_EQ(resp.data[4], 16) << "seeded antenna file holds 16 bytes";
-
     /* The simulator saw a QMI request: type 0, transaction 1, message 2,
      * 529 bytes of TLVs. */
     std::string last = sim.ctl_ok("last 1 ext");
     EXPECT_EQ(last.substr(0, 30), "0xffe4 0x0002 1 00010002001102");
     EXPECT_EQ(last.size(), std::string("0xffe4 0x0002 1 ").size() + 2 * (7 + 529));
-}
 
-TEST_F(QmiClientTest, SynchronousSendHonoursItsTimeout)
-{
-    connect();
     sim.ctl_ok("delay ext 2 5000");
-    tolvek_extend_msg resp;
     long long start = monotonic_ms();
-    EXPECT_EQ(send_read(300, &resp), QMI_TIMEOUT_ERR);
+    EXPECT_EQ(send_read(300), QMI_TIMEOUT_ERR);
     long long spent = monotonic_ms() - start;
     EXPECT_GE(spent, 300);
     EXPECT_LT(spent, 400);
+
+    sim.ctl_ok("ind ext 3 01040009000000 02040000000000");
+    ASSERT_TRUE(box.wait_count(1));
+    EXPECT_EQ(box.events[0], 3);
+    std::vector<uint8_t> &tlvs = box.payloads[0];
+    tolvek_extend_msg ind;
+    ASSERT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, tlvs.data(), unsigned(tlvs.size()), &ind,
+                                        sizeof(ind)),
+              QMI_NO_ERR);
+    EXPECT_EQ(ind.msg_code, 9u);
+    EXPECT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, tlvs.data(), unsigned(tlvs.size()), &ind, 100),
+              QMI_IDL_LIB_BUFFER_TOO_SMALL);
 }
 
 TEST_F(QmiClientTest, ServiceGoingAwayFailsThePendingSendAndCallsTheErrorCallbackOnce)
 {
-    event_box box;
+    event_box box, late;
     connect();
     ASSERT_EQ(qmi_client_register_error_cb(client, on_error, &box), QMI_NO_ERR);
     sim.ctl_ok("drop ext 2");
     std::atomic<int> rc{1};
-    std::thread sender([&] {
-        tolvek_extend_msg resp;
-        rc = send_read(0, &resp);
-    });
-    /* Wait until the request is in the simulator's journal, then take the
-     * service down. */
-    long long deadline = monotonic_ms() + k_wait_ms;
-    while (sim.ctl_ok("last 1 ext").empty() && monotonic_ms() < deadline) usleep(1000);
+    std::thread sender([&] { rc = send_read(0); });
+    /* Once the request is in the simulator's journal, the service goes. */
+    for (long long end = monotonic_ms() + k_wait_ms; sim.ctl_ok("last 1 ext").empty() && monotonic_ms() < end;) {
+        usleep(1000);
+    }
     sim.ctl_ok("down ext");
     sender.join();
     EXPECT_EQ(rc.load(), QMI_SERVICE_ERR);
     ASSERT_TRUE(box.wait_count(1));
     EXPECT_EQ(box.events[0], QMI_SERVICE_ERR);
-    EXPECT_NE(box.threads[0], std::this_thread::get_id());
-
     /* A dead client reports the loss again to a late registration. */
-    event_box late;
     EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &late), QMI_SERVICE_ERR);
     EXPECT_EQ(late.events.size(), 1u);
-    tolvek_extend_msg resp;
-    EXPECT_EQ(send_read(100, &resp), QMI_SERVICE_ERR);
+    EXPECT_EQ(send_read(100), QMI_SERVICE_ERR);
     EXPECT_EQ(box.events.size(), 1u);
-}
-
-TEST_F(QmiClientTest, IndicationArrivesOnALibraryThreadAsRawTlvs)
-{
-    event_box box;
-    connect(&box);
-    sim.ctl_ok("ind ext 3 01040009000000 02040000000000");
-    ASSERT_TRUE(box.wait_count(1));
-    EXPECT_EQ(box.events[0], 3);
-    EXPECT_NE(box.threads[0], std::this_thread::get_id());
-    tolvek_extend_msg ind;
-    ASSERT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, box.payloads[0].data(),
-                                        unsigned(box.payloads[0].size()), &ind, sizeof(ind)),
-              QMI_NO_ERR);
-    EXPECT_EQ(ind.msg_code, 9u);
-    EXPECT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, box.payloads[0].data(),
-                                        unsigned(box.payloads[0].size()), &ind, 100),
-              QMI_IDL_LIB_BUFFER_TOO_SMALL);
 }
 
 TEST_F(QmiClientTest, InitInstanceTimesOutOrFollowsALateService)
@@ -200,23 +190,9 @@ TEST_F(QmiClientTest, InitInstanceTimesOutOrFollowsALateService)
     EXPECT_GE(spent, 200);
     EXPECT_LT(spent, 300);
     client = nullptr;
-
     sim.ctl_ok("up ext 50");
     EXPECT_EQ(qmi_client_init_instance(svc, 0, nullptr, nullptr, &os, k_wait_ms, &client), QMI_NO_ERR);
-    tolvek_extend_msg resp;
-    EXPECT_EQ(send_read(k_wait_ms, &resp), QMI_NO_ERR);
-}
-
-TEST_F(QmiClientTest, SubsystemRestartBringsTheServiceBack)
-{
-    event_box box;
-    ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), QMI_NO_ERR);
-    ASSERT_EQ(qmi_client_register_notify_cb(notifier, on_notify, &box), QMI_NO_ERR);
-    ASSERT_TRUE(box.wait_count(1)); /* present at registration */
-    sim.ctl_ok("ssr ext 100");
-    ASSERT_TRUE(box.wait_count(3));
-    EXPECT_EQ(box.events[1], QMI_CLIENT_SERVICE_COUNT_DEC);
-    EXPECT_EQ(box.events[2], QMI_CLIENT_SERVICE_COUNT_INC);
+    EXPECT_EQ(send_read(k_wait_ms), QMI_NO_ERR);
 }
 
 }  // namespace
