@@ -14,7 +14,10 @@ bool parse(std::vector<std::string> words, mbn_options *o, std::string *error)
     return mbn_parse_options(int(argv.size()), argv.data(), o, error);
 }
 
-TEST(MbnOptions, OptionsMayComeAnywhere)
+std::string text_of(const uint8_t *bytes, uint32_t len) { return std::string(reinterpret_cast<const char *>(bytes), len); }
+
+/* Options may come anywhere; wrong words are refused with a reason. */
+TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
 {
     mbn_options o;
     std::string error;
@@ -24,11 +27,8 @@ TEST(MbnOptions, OptionsMayComeAnywhere)
     EXPECT_EQ(o.config_type, uint32_t(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01));
     EXPECT_EQ(o.timeout_s, 5u);
     EXPECT_TRUE(o.json);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(o.id.bytes), o.id.len), "abc");
-}
+    EXPECT_EQ(text_of(o.id.bytes, o.id.len), "abc");
 
-TEST(MbnOptions, WrongWordsAreRefusedWithAReason)
-{
     const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"list", "--timeout"}, "--timeout needs a value"},
         {{"list", "--timeout", "3601"}, "--timeout takes 1 to 3600 seconds"},
@@ -41,14 +41,13 @@ TEST(MbnOptions, WrongWordsAreRefusedWithAReason)
         {{"list", "--json=yes"}, "--json takes no value"},
     };
     for (const auto &c : cases) {
-        mbn_options o;
-        std::string error;
-        EXPECT_FALSE(parse(c.first, &o, &error));
+        mbn_options bad;
+        EXPECT_FALSE(parse(c.first, &bad, &error));
         EXPECT_EQ(error, c.second);
     }
 }
 
-TEST(MbnIds, HexFormRoundTripsAndTheLimitIsKept)
+TEST(MbnIds, HexFormRoundTripsTheLimitIsKeptAndJsonIsEscaped)
 {
     pdc_config_id id;
     ASSERT_TRUE(mbn_parse_id("hex:00FFa0", &id));
@@ -60,16 +59,11 @@ TEST(MbnIds, HexFormRoundTripsAndTheLimitIsKept)
     EXPECT_FALSE(mbn_parse_id(std::string(125, 'a'), &id));
     /* Printable text that would read back as hex, or with blanks or quotes,
      * is shown in the hex form. */
-    const std::string tricky[] = {"hex:ab", "a b", "a\"b"};
-    for (const std::string &t : tricky) {
+    for (const std::string t : {"hex:ab", "a b", "a\"b"}) {
         std::string shown = mbn_format_id(reinterpret_cast<const uint8_t *>(t.data()), uint32_t(t.size()));
         ASSERT_TRUE(mbn_parse_id(shown, &id)) << shown;
-        EXPECT_EQ(std::string(reinterpret_cast<char *>(id.bytes), id.len), t);
+        EXPECT_EQ(text_of(id.bytes, id.len), t);
     }
-}
-
-TEST(MbnJson, DescriptionsAreEscaped)
-{
     EXPECT_EQ(mbn_json_string("a\"b\\c\n\x01\xc3"), "\"a\\\"b\\\\c\\u000a\\u0001\\u00c3\"");
 }
 
