@@ -4,6 +4,7 @@
 #ifndef RLK_TEST_EXT_TEST_UTIL_H
 #define RLK_TEST_EXT_TEST_UTIL_H
 
+#include <stdio.h>
 #include <stdlib.h>
 
 #include <sstream>
@@ -80,16 +81,12 @@ inline probe_run run_probe(const sim_instance &sim, const std::vector<std::strin
     probe_run p;
     p.run = run_process(argv, sim.env(), "", timeout_ms);
     size_t at = p.run.out.rfind("PROBE result=");
-    if (at == std::string::npos) return p;
-    std::istringstream in(p.run.out.substr(at + 6));
-    for (std::string field; in >> field;) {
-        size_t eq = field.find('=');
-        std::string key = field.substr(0, eq), value = field.substr(eq + 1);
-        if (key == "result") p.result = atoi(value.c_str());
-        if (key == "len") p.len = size_t(atoll(value.c_str()));
-        if (key == "fnv") p.fnv = value;
-        if (key == "head") p.head = value;
+    char fnv[9] = "", head[65] = "";
+    if (at != std::string::npos) {
+        sscanf(p.run.out.c_str() + at, "PROBE result=%d len=%zu fnv=%8s head=%64s", &p.result, &p.len, fnv, head);
     }
+    p.fnv = fnv;
+    p.head = head;
     return p;
 }
 

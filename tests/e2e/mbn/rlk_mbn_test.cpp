@@ -165,14 +165,7 @@ TEST_F(RlkMbnTest, WhatIsCheckedBeforeTheModemAndTheOpeningTimeOut)
     const std::string not_open = "the PDC service did not answer within 1 s";
     const mbn_case cases[] = {
         {{}, "", 2, "", "no command"},
-        {{}, "frobnicate", 2, "", "unknown command frobnicate"},
-        {{}, "info", 2, "", "info takes one argument"},
-        {{}, "list extra", 2, "", "list takes no argument"},
-        {{}, "list --sub 2", 2, "", "--sub takes 0 or 1"},
         {{}, "list --sub=2 --json", 2, json_error("--sub takes 0 or 1", 2), "--sub takes 0 or 1"},
-        {{}, "list --type xx", 2, "", "--type takes hw or sw"},
-        {{}, "list --timeout 0", 2, "", "--timeout takes 1 to 3600 seconds"},
-        {{}, std::string("delete ").append(125, 'x'), 2, "", "an id has 1 to 124 bytes"},
         {{}, "info hex:zz", 2, "", "an id has 1 to 124 bytes"},
         {{}, "list --json=1", 2, "", "--json takes no value"}, /* refused, so not JSON */
         /* The load checks its file first. */

@@ -39,6 +39,12 @@ TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
         {{"list", "--frob"}, "unknown option --frob"},
         {{"list", "--timeout="}, "--timeout takes 1 to 3600 seconds"},
         {{"list", "--json=yes"}, "--json takes no value"},
+        {{"list", "--sub", "2"}, "--sub takes 0 or 1"},
+        {{"list", "--type", "xx"}, "--type takes hw or sw"},
+        {{"list", "--timeout", "0"}, "--timeout takes 1 to 3600 seconds"},
+        {{"delete", std::string(125, 'x')}, "an id has 1 to 124 bytes"},
+        {{"frobnicate"}, "unknown command frobnicate"},
+        {{}, "no command"},
     };
     for (const auto &c : cases) {
         mbn_options bad;

@@ -1,6 +1,5 @@
 /* Opening and releasing the PDC client against a private simulator, the
- * indication decoder, and requests answered by the simulator's PDC service
- * through the real QMI library threads. */
+ * indication decoder, and option 10's use of the client. */
 #include <thread>
 
 #include "../frontend/frontend_test_util.h"
@@ -17,14 +16,6 @@ sim_instance *g_current = nullptr;
 void deliver(unsigned int msg_id, std::vector<uint8_t> tlvs)
 {
     qmi_pdc_unsol_ind_cb(g_pdc_info.client_handle, msg_id, tlvs.data(), unsigned(tlvs.size()), nullptr);
-}
-
-pdc_config_id id_of(const std::string &text)
-{
-    pdc_config_id id = {};
-    id.len = uint32_t(text.size());
-    memcpy(id.bytes, text.data(), text.size());
-    return id;
 }
 
 class PdcClientTest : public ::testing::Test {
@@ -102,34 +93,6 @@ TEST_F(PdcClientTest, DecoderDispatchesAndRefusesWhatItCannotDecode)
               (std::vector<std::string>{"6 failed to get message c_struct len",
                                         "6 failed to decode qmi message, msg_id: 0x23",
                                         "6 failed to decode qmi message, msg_id: 0x24"}));
-}
-
-/* Requests answered by the simulator: the outcome comes back on the QMI
- * library's callback thread while this thread waits. */
-TEST_F(PdcClientTest, RequestsWaitForTheirIndications)
-{
-    pdc_log_scope log;
-    ASSERT_EQ(pdc_init(), 0);
-    const std::pair<std::string, uint16_t> selects[] = {{"Commercial_VZW_VoLTE", 0}, {"Com", PDC_QMI_ERR_INVALID_ID}};
-    for (const auto &s : selects) {
-        pdc_begin(PDC_OP_SELECT);
-        ASSERT_EQ(pdc_request_select(PDC_CONFIG_TYPE_MODEM_SW_V01, id_of(s.first), 0, pdc_next_token()), 0);
-        EXPECT_EQ(pdc_wait_outcome(PDC_OP_SELECT, 5000), PDC_WAIT_DONE);
-        EXPECT_EQ(outcome_of(PDC_OP_SELECT).result, s.second ? PDC_RESULT_GENERAL_ERROR : PDC_RESULT_SUCCESS);
-        EXPECT_EQ(outcome_of(PDC_OP_SELECT).qmi_error, s.second) << s.first;
-    }
-
-    /* A load of an id the modem holds: error 41 stores -4. */
-    const uint8_t frame[4] = {1, 2, 3, 4};
-    pdc_begin(PDC_OP_LOAD);
-    ASSERT_EQ(pdc_request_load_frame(PDC_CONFIG_TYPE_MODEM_SW_V01, id_of("ROW_Generic_3GPP"), 4, frame, 4,
-                                     pdc_next_token()),
-              0);
-    EXPECT_EQ(pdc_wait_outcome(PDC_OP_LOAD, 5000), PDC_WAIT_DONE);
-    EXPECT_EQ(outcome_of(PDC_OP_LOAD).result, PDC_RESULT_CONFIG_EXISTS);
-
-    /* An invalid type is refused in the response; no indication follows. */
-    EXPECT_EQ(pdc_request_activate(7, 0, pdc_next_token()), PDC_QMI_ERR_NOT_SUPPORTED);
 }
 
 /* Option 10 opens the client once per process and reuses it; a forced
