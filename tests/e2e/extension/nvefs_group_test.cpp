@@ -23,7 +23,8 @@ TEST_F(NvEfsGroupTest, EfsWriteReadDeleteRead)
     EXPECT_EQ(sim.ctl_ok("efs get /test/round_trip"), "0102ff00");
     expect_out("4 4 0 /test/round_trip", "\ndata len(4)\ndata:  01 02 FF 00\n");
     expect_out("4 6 0 /test/round_trip", "note:", false);
-    rlk_run gone = expect_out("4 4 0 /test/round_trip", "tolvek_extend_qmi_send_sync fail, REQUEST_ID_EFS\n" + error_note(-2));
+    const std::string failed = "tolvek_extend_qmi_send_sync fail, REQUEST_ID_EFS\n";
+    rlk_run gone = expect_out("4 4 0 /test/round_trip", failed + error_note(-2));
     EXPECT_TRUE(has_syslog(gone, "] tolvek_efs_read: qmi response fail"));
     expect_out("4 6 0 /test/round_trip", error_note(-2));
 }

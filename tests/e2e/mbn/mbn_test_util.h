@@ -96,10 +96,8 @@ public:
     mbn_run result(int status) const
     {
         bool exited = status != -1 && WIFEXITED(status);
-        return {exited ? WEXITSTATUS(status) : -1, out(), err(), logcat()};
+        return {exited ? WEXITSTATUS(status) : -1, read_text(base_ + "-out"), read_text(base_ + "-err"), logcat()};
     }
-    std::string out() const { return read_text(base_ + "-out"); }
-    std::string err() const { return read_text(base_ + "-err"); }
     std::vector<std::string> logcat() const { return pdc_lines(base_ + "-logcat.log"); }
 
 private:

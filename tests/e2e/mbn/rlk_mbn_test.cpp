@@ -81,7 +81,8 @@ TEST_F(RlkMbnTest, ListOfSixtyComesInThreePagesWithOneToken)
         snprintf(id, sizeof(id), "sw_cfg_%03d", i);
         configs += std::string(i ? "," : "") + "{\"id\":\"" + id + "\",\"active\":false,\"pending\":false}";
     }
-    mbn_run r = check({{}, "list --json", 0, "{\"type\":\"sw\",\"sub\":0,\"count\":60,\"configs\":[" + configs + "]}\n"});
+    mbn_run r = check({{}, "list --json", 0,
+                       "{\"type\":\"sw\",\"sub\":0,\"count\":60,\"configs\":[" + configs + "]}\n"});
     /* Three pages, every one asked for with the same token (TLV 0x10). */
     std::vector<std::string> pages = pdc_requests(sim, "0x0024");
     ASSERT_EQ(pages.size(), 3u);
@@ -134,7 +135,8 @@ TEST_F(RlkMbnTest, EveryOutcomeByNameWithItsExitStatus)
          "{\"id\":\"hex:00ff10\",\"size\":10,\"version\":0,\"description\":\"Loaded configuration\"}\n"},
         {{"pdc reset", "pdc capacity 1000"}, "load " + file, 4, "", no_memory},
         {{"pdc reset"}, "load " + file + " --id ROW_Generic_3GPP --json", 5, json_error(exists, 5), exists},
-        {{"pdc fail 0x26 reset 1"}, "load " + file, 6, "", "load: frame reset (the modem dropped the partial transfer)"},
+        {{"pdc fail 0x26 reset 1"}, "load " + file, 6, "",
+         "load: frame reset (the modem dropped the partial transfer)"},
         {{"pdc clear hw"}, "list --type hw --json", 7, json_error(no_mbn, 7), no_mbn},
         {{"pdc reset", "pdc fail 0x26 nomem 1"}, "load " + file + " --json", 4, json_error(no_memory, 4), no_memory},
         {{"pdc fail 0x26 exists 1"}, "load " + file, 5, "", exists},
@@ -214,7 +216,8 @@ TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
     std::string ext_after = ext_line();
     EXPECT_NE(ext_after.find(" up port "), std::string::npos) << ext_after;
     EXPECT_NE(ext_after, ext_before) << "a new port after the restart";
-    check({{}, "selected --sub 1 --json", 0, "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n"});
+    check({{}, "selected --sub 1 --json", 0,
+           "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n"});
     check({{}, "selected", 0, "active: ROW_Generic_3GPP\npending: none\n"}); /* sub 0 unchanged */
 
     /* The state is on disk: a restarted simulator still has it. */

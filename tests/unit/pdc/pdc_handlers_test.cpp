@@ -23,8 +23,8 @@ pdc_generic_ind_msg_v01 generic_ind(int32_t error, uint32_t token = 0)
 TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
 {
     const std::pair<pdc_op, handler_fn> handlers[] = {
-        {PDC_OP_SELECT, qmi_pdc_select_config_ind_hdlr},         {PDC_OP_DELETE, qmi_pdc_delete_config_ind_hdlr},
-        {PDC_OP_ACTIVATE, qmi_pdc_activate_config_ind_hdlr},     {PDC_OP_DEACTIVATE, qmi_pdc_deactivate_config_ind_hdlr},
+        {PDC_OP_SELECT, qmi_pdc_select_config_ind_hdlr},     {PDC_OP_DELETE, qmi_pdc_delete_config_ind_hdlr},
+        {PDC_OP_ACTIVATE, qmi_pdc_activate_config_ind_hdlr}, {PDC_OP_DEACTIVATE, qmi_pdc_deactivate_config_ind_hdlr},
         {PDC_OP_SET_FEATURE, qmi_pdc_set_feature_ind_hdlr},
     };
     for (const auto &h : handlers) {
@@ -47,8 +47,9 @@ TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
 }
 
 /* A waiter is woken by its own outcome only (not by one with another
- * token), and a late waiter finds an outcome that came first. */
-TEST(PdcWaiter, OnlyItsOwnOutcomeWakesTheWaiter)
+ * token), a late waiter finds an outcome that came first, and a wait
+ * without an outcome ends at its time-out or when cancelled. */
+TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
 {
     pdc_log_scope log;
     pdc_begin(PDC_OP_SELECT);
@@ -74,23 +75,20 @@ TEST(PdcWaiter, OnlyItsOwnOutcomeWakesTheWaiter)
     pdc_begin(PDC_OP_DELETE);
     qmi_pdc_delete_config_ind_hdlr(&ours, sizeof(ours));
     EXPECT_EQ(pdc_wait_outcome(PDC_OP_DELETE, 1), PDC_WAIT_DONE);
-}
 
-TEST(PdcWaiter, TimeOutAndCancel)
-{
-    pdc_log_scope log;
+    /* Without an outcome: the time-out, or a cancel at once. */
     pdc_begin(PDC_OP_ACTIVATE);
-    long long start = monotonic_ms();
+    start = monotonic_ms();
     EXPECT_EQ(pdc_wait_outcome(PDC_OP_ACTIVATE, 50), PDC_WAIT_TIMEOUT);
     EXPECT_GE(monotonic_ms() - start, 50);
     EXPECT_EQ(*pdc_slot_of(PDC_OP_ACTIVATE).in_progress, 0u);
 
     pdc_begin(PDC_OP_ACTIVATE);
-    pdc_wait_status status = PDC_WAIT_DONE;
-    std::thread waiter([&status] { status = pdc_wait_outcome(PDC_OP_ACTIVATE, 10000); });
+    status = PDC_WAIT_DONE;
+    std::thread canceled([&status] { status = pdc_wait_outcome(PDC_OP_ACTIVATE, 10000); });
     usleep(20000);
     pdc_cancel_waits();
-    waiter.join();
+    canceled.join();
     EXPECT_EQ(status, PDC_WAIT_CANCELLED);
     pdc_reset_cancel();
 }
@@ -204,14 +202,6 @@ protected:
         ind->more_available = more;
         qmi_pdc_list_configs_ind_hdlr(ind.get(), sizeof(*ind));
     }
-    std::vector<std::string> ids() const
-    {
-        std::vector<std::string> out;
-        for (pdc_config_list_element *e = head; e; e = e->next) {
-            out.emplace_back(reinterpret_cast<const char *>(e->config_id), e->config_id_len);
-        }
-        return out;
-    }
 
     pdc_log_scope log;
     uint32_t count = 0;
@@ -248,7 +238,10 @@ TEST_F(PdcListHandler, PagesAccumulateAndOnlyTheLastWakesTheWaiter)
     EXPECT_EQ(outcome_of(PDC_OP_LIST).done, 1u);
     EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_SUCCESS);
     EXPECT_EQ(count, 28u);
-    std::vector<std::string> got = ids();
+    std::vector<std::string> got;
+    for (pdc_config_list_element *e = head; e; e = e->next) {
+        got.emplace_back(reinterpret_cast<const char *>(e->config_id), e->config_id_len);
+    }
     ASSERT_EQ(got.size(), 28u);
     EXPECT_EQ(got.front(), "b2") << "new elements go to the head";
     EXPECT_EQ(got.back(), "a0");
