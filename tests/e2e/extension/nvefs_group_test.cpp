@@ -1,5 +1,6 @@
 /* Option 4 through the real rlk against a private simulator: EFS and NV
- * round trips, what travels on the wire, limits and argument failures. */
+ * round trips, what travels on the wire, limits, and argument failures
+ * (with those of options 3 and 6). */
 #include <gtest/gtest.h>
 
 #include "ext_test_util.h"
@@ -54,10 +55,11 @@ TEST_F(NvEfsGroupTest, NvWriteReadDeleteAcrossSubscriptions)
     EXPECT_TRUE(has_syslog(gone, "] tolvek_nv_read: qmi response fail"));
 }
 
-/* Failures found before any request reaches the modem; the group help
- * follows each. */
+/* Failures of options 3, 4 and 6 found before any request reaches the
+ * modem; the group help follows each. */
 TEST_F(NvEfsGroupTest, ArgumentFailuresSendNothing)
 {
+    const std::string help = "\n=========== blew:";
     std::string path71(71, 'p');
     path71[0] = '/';
     const std::string usage_note = error_note(268431370);
@@ -78,6 +80,14 @@ TEST_F(NvEfsGroupTest, ArgumentFailuresSendNothing)
         {"4 1 0", "\nnote: need 5 inputs, Pls refer to the following cmd:\n" + usage_note, ""},
         {"4 4 0 /a b", "\nnote: need 5 inputs", ""},
         {"4 7", "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n", ""},
+        {"3 3 1 4", "\nnote: need 5 inputs, Pls refer to the following cmd:\n" + usage_note + help, ""},
+        {"3 1 extra", "\nnote: Cmd error, should be: rlk 3 1 , Pls refer to the following cmd:\n" + usage_note + help,
+         ""},
+        {"3 5 x", "\nnote: Cmd error, should be: rlk 3 5 , Pls refer to the following cmd:\n" + usage_note + help, ""},
+        {"3 6", "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n" + help, ""},
+        {"6 5", "\nnote: Too few parameters, Pls refer to the following cmd:\n" + help, ""},
+        {"6 6 1", "\nnote: the second parameters(qmi_id) should be >= 0 && < 6\n" + help, ""},
+        {"6 -1 1", "\nnote: the second parameters(qmi_id) should be >= 0 && < 6\n" + help, ""},
     };
     long long before = ext_request_count(sim);
     for (const auto &c : cases) {
