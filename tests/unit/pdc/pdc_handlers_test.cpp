@@ -55,16 +55,15 @@ TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
     pdc_begin(PDC_OP_SELECT);
     pdc_wait_status status = PDC_WAIT_TIMEOUT;
     std::thread waiter([&status] { status = pdc_wait_outcome(PDC_OP_SELECT, 5000, 5); });
-    for (int i = 0; i < 500; i++) {
-        {
-            std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
-            if (g_pdc_info.slots.select.waiting) break;
-        }
-        usleep(1000);
-    }
+    auto waiting = [] {
+        std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
+        return g_pdc_info.slots.select.waiting != 0;
+    };
+    for (int i = 0; i < 500 && !waiting(); i++) usleep(1000);
     pdc_generic_ind_msg_v01 other = generic_ind(3, 9), ours = generic_ind(0, 5);
     qmi_pdc_select_config_ind_hdlr(&other, sizeof(other));
     usleep(20000);
+    EXPECT_TRUE(waiting()) << "another request's outcome does not end the wait";
     long long start = monotonic_ms();
     qmi_pdc_select_config_ind_hdlr(&ours, sizeof(ours));
     waiter.join();
