@@ -7,6 +7,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -99,12 +100,9 @@ inline bool has_text(const std::string &out, const std::string &text)
  * message after the "SUB[...] <function>: " prefix). */
 inline bool has_syslog(const rlk_run &run, const std::string &text)
 {
-    for (const log_line &l : run.syslog) {
-        if (l.text.size() >= text.size() && l.text.compare(l.text.size() - text.size(), text.size(), text) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(run.syslog.begin(), run.syslog.end(), [&text](const log_line &l) {
+        return l.text.size() >= text.size() && l.text.compare(l.text.size() - text.size(), text.size(), text) == 0;
+    });
 }
 
 /* The group's error note for `code`. */
