@@ -1,18 +1,20 @@
 /* The extension client and the chunked EFS calls through the library
- * driver (one process per call, like rlk) against a private simulator:
- * send limits and response capacities, chunk boundaries and instance ids
- * on the wire, the largest file, failed chunks and an interrupted
- * transfer. */
+ * driver (one process per call, like rlk) and the real rlk against a
+ * private simulator: send limits and response capacities, chunk
+ * boundaries and instance ids on the wire, the largest file, failed chunks
+ * and an interrupted transfer, a reply later than the 3000 ms time-out, a
+ * service that appears late, framework errors, and several processes
+ * writing and reading at once. */
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "ext_test_util.h"
 
 namespace {
 
-class ExtLibraryTest : public ::testing::Test {
+class ExtLibraryTest : public ext_sim_test {
 protected:
-    void SetUp() override { ASSERT_TRUE(sim.start()); }
-
     probe_run probe(const std::vector<std::string> &args) { return run_probe(sim, args); }
 
     /* Requests of `fn`, counted by the simulator. */
@@ -23,9 +25,13 @@ protected:
         fn();
         return ext_request_count(sim) - before;
     }
-
-    sim_instance sim;
 };
+
+/* An EFS write chunk's instance, file size, chunk length and offset. */
+std::vector<uint32_t> chunk(const ext_wire_request &r)
+{
+    return {r.data[2], r.u32(76), r.u32(80), r.u32(84)};
+}
 
 TEST_F(ExtLibraryTest, RequestAndCapacityLimits)
 {
@@ -42,17 +48,18 @@ TEST_F(ExtLibraryTest, RequestAndCapacityLimits)
         {"300", "512", 0, 300, "tolvek_extend_qmi_send_sync resp_len:300\n"},
     };
     for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.req_len) + "/" + c.capacity);
         probe_run p;
         long long sent = requests_of([&] { p = probe({"send", "0", c.req_len, c.capacity}); });
-        EXPECT_EQ(p.result, c.result) << c.req_len << "/" << c.capacity;
-        EXPECT_EQ(p.len, c.len) << c.req_len << "/" << c.capacity;
+        EXPECT_EQ(p.result, c.result);
+        EXPECT_EQ(p.len, c.len);
         EXPECT_TRUE(has_text(p.run.out, c.line)) << p.run.out;
         /* A refused call returns before connecting. */
         EXPECT_EQ(sent, c.result == 0 ? 1 : 0);
         EXPECT_EQ(has_text(p.run.out, "TOLVEK_QMI_NV"), c.result == 0);
+        /* The echo came back unchanged, up to the capacity. */
+        EXPECT_EQ(p.head, c.len ? "000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f" : "");
     }
-    /* The echo came back unchanged, up to the capacity. */
-    EXPECT_EQ(probe({"send", "0", "300", "100"}).head, "000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
 }
 
 TEST_F(ExtLibraryTest, AnswersWithoutPayloadOrWithAFrameworkError)
@@ -89,20 +96,12 @@ TEST_F(ExtLibraryTest, ChunksQuoteTheirInstanceAndAKilledWriterChangesNothing)
     EXPECT_EQ(sim.ctl_ok("ext transfers"), "0") << "the killed writer's transfer went with its connection";
 
     EXPECT_EQ(requests_of([&] { EXPECT_EQ(probe({"efs_write", "0", "/lib/a", "414", "1"}).result, 0); }), 1);
-    ext_wire_request one = ext_last_requests(sim, 1).at(0);
-    EXPECT_EQ(one.data[2], 255);
-    EXPECT_EQ(one.u32(76), 414u);
-    EXPECT_EQ(one.u32(80), 414u);
-    EXPECT_EQ(one.u32(84), 0u);
+    EXPECT_EQ(chunk(ext_last_requests(sim, 1).at(0)), (std::vector<uint32_t>{255, 414, 414, 0}));
 
     EXPECT_EQ(requests_of([&] { EXPECT_EQ(probe({"efs_write", "0", "/lib/b", "415", "1"}).result, 0); }), 2);
     std::vector<ext_wire_request> two = ext_last_requests(sim, 2);
-    EXPECT_EQ(two[0].data[2], 255);
-    EXPECT_EQ(two[0].u32(80), 414u);
-    EXPECT_EQ(two[1].data[2], 0) << "instance 0, the id the first chunk was given";
-    EXPECT_EQ(two[1].u32(76), 415u);
-    EXPECT_EQ(two[1].u32(80), 1u);
-    EXPECT_EQ(two[1].u32(84), 414u);
+    EXPECT_EQ(chunk(two[0]), (std::vector<uint32_t>{255, 415, 414, 0}));
+    EXPECT_EQ(chunk(two[1]), (std::vector<uint32_t>{0, 415, 1, 414})) << "instance 0, the id the first chunk was given";
     EXPECT_EQ(two[1].data[88], uint8_t(1 + 7 * 414));
     EXPECT_EQ(two[1].data[89], 0) << "nothing of the previous chunk is left behind";
     EXPECT_EQ(sim.ctl_ok("efs get /lib/b").size(), 2u * 415);
@@ -121,8 +120,9 @@ TEST_F(ExtLibraryTest, PathAndFileLimits)
     probe_run read71 = probe({"efs_read", "0", path70 + "x", "16"});
     EXPECT_EQ(read71.result, 0);
     EXPECT_EQ(read71.head, "01080f");
-    EXPECT_EQ(ext_last_requests(sim, 1).at(0).data[4], 71);
-    EXPECT_EQ(ext_last_requests(sim, 1).at(0).data[5 + 70], 0);
+    ext_wire_request req = ext_last_requests(sim, 1).at(0);
+    EXPECT_EQ(req.data[4], 71);
+    EXPECT_EQ(req.data[5 + 70], 0);
 
     probe_run wrote, back, over;
     EXPECT_EQ(requests_of([&] { wrote = probe({"efs_write", "0", "/lib/max", "102410", "5"}); }), 248);
@@ -138,10 +138,12 @@ TEST_F(ExtLibraryTest, PathAndFileLimits)
 
 /* A chunk the modem answers with a negative result ends a write or a read
  * with that result; a chunk whose exchange fails ends a read at once, while
- * a write carries on and the modem then refuses the gap. */
+ * a write carries on and the modem then refuses the gap.  A directory is
+ * neither read, deleted nor replaced (the final chunk's commit fails). */
 TEST_F(ExtLibraryTest, FailedChunks)
 {
     sim.ctl_ok("efs put /lib/file " + std::string(2 * 1000, '6'));
+    const std::string dir = "/nv/item_files/modem";
     struct {
         const char *control;
         std::vector<std::string> call;
@@ -153,18 +155,106 @@ TEST_F(ExtLibraryTest, FailedChunks)
         {"ext fail-efs 1 result -5", {"efs_read", "0", "/lib/file", "1000"}, -5, 2},
         {"ext fail-efs 1 msg_code 9", {"efs_read", "0", "/lib/file", "1000"}, -103, 2},
         {"ext fail-efs 0 result -2", {"efs_delete", "0", "/lib/file"}, -2, 1},
-        /* A directory cannot be replaced: the final chunk's commit fails. */
-        {"clear-faults", {"efs_write", "0", "/nv/item_files/modem", "415", "2"}, -21, 2},
+        {"clear-faults", {"efs_write", "0", dir, "415", "2"}, -21, 2},
+        {"clear-faults", {"efs_read", "0", dir, "16"}, -21, 1},
+        {"clear-faults", {"efs_delete", "0", dir}, -21, 1},
     };
     for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.control) + " " + c.call[0]);
         sim.ctl_ok(c.control);
         probe_run p;
-        EXPECT_EQ(requests_of([&] { p = probe(c.call); }), c.requests) << c.control << " " << c.call[0];
-        EXPECT_EQ(p.result, c.result) << c.control << " " << c.call[0] << "\n" << p.run.out;
+        EXPECT_EQ(requests_of([&] { p = probe(c.call); }), c.requests);
+        EXPECT_EQ(p.result, c.result) << p.run.out;
         EXPECT_EQ(sim.ctl_ok("efs get /lib/file"), std::string(2 * 1000, '6')) << "the file is untouched";
     }
-    probe_run later = probe({"efs_write", "0", "/lib/file", "10", "2"});
-    EXPECT_EQ(later.result, 0) << "later transfers are not affected";
+    EXPECT_EQ(probe({"efs_write", "0", "/lib/file", "10", "2"}).result, 0) << "later transfers are not affected";
+}
+
+TEST_F(ExtLibraryTest, ReplyLaterThanTheTimeoutFailsTheRequest)
+{
+    /* The reply comes long after the 3 s time-out: the request ends at the
+     * time-out, well before the reply (the margin absorbs a slow start). */
+    sim.ctl_ok("delay ext 2 9000 1");
+    long long start = monotonic_ms();
+    rlk_run r = rlk("4 1 0 550");
+    long long spent = monotonic_ms() - start;
+    EXPECT_GE(spent, 3000);
+    EXPECT_LT(spent, 8000);
+    EXPECT_TRUE(has_text(r.out, "send msg sync failed:-3\ntolvek_extend_qmi_handle_req_cb result:-3\n")) << r.out;
+    EXPECT_TRUE(has_syslog(r, "] tolvek_qmi_result_map: tolvek_qmi_result_map, old_result -3, new_result -103"));
+    EXPECT_TRUE(has_syslog(r, "] tolvek_nv_read: tolvek_extend_qmi_send_sync fail"));
+    EXPECT_TRUE(has_text(r.out, "tolvek_extend_qmi_send_sync fail, REQUEST_ID_EFS\n" + error_note(-103)));
+}
+
+TEST_F(ExtLibraryTest, ServiceAppearingLateEndsTheWait)
+{
+    sim.ctl_ok("down ext");
+    sim.ctl_ok("up ext 300");
+    long long start = monotonic_ms();
+    rlk_run r = rlk("4 1 0 550");
+    EXPECT_GE(monotonic_ms() - start, 300);
+    EXPECT_TRUE(has_text(r.out, "TOLVEK_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0\n"
+                                "TOLVEK_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1\n"
+                                "TOLVEK_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 "
+                                "num_services = 1\nQMI client inited\n"))
+        << r.out;
+    EXPECT_TRUE(has_text(r.out, "\ndata len(9)\n"));
+}
+
+TEST_F(ExtLibraryTest, FrameworkErrorIsMappedOnlyForNvAndEfs)
+{
+    sim.ctl_ok("error ext 2 9 1");
+    rlk_run nv = rlk("4 1 0 550");
+    EXPECT_TRUE(has_text(nv.out, "9 QMI service framework error. Check client\n")) << nv.out;
+    EXPECT_TRUE(has_text(nv.out, error_note(-103)));
+
+    sim.ctl_ok("error ext 2 9 1");
+    rlk_run set = rlk("3 0 1");
+    EXPECT_TRUE(has_text(set.out, "tolvek_extend_qmi_send_sync fail, REQUEST_ID_COMMON\n" + error_note(-3))) << set.out;
+}
+
+/* rlk processes write and read small files while driver processes move
+ * multi-chunk files, all at once; every file holds what its writer wrote. */
+TEST_F(ExtLibraryTest, ConcurrentWritersAndReaders)
+{
+    std::vector<std::string> rlk_out(4);
+    std::vector<probe_run> wrote(3), back(3);
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < rlk_out.size(); i++) {
+        threads.emplace_back([&, i] {
+            std::string path = "/conc/small" + std::to_string(i);
+            std::vector<std::string> w = {RLK_BINARY, "4", "5", "0", path};
+            for (size_t b = 0; b < 365; b++) w.push_back(std::to_string((b + i) % 256));
+            run_process(w, sim.env());
+            rlk_out[i] = run_process({RLK_BINARY, "4", "4", "0", path}, sim.env()).out;
+        });
+    }
+    for (size_t i = 0; i < wrote.size(); i++) {
+        threads.emplace_back([&, i] {
+            std::string path = "/conc/large" + std::to_string(i);
+            wrote[i] = run_probe(sim, {"efs_write", "0", path, "5000", std::to_string(i + 1)});
+            back[i] = run_probe(sim, {"efs_read", "0", path, "5000"});
+        });
+    }
+    for (std::thread &t : threads) t.join();
+
+    for (size_t i = 0; i < rlk_out.size(); i++) {
+        std::string dump;
+        for (size_t b = 0; b < 365; b++) {
+            char hex[4];
+            snprintf(hex, sizeof(hex), " %02X", unsigned((b + i) % 256));
+            dump += hex;
+        }
+        EXPECT_TRUE(has_text(rlk_out[i], "\ndata len(365)\ndata: " + dump + "\n")) << "client " << i;
+    }
+    for (size_t i = 0; i < wrote.size(); i++) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(wrote[i].result, 0);
+        EXPECT_EQ(back[i].result, 0);
+        EXPECT_EQ(back[i].len, 5000u);
+        EXPECT_EQ(back[i].fnv, wrote[i].fnv);
+    }
+    EXPECT_EQ(sim.ctl_ok("ext transfers"), "0");
 }
 
 }  // namespace

@@ -4,11 +4,15 @@
 #ifndef RLK_TEST_EXT_TEST_UTIL_H
 #define RLK_TEST_EXT_TEST_UTIL_H
 
+#include <stdio.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "process_runner.h"
 #include "sim_fixture.h"
@@ -27,43 +31,28 @@ struct ext_wire_request {
     }
 };
 
-inline std::vector<uint8_t> ext_unhex(const std::string &hex)
-{
-    std::vector<uint8_t> out;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2) out.push_back(uint8_t(strtoul(hex.substr(i, 2).c_str(), nullptr, 16)));
-    return out;
-}
-
-/* Decodes the TLVs of one "last" line ("<svc> <msg> <txn> <packet hex>"). */
-inline ext_wire_request ext_decode_journal_line(const std::string &line)
-{
-    std::vector<uint8_t> pkt = ext_unhex(line.substr(line.rfind(' ') + 1));
-    ext_wire_request r;
-    constexpr size_t k_qmi_header = 7;
-    for (size_t pos = k_qmi_header; pos + 3 <= pkt.size();) {
-        uint8_t type = pkt[pos];
-        size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
-        std::vector<uint8_t> value(pkt.begin() + long(pos + 3), pkt.begin() + long(pos + 3 + len));
-        if (type == TOLVEK_EXTEND_TLV_MSG_CODE || type == TOLVEK_EXTEND_TLV_DATA_LEN) {
-            uint32_t v = uint32_t(value[0]) | uint32_t(value[1]) << 8 | uint32_t(value[2]) << 16 |
-                         uint32_t(value[3]) << 24;
-            (type == TOLVEK_EXTEND_TLV_MSG_CODE ? r.msg_code : r.data_len) = v;
-        } else if (type == TOLVEK_EXTEND_TLV_DATA) {
-            r.data = value;
-        }
-        pos += 3 + len;
-    }
-    return r;
-}
-
-/* The last `n` extension requests, oldest first. */
+/* The last `n` extension requests, oldest first, decoded from the
+ * simulator's journal ("<svc> <msg> <txn> <packet hex>" lines). */
 inline std::vector<ext_wire_request> ext_last_requests(const sim_instance &sim, int n)
 {
     std::istringstream in(sim.ctl_ok("last " + std::to_string(n) + " ext"));
     std::vector<ext_wire_request> out;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty()) out.push_back(ext_decode_journal_line(line));
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty()) continue;
+        std::vector<uint8_t> pkt;
+        const std::string hex = line.substr(line.rfind(' ') + 1);
+        for (size_t i = 0; i + 1 < hex.size(); i += 2) pkt.push_back(uint8_t(stoul(hex.substr(i, 2), nullptr, 16)));
+        ext_wire_request r;
+        for (size_t pos = 7; pos + 3 <= pkt.size();) { /* after the QMI header */
+            size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
+            ext_wire_request value;
+            value.data.assign(pkt.begin() + long(pos + 3), pkt.begin() + long(pos + 3 + len));
+            if (pkt[pos] == TOLVEK_EXTEND_TLV_MSG_CODE) r.msg_code = value.u32(0);
+            if (pkt[pos] == TOLVEK_EXTEND_TLV_DATA_LEN) r.data_len = value.u32(0);
+            if (pkt[pos] == TOLVEK_EXTEND_TLV_DATA) r.data = value.data;
+            pos += 3 + len;
+        }
+        out.push_back(r);
     }
     return out;
 }
@@ -93,17 +82,12 @@ inline probe_run run_probe(const sim_instance &sim, const std::vector<std::strin
     probe_run p;
     p.run = run_process(argv, sim.env(), "", timeout_ms);
     size_t at = p.run.out.rfind("PROBE result=");
-    if (at == std::string::npos) return p;
-    std::istringstream in(p.run.out.substr(at + 6));
-    std::string field;
-    while (in >> field) {
-        size_t eq = field.find('=');
-        std::string key = field.substr(0, eq), value = field.substr(eq + 1);
-        if (key == "result") p.result = atoi(value.c_str());
-        if (key == "len") p.len = size_t(atoll(value.c_str()));
-        if (key == "fnv") p.fnv = value;
-        if (key == "head") p.head = value;
+    char fnv[9] = "", head[65] = "";
+    if (at != std::string::npos) {
+        sscanf(p.run.out.c_str() + at, "PROBE result=%d len=%zu fnv=%8s head=%64s", &p.result, &p.len, fnv, head);
     }
+    p.fnv = fnv;
+    p.head = head;
     return p;
 }
 
@@ -116,12 +100,9 @@ inline bool has_text(const std::string &out, const std::string &text)
  * message after the "SUB[...] <function>: " prefix). */
 inline bool has_syslog(const rlk_run &run, const std::string &text)
 {
-    for (const log_line &l : run.syslog) {
-        if (l.text.size() >= text.size() && l.text.compare(l.text.size() - text.size(), text.size(), text) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(run.syslog.begin(), run.syslog.end(), [&text](const log_line &l) {
+        return l.text.size() >= text.size() && l.text.compare(l.text.size() - text.size(), text.size(), text) == 0;
+    });
 }
 
 /* The group's error note for `code`. */
@@ -129,5 +110,30 @@ inline std::string error_note(int code)
 {
     return "\nnote: Error happen! error_code(" + std::to_string(code) + ")\n";
 }
+
+/* A private simulator for one test, and rlk runs against it. */
+class ext_sim_test : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(sim.start()); }
+
+    /* rlk with the words of `args` ("4 1 0 550"). */
+    rlk_run rlk(const std::string &args)
+    {
+        std::istringstream in(args);
+        std::vector<std::string> argv;
+        for (std::string w; in >> w;) argv.push_back(w);
+        return sim.run_rlk(argv);
+    }
+    /* The output of rlk `args` holds `text`, or with `present` false does
+     * not; the run, for more checks. */
+    rlk_run expect_out(const std::string &args, const std::string &text, bool present = true)
+    {
+        rlk_run r = rlk(args);
+        EXPECT_EQ(has_text(r.out, text), present) << args << "\n" << r.out;
+        return r;
+    }
+
+    sim_instance sim;
+};
 
 #endif

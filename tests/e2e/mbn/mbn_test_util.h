@@ -1,6 +1,6 @@
-/* Helpers of the MBN end-to-end tests: runs of rlk-mbn (waited for, or
- * started in the background) against a private simulator, with each run's
- * Android-log lines collected. */
+/* Helpers of the MBN end-to-end tests: rlk-mbn runs (waited for, or left
+ * running to be signalled) against a private simulator, with each run's
+ * output and Android-log lines in files of the simulator's directory. */
 #ifndef RLK_TEST_MBN_TEST_UTIL_H
 #define RLK_TEST_MBN_TEST_UTIL_H
 
@@ -11,21 +11,24 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "process_runner.h"
 #include "sim_fixture.h"
 
-struct mbn_run {
-    int exit_code = -1; /* -1: did not exit normally */
-    std::string out, err;
-    std::vector<std::string> logcat; /* PDC_UTIL messages */
-};
+inline std::string read_text(const std::string &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
 
+/* The PDC_UTIL messages of an Android-log file. */
 inline std::vector<std::string> pdc_lines(const std::string &logcat_path)
 {
     std::vector<std::string> out;
@@ -35,60 +38,46 @@ inline std::vector<std::string> pdc_lines(const std::string &logcat_path)
     return out;
 }
 
-inline int mbn_seq()
+/* Polls `done` every 5 ms for up to `ms`; true once it holds. */
+inline bool eventually(const std::function<bool()> &done, int ms = 5000)
 {
-    static int n = 0;
-    return ++n;
+    for (long long end = monotonic_ms() + ms; monotonic_ms() < end; usleep(5000)) {
+        if (done()) return true;
+    }
+    return done();
 }
 
-inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &args,
-                       const std::vector<std::string> &extra_env = {})
-{
-    std::string logcat = sim.dir() + "/mbn" + std::to_string(mbn_seq()) + "-logcat.log";
-    std::vector<std::string> argv = {RLK_MBN_BINARY};
-    argv.insert(argv.end(), args.begin(), args.end());
-    std::vector<std::string> env = sim.env();
-    env.push_back("RLK_LOGCAT_FILE=" + logcat);
-    env.push_back("RLK_SYSLOG_FILE=" + sim.dir() + "/mbn-syslog.log");
-    env.insert(env.end(), extra_env.begin(), extra_env.end());
-    run_result r = run_process(argv, env);
-    mbn_run m;
-    m.exit_code = WIFEXITED(r.status) ? WEXITSTATUS(r.status) : -1;
-    m.out = r.out;
-    m.err = r.err;
-    m.logcat = pdc_lines(logcat);
-    return m;
-}
+struct mbn_run {
+    int exit_code = -1; /* -1: did not exit normally */
+    std::string out, err;
+    std::vector<std::string> logcat;
+};
 
-/* rlk-mbn running in the background. */
-class mbn_background {
+/* One rlk-mbn process; killed at the end of the scope if still running. */
+class mbn_proc {
 public:
-    mbn_background(const sim_instance &sim, const std::vector<std::string> &args,
-                   const std::vector<std::string> &extra_env = {})
+    mbn_proc(const sim_instance &sim, const std::vector<std::string> &args, const std::vector<std::string> &env = {})
     {
-        int n = mbn_seq();
-        logcat_ = sim.dir() + "/bg" + std::to_string(n) + "-logcat.log";
-        err_ = sim.dir() + "/bg" + std::to_string(n) + "-stderr.txt";
-        std::vector<std::string> env = sim.env();
-        env.push_back("RLK_LOGCAT_FILE=" + logcat_);
-        env.insert(env.end(), extra_env.begin(), extra_env.end());
+        static int seq = 0;
+        base_ = sim.dir() + "/mbn" + std::to_string(++seq);
+        std::vector<std::string> all = sim.env();
+        all.push_back("RLK_LOGCAT_FILE=" + base_ + "-logcat.log");
+        all.push_back("RLK_SYSLOG_FILE=" + sim.dir() + "/mbn-syslog.log");
+        all.insert(all.end(), env.begin(), env.end());
         std::vector<std::string> argv = {RLK_MBN_BINARY};
         argv.insert(argv.end(), args.begin(), args.end());
         pid_ = fork();
-        if (pid_ == 0) {
-            for (const std::string &e : env) putenv(strdup(e.c_str()));
-            int fd = open(err_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            dup2(fd, 2);
-            int null_fd = open("/dev/null", O_WRONLY);
-            dup2(null_fd, 1);
-            std::vector<char *> cargv;
-            for (const std::string &a : argv) cargv.push_back(const_cast<char *>(a.c_str()));
-            cargv.push_back(nullptr);
-            execv(cargv[0], cargv.data());
-            _exit(127);
-        }
+        if (pid_ != 0) return;
+        for (const std::string &e : all) putenv(strdup(e.c_str()));
+        dup2(open((base_ + "-out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+        dup2(open((base_ + "-err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+        std::vector<char *> cargv;
+        for (const std::string &a : argv) cargv.push_back(const_cast<char *>(a.c_str()));
+        cargv.push_back(nullptr);
+        execv(cargv[0], cargv.data());
+        _exit(127);
     }
-    ~mbn_background()
+    ~mbn_proc()
     {
         if (pid_ > 0) {
             kill(pid_, SIGKILL);
@@ -99,29 +88,29 @@ public:
     /* Waits up to `ms` for the exit; the wait status, or -1 on time-out. */
     int wait(int ms)
     {
-        for (long long end = monotonic_ms() + ms; monotonic_ms() < end;) {
-            int status = 0;
-            if (waitpid(pid_, &status, WNOHANG) == pid_) {
-                pid_ = -1;
-                return status;
-            }
-            usleep(5000);
-        }
-        return -1;
+        int status = -1;
+        if (!eventually([&] { return waitpid(pid_, &status, WNOHANG) == pid_; }, ms)) return -1;
+        pid_ = -1;
+        return status;
     }
-    std::string err() const
+    mbn_run result(int status) const
     {
-        std::ifstream in(err_);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
+        bool exited = status != -1 && WIFEXITED(status);
+        return {exited ? WEXITSTATUS(status) : -1, read_text(base_ + "-out"), read_text(base_ + "-err"), logcat()};
     }
-    std::vector<std::string> logcat() const { return pdc_lines(logcat_); }
+    std::vector<std::string> logcat() const { return pdc_lines(base_ + "-logcat.log"); }
 
 private:
     pid_t pid_ = -1;
-    std::string logcat_, err_;
+    std::string base_;
 };
+
+inline mbn_run run_mbn(const sim_instance &sim, const std::vector<std::string> &args,
+                       const std::vector<std::string> &env = {})
+{
+    mbn_proc p(sim, args, env);
+    return p.result(p.wait(60000));
+}
 
 /* A pseudo-terminal nobody answers on: a QMI device that stopped
  * responding (RLK_QMI_DEVICE=path()). */
@@ -132,10 +121,7 @@ public:
         master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
         if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0) path_ = ptsname(master_);
     }
-    ~dead_device()
-    {
-        if (master_ >= 0) close(master_);
-    }
+    ~dead_device() { close(master_); }
     const std::string &path() const { return path_; }
 
 private:
@@ -153,23 +139,25 @@ inline std::string tsan_no_exit_sleep()
     return "TSAN_OPTIONS=" + std::string(tsan ? tsan : "") + " atexit_sleep_ms=0";
 }
 
-/* The simulator's journal of PDC requests ("<svc> <msg> <txn> <hex>" lines). */
-inline std::vector<std::string> pdc_journal(const sim_instance &sim, int n = 200)
+/* The simulator's journal of PDC requests of message `msg` ("0x0024"):
+ * "<svc> <msg> <txn> <hex>" lines. */
+inline std::vector<std::string> pdc_requests(const sim_instance &sim, const std::string &msg)
 {
     std::vector<std::string> out;
-    std::istringstream in(sim.ctl_ok("last " + std::to_string(n) + " pdc"));
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty()) out.push_back(line);
+    std::istringstream in(sim.ctl_ok("last 200 pdc"));
+    for (std::string line; std::getline(in, line);) {
+        if (line.compare(0, 13, "0x0024 " + msg) == 0) out.push_back(line);
     }
     return out;
 }
 
-inline int count_msg(const std::vector<std::string> &journal, const std::string &msg)
+/* "a b c" as {"a", "b", "c"}. */
+inline std::vector<std::string> words(const std::string &text)
 {
-    int n = 0;
-    for (const std::string &l : journal) n += l.compare(0, 13, "0x0024 " + msg) == 0;
-    return n;
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string w; in >> w;) out.push_back(w);
+    return out;
 }
 
 #endif

@@ -6,16 +6,30 @@
  * signal or a restart of the service, and an interrupted load that leaves
  * nothing behind. */
 #include <signal.h>
-
-#include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <stdio.h>
 
 #include <gtest/gtest.h>
 
 #include "mbn_test_util.h"
 
 namespace {
+
+const std::string k_released = "Release client connection to PDC";
+
+std::string json_error(const std::string &text, int exit_code)
+{
+    return "{\"error\":\"" + text + "\",\"exit_status\":" + std::to_string(exit_code) + "}\n";
+}
+
+/* One run: control requests first, then rlk-mbn with `args` (words);
+ * `err` is the message after "rlk-mbn: ", or none. */
+struct mbn_case {
+    std::vector<std::string> setup;
+    std::string args;
+    int exit_code;
+    std::string out, err = "";
+    std::vector<std::string> env = {};
+};
 
 class RlkMbnTest : public ::testing::Test {
 protected:
@@ -33,6 +47,27 @@ protected:
         return path;
     }
 
+    /* Runs `c` and checks its exit status and output; a usage error is
+     * followed by the usage text. */
+    mbn_run check(const mbn_case &c)
+    {
+        SCOPED_TRACE(c.args);
+        for (const std::string &s : c.setup) sim.ctl_ok(s);
+        mbn_run r = run_mbn(sim, words(c.args), c.env);
+        std::string err = c.err.empty() ? "" : "rlk-mbn: " + c.err + "\n";
+        if (c.exit_code == 2) err += "usage: rlk-mbn [options] <command>\n";
+        EXPECT_EQ(r.exit_code, c.exit_code);
+        EXPECT_EQ(r.out, c.out);
+        EXPECT_EQ(c.exit_code == 2 ? r.err.substr(0, err.size()) : r.err, err);
+        return r;
+    }
+
+    /* Polls the journal until rlk-mbn has sent one more request `msg`. */
+    bool sent(const std::string &msg, size_t before)
+    {
+        return eventually([&] { return pdc_requests(sim, msg).size() > before; });
+    }
+
     sim_instance sim;
 };
 
@@ -40,70 +75,129 @@ TEST_F(RlkMbnTest, ListOfSixtyComesInThreePagesWithOneToken)
 {
     sim.ctl_ok("pdc clear sw");
     sim.ctl_ok("pdc fill sw 60");
-    mbn_run r = run_mbn(sim, {"list", "--json"});
-    ASSERT_EQ(r.exit_code, 0) << r.err;
-    EXPECT_NE(r.out.find("\"count\":60,"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("{\"id\":\"sw_cfg_000\",\"active\":false,\"pending\":false},{\"id\":\"sw_cfg_001\""),
-              std::string::npos)
-        << "ids in the modem's order";
-    EXPECT_NE(r.out.find("{\"id\":\"sw_cfg_059\",\"active\":false,\"pending\":false}]}"), std::string::npos);
-    std::vector<std::string> journal = pdc_journal(sim);
-    ASSERT_EQ(count_msg(journal, "0x0024"), 3);
-    /* Every page was asked for with the same token (TLV 0x10). */
-    std::string token;
-    for (const std::string &l : journal) {
-        if (l.compare(0, 13, "0x0024 0x0024") != 0) continue;
-        size_t at = l.rfind(' ') + 1 + 14; /* header, then "10 04 00" */
-        ASSERT_EQ(l.substr(at, 6), "100400");
-        if (token.empty()) token = l.substr(at + 6, 8);
-        EXPECT_EQ(l.substr(at + 6, 8), token);
+    std::string configs;
+    for (int i = 0; i < 60; i++) {
+        char id[16];
+        snprintf(id, sizeof(id), "sw_cfg_%03d", i);
+        configs += std::string(i ? "," : "") + "{\"id\":\"" + id + "\",\"active\":false,\"pending\":false}";
     }
-    std::vector<std::string> pages;
+    mbn_run r = check({{}, "list --json", 0,
+                       "{\"type\":\"sw\",\"sub\":0,\"count\":60,\"configs\":[" + configs + "]}\n"});
+    /* Three pages, every one asked for with the same token (TLV 0x10). */
+    std::vector<std::string> pages = pdc_requests(sim, "0x0024");
+    ASSERT_EQ(pages.size(), 3u);
+    for (const std::string &l : pages) {
+        size_t at = l.rfind(' ') + 1 + 14; /* after the header: "10 04 00" and the token */
+        EXPECT_EQ(l.substr(at, 6), "100400");
+        EXPECT_EQ(l.substr(at + 6, 8), pages[0].substr(pages[0].rfind(' ') + 21, 8));
+    }
+    const std::string more = "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available ";
+    std::vector<std::string> done;
     for (const std::string &line : r.logcat) {
-        if (line.compare(0, 11, "PDC_SUCCESS") == 0) pages.push_back(line);
+        if (line.compare(0, 11, "PDC_SUCCESS") == 0) done.push_back(line);
     }
-    EXPECT_EQ(pages, (std::vector<std::string>{
-                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 1, get_list_complete 0",
-                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 1, get_list_complete 0",
-                         "PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 0, get_list_complete 1"}));
-    EXPECT_EQ(r.logcat.back(), "Release client connection to PDC");
+    EXPECT_EQ(done, (std::vector<std::string>{more + "1, get_list_complete 0", more + "1, get_list_complete 0",
+                                              more + "0, get_list_complete 1"}));
+    EXPECT_EQ(r.logcat.back(), k_released);
 }
 
-TEST_F(RlkMbnTest, ListMarksTheActiveConfiguration)
+/* Runs in order on one simulator, each answered by the modem (its client
+ * released on every path), and every failure by name with its exit
+ * status: as JSON, the same message and one object on standard output. */
+TEST_F(RlkMbnTest, EveryOutcomeByNameWithItsExitStatus)
 {
-    mbn_run r = run_mbn(sim, {"list", "--type", "hw", "--sub", "1"});
-    ASSERT_EQ(r.exit_code, 0) << r.err;
-    EXPECT_EQ(r.out, "2 hw configurations (sub 1)\n  mcfg_hw_ssss\n  mcfg_hw_dsds  [active]\n");
+    const std::string file = write_file("f.mbn", 100), bin = write_file("bin.mbn", 10);
+    const std::string hw_listed = "2 hw configurations (sub 0)\n  mcfg_hw_ssss\n  mcfg_hw_dsds\n";
+    const std::string hw_json = "{\"type\":\"hw\",\"sub\":0,\"count\":2,\"configs\":["
+                                "{\"id\":\"mcfg_hw_ssss\",\"active\":false,\"pending\":false},"
+                                "{\"id\":\"mcfg_hw_dsds\",\"active\":false,\"pending\":false}],";
+    const std::string refused = "list (active and pending): refused by the modem: internal (QMI error 3)";
+    const std::string no_memory = "load: no memory (the modem has no room for the configuration)";
+    const std::string exists = "load: config exists (a configuration with this id is stored)";
+    const std::string no_mbn = "list: no MBN (no configuration of this type is stored)";
+    const std::string not_provisioned = "deactivate: not provisioned (QMI error 16)";
+    const std::string late = "selected: no answer from the modem within 1 s";
+    const mbn_case cases[] = {
+        {{}, "list --type hw --sub 1", 0, "2 hw configurations (sub 1)\n  mcfg_hw_ssss\n  mcfg_hw_dsds  [active]\n"},
+        /* The selection query after the list fails: what was listed is
+         * still printed, unmarked, beside the error. */
+        {{"error pdc 0x22 3 2"}, "list --type hw", 1, hw_listed, refused},
+        {{}, "list --type hw --json", 1, hw_json + "\"error\":\"" + refused + "\",\"exit_status\":1}\n", refused},
+        {{}, "delete Commercial_TMO_VoLTE", 0, "deleted Commercial_TMO_VoLTE\n"},
+        {{}, "delete Commercial_TMO_VoLTE", 1, "", "delete: invalid id (QMI error 41)"},
+        {{}, "delete ROW_Generic_3GPP", 1, "", "delete: incompatible state (QMI error 90)"}, /* the active one */
+        {{}, "deactivate", 0, "deactivated\n"},
+        {{}, "selected", 0, "active: none\npending: none\n"},
+        {{}, "deactivate --json", 1, json_error(not_provisioned, 1), not_provisioned},
+        /* Binary ids round trip as hex. */
+        {{}, "load " + bin + " --id hex:00ff10", 0, "loaded hex:00ff10 (10 bytes)\n"},
+        {{}, "info hex:00ff10 --json", 0,
+         "{\"id\":\"hex:00ff10\",\"size\":10,\"version\":0,\"description\":\"Loaded configuration\"}\n"},
+        {{"pdc reset", "pdc capacity 1000"}, "load " + file, 4, "", no_memory},
+        {{"pdc reset"}, "load " + file + " --id ROW_Generic_3GPP --json", 5, json_error(exists, 5), exists},
+        {{"pdc fail 0x26 reset 1"}, "load " + file, 6, "",
+         "load: frame reset (the modem dropped the partial transfer)"},
+        {{"pdc clear hw"}, "list --type hw --json", 7, json_error(no_mbn, 7), no_mbn},
+        {{"pdc reset", "pdc fail 0x26 nomem 1"}, "load " + file + " --json", 4, json_error(no_memory, 4), no_memory},
+        {{"pdc fail 0x26 exists 1"}, "load " + file, 5, "", exists},
+        {{"pdc fail 0x24 nombn 1"}, "list", 7, "", no_mbn},
+        {{"pdc fail 0x22 noind 1"}, "selected --timeout 1 --json", 3, json_error(late, 3), late},
+        {{}, "activate --type hw", 1, "", "activate: not provisioned (QMI error 16)"},
+        {{"pdc fail 0x25 error 1234 1"}, "delete Commercial_VZW_VoLTE --json", 1,
+         json_error("delete: failed (QMI error 1234)", 1), "delete: failed (QMI error 1234)"},
+        {{"error pdc 0x23 48 1"}, "select x", 1, "", "select: refused by the modem: invalid argument (QMI error 48)"},
+    };
+    for (const mbn_case &c : cases) {
+        mbn_run r = check(c);
+        ASSERT_FALSE(r.logcat.empty());
+        EXPECT_EQ(r.logcat.back(), k_released);
+    }
+}
 
-    /* The selection query after the list fails: what was listed is still
-     * printed, unmarked, beside the error. */
-    sim.ctl_ok("error pdc 0x22 3 2");
-    const std::string err = "list (active and pending): refused by the modem: internal (QMI error 3)";
-    r = run_mbn(sim, {"list", "--type", "hw"});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.out, "2 hw configurations (sub 0)\n  mcfg_hw_ssss\n  mcfg_hw_dsds\n");
-    EXPECT_EQ(r.err, "rlk-mbn: " + err + "\n");
-    r = run_mbn(sim, {"list", "--type", "hw", "--json"});
-    EXPECT_NE(r.out.find("{\"id\":\"mcfg_hw_dsds\",\"active\":false,\"pending\":false}],\"error\":\"" + err +
-                         "\",\"exit_status\":1}\n"),
-              std::string::npos)
-        << r.out;
+/* With the service down, anything that reached for the modem would wait:
+ * what is refused before is reported at once; without a client by the
+ * deadline (service away, or a device that does not answer) the time-out
+ * bounds the opening. */
+TEST_F(RlkMbnTest, WhatIsCheckedBeforeTheModemAndTheOpeningTimeOut)
+{
+    sim.ctl_ok("down pdc");
+    const std::string missing = sim.dir() + "/no-such-file.mbn", no_device = sim.dir() + "/no-such-device";
+    dead_device dead;
+    ASSERT_FALSE(dead.path().empty());
+    const std::string not_open = "the PDC service did not answer within 1 s";
+    const mbn_case cases[] = {
+        {{}, "", 2, "", "no command"},
+        {{}, "list --sub=2 --json", 2, json_error("--sub takes 0 or 1", 2), "--sub takes 0 or 1"},
+        {{}, "info hex:zz", 2, "", "an id has 1 to 124 bytes"},
+        {{}, "list --json=1", 2, "", "--json takes no value"}, /* refused, so not JSON */
+        /* The load checks its file first. */
+        {{}, "load " + missing + " --timeout=5", 1, "", "load: cannot open " + missing + ": No such file or directory"},
+        {{}, "load " + sim.dir() + " --id x --timeout 5", 1, "", "load: cannot read " + sim.dir() + ": Is a directory"},
+        {{}, "list --timeout 5", 8, "",
+         "cannot open the QMI device " + no_device + " (RLK_QMI_DEVICE): No such file or directory",
+         {"RLK_QMI_DEVICE=" + no_device}},
+        {{}, "list --timeout=1", 3, "", not_open, {tsan_no_exit_sleep()}},
+        {{}, "list --timeout=1", 3, "", not_open, {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()}},
+    };
+    for (const mbn_case &c : cases) {
+        long long start = monotonic_ms();
+        mbn_run r = check(c);
+        EXPECT_LT(monotonic_ms() - start, 2500) << "well before the time-out";
+        EXPECT_TRUE(c.exit_code == 3 || r.logcat.empty()) << "PDC untouched";
+    }
+    EXPECT_EQ(run_mbn(sim, {"--help"}).out.compare(0, 35, "usage: rlk-mbn [options] <command>\n"), 0);
 }
 
 TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
 {
     sim.ctl_ok("pdc timing 100 300");
     /* Three frames: 32768 + 32768 + 4464 bytes. */
-    std::string file = write_file("carrier_x.mbn", 70000);
-    mbn_run load = run_mbn(sim, {"load", file});
-    ASSERT_EQ(load.exit_code, 0) << load.err;
-    EXPECT_EQ(load.out, "loaded carrier_x.mbn (70000 bytes)\n");
+    check({{}, "load " + write_file("carrier_x.mbn", 70000), 0, "loaded carrier_x.mbn (70000 bytes)\n"});
     EXPECT_EQ(sim.ctl_ok("counter get pdc.load_frames"), "3");
-    mbn_run info = run_mbn(sim, {"info", "carrier_x.mbn"});
-    EXPECT_EQ(info.out, "id: carrier_x.mbn\nsize: 70000\nversion: 0x00000000\ndescription: carrier_x.mbn\n");
-
-    EXPECT_EQ(run_mbn(sim, {"select", "carrier_x.mbn", "--sub", "1"}).exit_code, 0);
-    EXPECT_EQ(run_mbn(sim, {"selected", "--sub", "1"}).out, "active: ROW_Generic_3GPP\npending: carrier_x.mbn\n");
+    check({{}, "info carrier_x.mbn", 0,
+           "id: carrier_x.mbn\nsize: 70000\nversion: 0x00000000\ndescription: carrier_x.mbn\n"});
+    check({{}, "select carrier_x.mbn --sub 1", 0, "selected carrier_x.mbn (pending until activated)\n"});
+    check({{}, "selected --sub 1", 0, "active: ROW_Generic_3GPP\npending: carrier_x.mbn\n"});
     /* The extension service's line of `services` ("ext 0xffe4 instance 0 up port N"). */
     auto ext_line = [this] {
         std::string all = sim.ctl_ok("services");
@@ -112,167 +206,24 @@ TEST_F(RlkMbnTest, LoadSelectActivateSurvivesTheRestart)
     };
     std::string ext_before = ext_line();
     long long start = monotonic_ms();
-    mbn_run act = run_mbn(sim, {"activate", "--sub", "1"});
-    ASSERT_EQ(act.exit_code, 0) << act.err;
+    check({{}, "activate --sub 1", 0, "activated; the modem restarts\n"});
     EXPECT_GE(monotonic_ms() - start, 100) << "activation takes its time";
-    EXPECT_EQ(act.out, "activated; the modem restarts\n");
     /* The restart takes every service down and brings them back. */
-    bool restarted = false;
-    for (long long end = monotonic_ms() + 5000; !restarted && monotonic_ms() < end; usleep(10000)) {
-        restarted = sim.ctl_ok("counter get pdc.restarts") == "1" && sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
-    }
-    ASSERT_TRUE(restarted);
+    ASSERT_TRUE(eventually([&] {
+        return sim.ctl_ok("counter get pdc.restarts") == "1" &&
+               sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+    }));
     std::string ext_after = ext_line();
     EXPECT_NE(ext_after.find(" up port "), std::string::npos) << ext_after;
     EXPECT_NE(ext_after, ext_before) << "a new port after the restart";
-    mbn_run sel = run_mbn(sim, {"selected", "--sub", "1", "--json"});
-    ASSERT_EQ(sel.exit_code, 0) << sel.err;
-    EXPECT_EQ(sel.out, "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n");
-    EXPECT_EQ(run_mbn(sim, {"selected"}).out, "active: ROW_Generic_3GPP\npending: none\n") << "sub 0 unchanged";
+    check({{}, "selected --sub 1 --json", 0,
+           "{\"type\":\"sw\",\"sub\":1,\"active\":\"carrier_x.mbn\",\"pending\":null}\n"});
+    check({{}, "selected", 0, "active: ROW_Generic_3GPP\npending: none\n"}); /* sub 0 unchanged */
 
     /* The state is on disk: a restarted simulator still has it. */
     sim.stop();
     ASSERT_TRUE(sim.restart());
-    EXPECT_EQ(run_mbn(sim, {"selected", "--sub", "1"}).out, "active: carrier_x.mbn\npending: none\n");
-}
-
-TEST_F(RlkMbnTest, DeleteAndDeactivate)
-{
-    mbn_run del = run_mbn(sim, {"delete", "Commercial_TMO_VoLTE"});
-    ASSERT_EQ(del.exit_code, 0) << del.err;
-    EXPECT_EQ(del.out, "deleted Commercial_TMO_VoLTE\n");
-    EXPECT_EQ(sim.ctl_ok("pdc show").find("Commercial_TMO_VoLTE"), std::string::npos);
-    mbn_run again = run_mbn(sim, {"delete", "Commercial_TMO_VoLTE"});
-    EXPECT_EQ(again.exit_code, 1);
-    EXPECT_EQ(again.err, "rlk-mbn: delete: invalid id (QMI error 41)\n");
-    mbn_run active = run_mbn(sim, {"delete", "ROW_Generic_3GPP"});
-    EXPECT_EQ(active.err, "rlk-mbn: delete: incompatible state (QMI error 90)\n") << "the active configuration stays";
-
-    EXPECT_EQ(run_mbn(sim, {"deactivate"}).exit_code, 0);
-    EXPECT_EQ(run_mbn(sim, {"selected"}).out, "active: none\npending: none\n");
-    EXPECT_EQ(run_mbn(sim, {"deactivate"}).err, "rlk-mbn: deactivate: not provisioned (QMI error 16)\n");
-}
-
-TEST_F(RlkMbnTest, EveryFailureByNameWithItsExitStatus)
-{
-    struct failure_case {
-        const char *name;
-        std::vector<std::string> setup; /* control requests */
-        std::vector<std::string> args;
-        int exit_code;
-        std::string err;
-    };
-    std::string file = write_file("f.mbn", 100);
-    const failure_case cases[] = {
-        {"no memory", {"pdc capacity 1000"}, {"load", file}, 4,
-         "rlk-mbn: load: no memory (the modem has no room for the configuration)\n"},
-        {"config exists", {}, {"load", file, "--id", "ROW_Generic_3GPP"}, 5,
-         "rlk-mbn: load: config exists (a configuration with this id is stored)\n"},
-        {"frame reset", {"pdc fail 0x26 reset 1"}, {"load", file}, 6,
-         "rlk-mbn: load: frame reset (the modem dropped the partial transfer)\n"},
-        {"no MBN", {"pdc clear hw"}, {"list", "--type", "hw"}, 7,
-         "rlk-mbn: list: no MBN (no configuration of this type is stored)\n"},
-        {"no memory forced", {"pdc fail 0x26 nomem 1"}, {"load", file}, 4,
-         "rlk-mbn: load: no memory (the modem has no room for the configuration)\n"},
-        {"exists forced", {"pdc fail 0x26 exists 1"}, {"load", file}, 5,
-         "rlk-mbn: load: config exists (a configuration with this id is stored)\n"},
-        {"no MBN forced", {"pdc fail 0x24 nombn 1"}, {"list"}, 7,
-         "rlk-mbn: list: no MBN (no configuration of this type is stored)\n"},
-        {"no indication", {"pdc fail 0x22 noind 1"}, {"selected", "--timeout", "1"}, 3,
-         "rlk-mbn: selected: no answer from the modem within 1 s\n"},
-        {"refused request", {}, {"activate", "--type", "hw"}, 1, "rlk-mbn: activate: not provisioned (QMI error 16)\n"},
-        {"unnamed error", {"pdc fail 0x25 error 1234 1"}, {"delete", "Commercial_VZW_VoLTE"}, 1,
-         "rlk-mbn: delete: failed (QMI error 1234)\n"},
-        {"refused in the response", {"error pdc 0x23 48 1"}, {"select", "x"}, 1,
-         "rlk-mbn: select: refused by the modem: invalid argument (QMI error 48)\n"},
-    };
-    for (size_t i = 0; i < sizeof(cases) / sizeof(cases[0]); i++) {
-        const failure_case &c = cases[i];
-        SCOPED_TRACE(c.name);
-        sim.ctl_ok("pdc reset");
-        sim.ctl_ok("clear-faults");
-        for (const std::string &s : c.setup) sim.ctl_ok(s);
-        /* Every other case as JSON: the same message, and one object with
-         * it on standard output. */
-        std::vector<std::string> args = c.args;
-        if (i % 2) args.push_back("--json");
-        mbn_run r = run_mbn(sim, args);
-        EXPECT_EQ(r.exit_code, c.exit_code);
-        EXPECT_EQ(r.err, c.err);
-        std::string text = c.err.substr(9, c.err.size() - 10);
-        EXPECT_EQ(r.out, i % 2 ? "{\"error\":\"" + text + "\",\"exit_status\":" + std::to_string(c.exit_code) + "}\n"
-                               : "");
-        ASSERT_FALSE(r.logcat.empty());
-        EXPECT_EQ(r.logcat.back(), "Release client connection to PDC") << "released on the failure path too";
-    }
-}
-
-TEST_F(RlkMbnTest, UsageErrorsAndWhatIsCheckedBeforeTheModem)
-{
-    const std::vector<std::string> bad[] = {
-        {}, {"frobnicate"}, {"info"}, {"list", "extra"}, {"list", "--sub", "2"}, {"list", "--type", "xx"},
-        {"list", "--timeout", "0"}, {"delete", std::string(125, 'x')}, {"info", "hex:zz"}, {"list", "--json=1"},
-    };
-    for (const auto &args : bad) {
-        mbn_run r = run_mbn(sim, args);
-        EXPECT_EQ(r.exit_code, 2) << (args.empty() ? "" : args[0]);
-        EXPECT_EQ(r.err.compare(0, 9, "rlk-mbn: "), 0);
-        EXPECT_TRUE(r.logcat.empty()) << "PDC untouched";
-    }
-    EXPECT_EQ(run_mbn(sim, {"--help"}).exit_code, 0);
-    EXPECT_EQ(run_mbn(sim, {"list", "--sub=2", "--json"}).out,
-              "{\"error\":\"--sub takes 0 or 1\",\"exit_status\":2}\n");
-
-    /* With the service down, anything that reached for the modem would
-     * wait: each of these is reported at once. */
-    sim.ctl_ok("down pdc");
-    const std::string missing = sim.dir() + "/no-such-file.mbn";
-    const std::string no_device = sim.dir() + "/no-such-device";
-    struct early_case {
-        std::vector<std::string> args, env;
-        int exit_code;
-        std::string err;
-    };
-    const early_case early[] = {
-        {{"load", missing, "--timeout=5"}, {}, 1,
-         "rlk-mbn: load: cannot open " + missing + ": No such file or directory\n"},
-        {{"load", sim.dir(), "--id", "x", "--timeout", "5"}, {}, 1,
-         "rlk-mbn: load: cannot read " + sim.dir() + ": Is a directory\n"},
-        {{"list", "--timeout", "5"}, {"RLK_QMI_DEVICE=" + no_device}, 8,
-         "rlk-mbn: cannot open the QMI device " + no_device + " (RLK_QMI_DEVICE): No such file or directory\n"},
-    };
-    for (const early_case &c : early) {
-        SCOPED_TRACE(c.args[1]);
-        long long start = monotonic_ms();
-        mbn_run r = run_mbn(sim, c.args, c.env);
-        EXPECT_LT(monotonic_ms() - start, 2500) << "well before the time-out";
-        EXPECT_EQ(r.exit_code, c.exit_code);
-        EXPECT_EQ(r.err, c.err);
-        EXPECT_TRUE(r.logcat.empty()) << "PDC untouched";
-    }
-
-    /* No client by the deadline, with the service away or on a device
-     * that does not answer: the time-out bounds the opening. */
-    dead_device dead;
-    ASSERT_FALSE(dead.path().empty());
-    const std::vector<std::string> envs[] = {{tsan_no_exit_sleep()},
-                                             {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()}};
-    for (const std::vector<std::string> &env : envs) {
-        SCOPED_TRACE(env.size() > 1 ? "device" : "socket");
-        long long start = monotonic_ms();
-        mbn_run r = run_mbn(sim, {"list", "--timeout=1"}, env);
-        EXPECT_EQ(r.exit_code, 3);
-        EXPECT_EQ(r.err, "rlk-mbn: the PDC service did not answer within 1 s\n");
-        EXPECT_LT(monotonic_ms() - start, 2500);
-    }
-}
-
-TEST_F(RlkMbnTest, BinaryIdsRoundTripAsHex)
-{
-    std::string file = write_file("bin.mbn", 10);
-    EXPECT_EQ(run_mbn(sim, {"load", file, "--id", "hex:00ff10"}).out, "loaded hex:00ff10 (10 bytes)\n");
-    mbn_run info = run_mbn(sim, {"info", "hex:00ff10", "--json"});
-    EXPECT_EQ(info.out, "{\"id\":\"hex:00ff10\",\"size\":10,\"version\":0,\"description\":\"Loaded configuration\"}\n");
+    check({{}, "selected --sub 1", 0, "active: carrier_x.mbn\npending: none\n"});
 }
 
 /* An indication of the same message for another request (its token is
@@ -280,18 +231,12 @@ TEST_F(RlkMbnTest, BinaryIdsRoundTripAsHex)
 TEST_F(RlkMbnTest, AnIndicationWithAnotherTokenIsNotTheOutcome)
 {
     sim.ctl_ok("pdc fail 0x23 noind 1");
-    int before = count_msg(pdc_journal(sim), "0x0023");
-    mbn_background bg(sim, {"select", "Commercial_VZW_VoLTE", "--timeout", "1"});
-    bool sent = false;
-    for (long long end = monotonic_ms() + 5000; !sent && monotonic_ms() < end; usleep(5000)) {
-        sent = count_msg(pdc_journal(sim), "0x0023") > before;
-    }
-    ASSERT_TRUE(sent);
+    mbn_proc p(sim, words("select Commercial_VZW_VoLTE --timeout 1"));
+    ASSERT_TRUE(sent("0x0023", 0));
     EXPECT_EQ(sim.ctl("ind pdc 0x23 010200000010040000ffffff"), "ok");
-    int status = bg.wait(5000);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 3);
-    EXPECT_EQ(bg.err(), "rlk-mbn: select: no answer from the modem within 1 s\n");
+    mbn_run r = p.result(p.wait(5000));
+    EXPECT_EQ(r.exit_code, 3);
+    EXPECT_EQ(r.err, "rlk-mbn: select: no answer from the modem within 1 s\n");
 }
 
 /* A load stopped half-way (SIGINT, SIGKILL) while the modem takes each
@@ -300,43 +245,37 @@ TEST_F(RlkMbnTest, AnIndicationWithAnotherTokenIsNotTheOutcome)
 TEST_F(RlkMbnTest, InterruptedLoadLeavesNothingBehind)
 {
     std::string file = write_file("cut.mbn", 200000); /* 7 frames */
+    auto frames = [this] { return std::stol(sim.ctl_ok("counter get pdc.load_frames")); };
     for (int sig : {SIGINT, SIGKILL}) {
         SCOPED_TRACE(sig);
         sim.ctl_ok("pdc load-delay 200");
-        long frames = std::stol(sim.ctl_ok("counter get pdc.load_frames"));
-        mbn_background bg(sim, {"load", file});
-        for (long long end = monotonic_ms() + 5000;
-             std::stol(sim.ctl_ok("counter get pdc.load_frames")) < frames + 3 && monotonic_ms() < end;) {
-            usleep(5000);
-        }
-        bg.signal(sig);
-        EXPECT_NE(bg.wait(5000), -1);
+        long before = frames();
+        mbn_proc p(sim, {"load", file});
+        eventually([&] { return frames() >= before + 3; });
+        p.signal(sig);
+        EXPECT_NE(p.wait(5000), -1);
         sim.ctl_ok("pdc load-delay 0");
         EXPECT_EQ(sim.ctl_ok("pdc show").find("cut.mbn"), std::string::npos) << "nothing partial is stored";
     }
-    mbn_run again = run_mbn(sim, {"load", file});
-    EXPECT_EQ(again.exit_code, 0) << again.err;
-    EXPECT_EQ(again.out, "loaded cut.mbn (200000 bytes)\n");
-    std::ifstream stored(sim.state_dir() + "/pdc/mbn/1-6375742e6d626e.mbn", std::ios::binary), loaded(file);
-    EXPECT_TRUE(std::equal(std::istreambuf_iterator<char>(stored), std::istreambuf_iterator<char>(),
-                           std::istreambuf_iterator<char>(loaded), std::istreambuf_iterator<char>()))
+    check({{}, "load " + file, 0, "loaded cut.mbn (200000 bytes)\n"});
+    EXPECT_EQ(read_text(sim.state_dir() + "/pdc/mbn/1-6375742e6d626e.mbn"), read_text(file))
         << "the stored configuration is the file, byte for byte";
 }
 
-/* The time-out bounds every wait for the modem, not a fixed one: a
- * response later than the time-out ends the run at the time-out, one
- * later than 5 s still arrives within a longer time-out. */
+/* The time-out bounds every wait for a response, not a fixed one: a
+ * response later than the time-out ends the run at the time-out, one later
+ * than the library's own 5 s still arrives within a longer time-out.  The
+ * two runs wait side by side. */
 TEST_F(RlkMbnTest, TheTimeOutBoundsEveryResponseWait)
 {
-    sim.ctl_ok("delay pdc 0x22 3000 1");
+    sim.ctl_ok("delay pdc 0x22 5100 2");
     long long start = monotonic_ms();
-    mbn_run r = run_mbn(sim, {"selected", "--timeout", "1"});
+    mbn_proc short_run(sim, words("selected --timeout 1")), long_run(sim, words("selected --timeout 10"));
+    mbn_run r = short_run.result(short_run.wait(5000));
+    EXPECT_LT(monotonic_ms() - start, 2000);
     EXPECT_EQ(r.exit_code, 3);
     EXPECT_EQ(r.err, "rlk-mbn: selected: no answer from the modem within 1 s\n");
-    EXPECT_LT(monotonic_ms() - start, 2000);
-
-    sim.ctl_ok("delay pdc 0x22 5300 1");
-    r = run_mbn(sim, {"selected", "--timeout", "10"});
+    r = long_run.result(long_run.wait(10000));
     EXPECT_EQ(r.exit_code, 0) << r.err;
     EXPECT_EQ(r.out, "active: ROW_Generic_3GPP\npending: none\n");
 }
@@ -349,59 +288,46 @@ TEST_F(RlkMbnTest, EveryWaitEndsAtOnceBySignalOrServiceRestart)
 {
     dead_device dead;
     ASSERT_FALSE(dead.path().empty());
-    struct wait_case {
-        const char *name;
-        std::vector<std::string> setup, args, env;
-        const char *sent;       /* the request the run waits on, or null: wait for its first log line */
-        int sig;                /* or 0: restart the service */
+    const struct {
+        std::string fault, args, sent; /* sent: the request waited on, or "": wait for a first log line */
+        int sig;                        /* or 0: restart the service */
         int exit_code;
-        const char *err;
+        std::string err;
+    } cases[] = {
+        {"pdc fail 0x27 noind 1", "activate", "0x0027", SIGTERM, 128 + SIGTERM, "interrupted"},
+        {"pdc fail 0x27 noind 1", "activate", "0x0027", SIGINT, 128 + SIGINT, "interrupted"},
+        {"delay pdc 0x22 60000 1", "selected", "0x0022", SIGINT, 128 + SIGINT, "interrupted"},
+        {"pdc fail 0x22 noind 1", "selected", "0x0022", 0, 9, "selected: the PDC service restarted before answering"},
+        {"clear-faults", "list", "", SIGINT, 128 + SIGINT, "interrupted"}, /* opening on the dead device */
     };
-    const wait_case cases[] = {
-        {"indication, SIGTERM", {"pdc fail 0x27 noind 1"}, {"activate"}, {}, "0x0027", SIGTERM, 128 + SIGTERM,
-         "rlk-mbn: interrupted\n"},
-        {"indication, SIGINT", {"pdc fail 0x27 noind 1"}, {"activate"}, {}, "0x0027", SIGINT, 128 + SIGINT,
-         "rlk-mbn: interrupted\n"},
-        {"response, SIGINT", {"delay pdc 0x22 60000 1"}, {"selected"}, {}, "0x0022", SIGINT, 128 + SIGINT,
-         "rlk-mbn: interrupted\n"},
-        {"indication, restart", {"pdc fail 0x22 noind 1"}, {"selected"}, {}, "0x0022", 0, 9,
-         "rlk-mbn: selected: the PDC service restarted before answering\n"},
-        {"opening, SIGINT", {}, {"list"}, {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()}, nullptr, SIGINT,
-         128 + SIGINT, "rlk-mbn: interrupted\n"},
-    };
-    for (const wait_case &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args + " " + std::to_string(c.sig));
         sim.ctl_ok("pdc reset");
         sim.ctl_ok("clear-faults");
         sim.ctl_ok("pdc add sw pending_one");
         ASSERT_EQ(run_mbn(sim, {"select", "pending_one"}).exit_code, 0);
-        for (const std::string &s : c.setup) sim.ctl_ok(s);
-        int before = c.sent ? count_msg(pdc_journal(sim), c.sent) : 0;
-        std::vector<std::string> args = c.args;
-        args.insert(args.end(), {"--timeout", "30"});
-        mbn_background bg(sim, args, c.env);
-        bool waiting = false;
-        for (long long end = monotonic_ms() + 5000; !waiting && monotonic_ms() < end; usleep(5000)) {
-            waiting = c.sent ? count_msg(pdc_journal(sim), c.sent) > before : !bg.logcat().empty();
-        }
-        ASSERT_TRUE(waiting);
+        sim.ctl_ok(c.fault);
+        size_t before = c.sent.empty() ? 0 : pdc_requests(sim, c.sent).size();
+        std::vector<std::string> env;
+        if (c.sent.empty()) env = {"RLK_QMI_DEVICE=" + dead.path(), tsan_no_exit_sleep()};
+        mbn_proc p(sim, words(c.args + " --timeout 30"), env);
+        ASSERT_TRUE(c.sent.empty() ? eventually([&] { return !p.logcat().empty(); }) : sent(c.sent, before));
         usleep(100000); /* well inside the wait */
         long long start = monotonic_ms();
         if (c.sig) {
-            bg.signal(c.sig);
+            p.signal(c.sig);
         } else {
             sim.ctl_ok("ssr pdc 200");
         }
-        int status = bg.wait(5000);
+        mbn_run r = p.result(p.wait(5000));
         long long took = monotonic_ms() - start;
-        printf("[ measured ] %s: %lld ms to the exit\n", c.name, took);
+        printf("[ measured ] %s: %lld ms to the exit\n", c.args.c_str(), took);
         EXPECT_LT(took, 1000);
-        ASSERT_TRUE(WIFEXITED(status));
-        EXPECT_EQ(WEXITSTATUS(status), c.exit_code);
-        EXPECT_EQ(bg.err(), c.err);
-        if (c.env.empty()) {
-            ASSERT_FALSE(bg.logcat().empty());
-            EXPECT_EQ(bg.logcat().back(), "Release client connection to PDC");
+        EXPECT_EQ(r.exit_code, c.exit_code);
+        EXPECT_EQ(r.err, "rlk-mbn: " + c.err + "\n");
+        if (!c.sent.empty()) {
+            ASSERT_FALSE(r.logcat.empty());
+            EXPECT_EQ(r.logcat.back(), k_released);
         }
         /* No client is left to receive a configuration-change indication
          * (the restarted service had none to begin with). */

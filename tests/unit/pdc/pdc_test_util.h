@@ -1,5 +1,5 @@
 /* Helpers of the PDC client tests: a private radio log per test, a clean
- * g_pdc_info, and indication structures built in a line. */
+ * g_pdc_info, and the stored outcome of an operation. */
 #ifndef RLK_PDC_TEST_UTIL_H
 #define RLK_PDC_TEST_UTIL_H
 
@@ -7,6 +7,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -24,23 +25,18 @@ public:
     pdc_log_scope()
     {
         char path[] = "/tmp/rlk_pdc_logcat_XXXXXX";
-        int fd = mkstemp(path);
-        if (fd >= 0) close(fd);
+        close(mkstemp(path));
         path_ = path;
         const char *old = getenv("RLK_LOGCAT_FILE");
         saved_ = old ? old : "";
         setenv("RLK_LOGCAT_FILE", path_.c_str(), 1);
         qmi_pdc_init_pdc_info();
         pdc_reset_cancel();
-        start_ = lines().size();
+        start_ = lines().size(); /* after the record's own "init done" line */
     }
     ~pdc_log_scope()
     {
-        if (saved_.empty()) {
-            unsetenv("RLK_LOGCAT_FILE");
-        } else {
-            setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
-        }
+        saved_.empty() ? unsetenv("RLK_LOGCAT_FILE") : setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
         unlink(path_.c_str());
     }
     /* "<priority> <message>" of every PDC_UTIL line since the scope began. */
@@ -52,21 +48,14 @@ public:
             EXPECT_EQ(l.tag, "PDC_UTIL");
             out.push_back(std::to_string(l.priority) + " " + l.text);
         }
-        return std::vector<std::string>(out.begin() + long(start_ < out.size() ? start_ : out.size()), out.end());
+        out.erase(out.begin(), out.begin() + long(std::min(start_, out.size())));
+        return out;
     }
 
 private:
     std::string path_, saved_;
     size_t start_ = 0;
 };
-
-inline pdc_generic_ind_msg_v01 generic_ind(int32_t error)
-{
-    pdc_generic_ind_msg_v01 ind;
-    memset(&ind, 0, sizeof(ind));
-    ind.error = error;
-    return ind;
-}
 
 /* The stored outcome of `op`, read under the PDC mutex. */
 struct pdc_outcome_copy {
