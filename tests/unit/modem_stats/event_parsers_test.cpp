@@ -19,8 +19,8 @@ constexpr uint8_t kSub = 1;
 
 std::string header(uint16_t id, size_t length, int sub)
 {
-    return "modem_stats_diag_process_event_ex: event_id " + std::to_string(id) + ", length " +
-           std::to_string(length) + ", sub_id = " + std::to_string(sub) + "\n";
+    return "modem_stats_diag_process_event_ex: event_id " + std::to_string(id) + ", length " + std::to_string(length) +
+           ", sub_id = " + std::to_string(sub) + "\n";
 }
 
 /* Dispatches `payload` as event `id` (the first `length` bytes, all when
@@ -46,7 +46,7 @@ TEST(EventParsersTest, DecodesPrintsAndRecordsEachEvent)
                  {{MODEM_STATS_DATA_ID_CALL_ORIG, {7, 0, 0}}}, 1, 0);
     expect_event(631, {2, 9}, "num_calls = 2, call_id = 9\n", {{MODEM_STATS_DATA_ID_CALL_END, {2, 9}}});
     const modem_stats_data_id_e_type sip_ids[] = {
-        MODEM_STATS_DATA_ID_IMS_SIP_SESSION_START,       MODEM_STATS_DATA_ID_IMS_SIP_SESSION_RINGING,
+        MODEM_STATS_DATA_ID_IMS_SIP_SESSION_START, MODEM_STATS_DATA_ID_IMS_SIP_SESSION_RINGING,
         MODEM_STATS_DATA_ID_IMS_SIP_SESSION_ESTABLISHED, MODEM_STATS_DATA_ID_IMS_SIP_SESSION_TERMINATED,
         MODEM_STATS_DATA_ID_IMS_SIP_SESSION_CANCEL};
     const std::vector<uint8_t> sip = {0x78, 0x56, 0x34, 0x12};
@@ -73,10 +73,10 @@ TEST(EventParsersTest, DecodesPrintsAndRecordsEachEvent)
                  "version = 0, ant_number = 4, ant_switch_path = 4660, sig_path = 22136, old_config = 1, "
                  "new_config = 2\n",
                  {{MODEM_STATS_DATA_ID_TRM_ASDIV, {0, 4, 0x34, 0x12, 0x78, 0x56, 1, 2}}});
-    expect_event(2568, {2, 0x10, 0x27, 0, 0, 0x2c, 0x01},
-                 "cause = 2, freq = 10000, pci = 300\nho_time = 0, ho_type = 1, pci = 300\n",
-                 {{MODEM_STATS_DATA_ID_LTE_RRC_NEW_CELL_IND_EARFCN,
-                   {0, 0, 0, 0, 0, 0, 0, 0, 1, 0x10, 0x27, 0, 0, 0x2c, 0x01}}});
+    expect_event(
+        2568, {2, 0x10, 0x27, 0, 0, 0x2c, 0x01},
+        "cause = 2, freq = 10000, pci = 300\nho_time = 0, ho_type = 1, pci = 300\n",
+        {{MODEM_STATS_DATA_ID_LTE_RRC_NEW_CELL_IND_EARFCN, {0, 0, 0, 0, 0, 0, 0, 0, 1, 0x10, 0x27, 0, 0, 0x2c, 0x01}}});
     expect_event(2568, {1, 0x10, 0x27, 0, 0, 0x2c, 0x01},
                  "cause = 1, freq = 10000, pci = 300\nDATA_IS_NOT_VALID(1), "
                  "name(modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn), id(0xa08)\n",
@@ -146,11 +146,13 @@ void run_rrc_sequence(const std::vector<rrc_step> &steps)
         std::vector<seen_record> records = {{MODEM_STATS_DATA_ID_LTE_RRC_STATE, {s.state}}};
         if (s.setup_record) records.push_back({MODEM_STATS_DATA_ID_LTE_RRC_STATE_STATS, {0, 0, 0, 0, 1, 0, 0, 0, 1}});
         char state_line[400];
-        snprintf(state_line, sizeof(state_line),
-                 "1606_diag_event_lte_rrc_state_change, time_last = 0, time_current = 0, rrc_state_last = %d, "
-                 "rrc_state_current = %d, rrc_state_current_in = %d, old rrc_active_time = 0, old rrc_setup_count = 0\n",
-                 last, s.state, s.state);
-        expect_event(1606, {s.state}, "sub_id = 0, rrc_state_current_in = " + std::to_string(s.state) + "\n" + state_line + s.outcome,
+        snprintf(
+            state_line, sizeof(state_line),
+            "1606_diag_event_lte_rrc_state_change, time_last = 0, time_current = 0, rrc_state_last = %d, "
+            "rrc_state_current = %d, rrc_state_current_in = %d, old rrc_active_time = 0, old rrc_setup_count = 0\n",
+            last, s.state, s.state);
+        expect_event(1606, {s.state},
+                     "sub_id = 0, rrc_state_current_in = " + std::to_string(s.state) + "\n" + state_line + s.outcome,
                      records);
         EXPECT_EQ(g_lte_rrc_state_last, s.state);
         last = s.state;
@@ -164,16 +166,21 @@ TEST(LteRrcStateTest, SetupsAreCountedOncePerConnection)
     /* Closing between connections counts again. */
     run_rrc_sequence({{4, kNewConnected, true}, {7, kClosingConnected, false}, {4, kNewConnected, true}});
     /* Other states do nothing but are kept. */
-    run_rrc_sequence({{2, kOtherOther, false}, {7, kClosingOther, false}, {7, kClosingOther, false},
-                      {3, kOtherOther, false}, {4, kNewConnected, true}, {0, kOtherOther, false}});
+    run_rrc_sequence({{2, kOtherOther, false},
+                      {7, kClosingOther, false},
+                      {7, kClosingOther, false},
+                      {3, kOtherOther, false},
+                      {4, kNewConnected, true},
+                      {0, kOtherOther, false}});
 }
 
 TEST(LteRrcStateTest, StatsWithoutRecordPointersStillKeepTheState)
 {
     g_lte_rrc_state_last = 0;
     record_log records;
-    std::string out = captured_stdout(
-        [] { modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(MODEM_STATS_SUB_ID_1, 4, nullptr, nullptr); });
+    std::string out = captured_stdout([] {
+        modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(MODEM_STATS_SUB_ID_1, 4, nullptr, nullptr);
+    });
     EXPECT_NE(out.find(kNewConnected), std::string::npos);
     EXPECT_TRUE(records.take().empty());
     EXPECT_EQ(g_lte_rrc_state_last, 4);

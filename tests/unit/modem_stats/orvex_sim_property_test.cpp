@@ -16,8 +16,8 @@ namespace {
 void decide_and_exit(bool expect_traced)
 {
     void *block = orvex_malloc_adv(32, "decide_and_exit");
-    bool ok = block && orvex_mem_trace_enabled() == expect_traced &&
-              orvex_mem_trace_count() == (expect_traced ? 1u : 0u);
+    bool ok =
+        block && orvex_mem_trace_enabled() == expect_traced && orvex_mem_trace_count() == (expect_traced ? 1u : 0u);
     orvex_free_adv(block);
     _exit(ok && orvex_mem_trace_count() == 0 ? 0 : 1);
 }

@@ -60,10 +60,10 @@ public:
     record_log()
     {
         seen_list().clear();
-        modem_stats_set_record_observer([](modem_stats_sub_id_e_type, modem_stats_data_id_e_type id,
-                                           const modem_stats_single_data_common_type *r) {
-            seen_list().push_back({id, seen(r).bytes});
-        });
+        modem_stats_set_record_observer(
+            [](modem_stats_sub_id_e_type, modem_stats_data_id_e_type id, const modem_stats_single_data_common_type *r) {
+                seen_list().push_back({id, seen(r).bytes});
+            });
     }
     ~record_log() { modem_stats_set_record_observer(nullptr); }
     record_log(const record_log &) = delete;

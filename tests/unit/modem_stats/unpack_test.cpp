@@ -237,8 +237,8 @@ TEST(RecordTest, SizeMustBeOneTo700)
         modem_stats_single_data_common_type *rec = sentinel;
         bool ok = size >= 1 && size <= 700;
         int made = -1;
-        std::string out = captured_stdout(
-            [&] { made = modem_stats_new_single_ex(MODEM_STATS_DATA_ID_CALL_END, size, 0, &rec); });
+        std::string out =
+            captured_stdout([&] { made = modem_stats_new_single_ex(MODEM_STATS_DATA_ID_CALL_END, size, 0, &rec); });
         EXPECT_EQ(made, ok ? 1 : 0);
         EXPECT_EQ(out, ok ? "" : "data_len(" + std::to_string(size) + ") should be in (0, 700]");
         if (!ok) {

@@ -63,8 +63,9 @@ TEST(LogFormatTest, TwoDecimalsMatchPrintf)
  * next to a tie and find such faults in about one case of a hundred. */
 TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
 {
-    const double specials[] = {160.685, -47.455, 0.005,  0.015,   1.005,     2.675,    1e13 - 0.005, 9999999999999.995,
-                               0.125,   1e-300,  5e-324, -5e-324, 0.0049999, 0.00500001, 4503599627370495.5};
+    const double specials[] = {160.685,           -47.455, 0.005,  0.015,  1.005,   2.675,     1e13 - 0.005,
+                               9999999999999.995, 0.125,   1e-300, 5e-324, -5e-324, 0.0049999, 0.00500001,
+                               4503599627370495.5};
     for (double d : specials) EXPECT_TRUE(same("%.2f %.2f", d, -d)) << d;
     std::mt19937_64 rng(11);
     std::uniform_int_distribution<int64_t> thousandths(-10000000000LL, 10000000000LL);

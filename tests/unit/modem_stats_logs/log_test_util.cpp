@@ -54,6 +54,7 @@ std::string fmt(const char *format, ...)
 
 std::string parser_name(uint16_t code)
 {
+    // clang-format off
     static const std::map<uint16_t, const char *> names = {
         {0x1568, "ims_rtp_sn_and_payload"}, {0x156E, "ims_sip_message"},
         {0x1830, "ims_volte_session_setup"}, {0x1831, "ims_volte_session_end"},
@@ -71,16 +72,16 @@ std::string parser_name(uint16_t code)
         {0xB8C9, "nr5g_ll1_fw_rx_control_agc"}, {0xB8D2, "nr5g_ll1_fw_mac_tx_iu_power"},
         {0xB8D8, "nr5g_ll1_log_serving_snr"}, {0xB8DD, "nr5g_ll1_fw_serving_ftl"},
         {0xB975, "nr5g_mac_ml1_srv_beam"}, {0xB97F, "nr5g_ml1_meas_database_update_ext"},
-        {0xB981, "nr5g_ml1_fc_information"}, {0xB98F, "nr5g_ml1_antenna_switch_diversity"},
-    };
+        {0xB981, "nr5g_ml1_fc_information"}, {0xB98F, "nr5g_ml1_antenna_switch_diversity"}};
+    // clang-format on
     auto it = names.find(code);
     return it == names.end() ? "" : fmt("modem_stats_parse_%04x_diag_log_%s", code, it->second);
 }
 
 std::string not_valid(int value, uint16_t code, const std::string &name)
 {
-    return fmt("DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", value,
-               (name.empty() ? parser_name(code) : name).c_str(), code);
+    return fmt("DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", value, (name.empty() ? parser_name(code) : name).c_str(),
+               code);
 }
 
 void expect_log(uint16_t code, const std::vector<uint8_t> &p, const std::string &out,

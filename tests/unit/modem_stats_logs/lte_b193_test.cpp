@@ -141,7 +141,8 @@ std::string expected_out(const layout &l)
     const char *head =
         "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n";
     if (l.cell_bytes) out += fmt(head, earfcn(l), 15, NEIGHBOUR_PCI, 0, 0, cells);
-    out += fmt(head, earfcn(l), four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells) + "Serving Cell Measurement Result\n";
+    out +=
+        fmt(head, earfcn(l), four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells) + "Serving Cell Measurement Result\n";
     if (four) {
         return out +
                "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
@@ -176,7 +177,8 @@ record expected_record(const layout &l)
 TEST(LteB193Test, EveryLayoutDecodesItsValues)
 {
     /* Cut inside the sub-packet size: two bytes needed, one left. */
-    for (const layout &l : LAYOUTS) expect_log(CODE, build(l), expected_out(l), {expected_record(l)}, {7, "subpacket_size", 1});
+    for (const layout &l : LAYOUTS)
+        expect_log(CODE, build(l), expected_out(l), {expected_record(l)}, {7, "subpacket_size", 1});
 }
 
 TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
@@ -185,7 +187,8 @@ TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
     const std::vector<uint8_t> inner = build(v19);
     /* An unknown 12-byte sub-packet first, then the measurement. */
     packet skipped;
-    skipped.u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(16, std::vector<uint8_t>(inner.begin() + 4, inner.end()));
+    skipped.u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(16,
+                                                               std::vector<uint8_t>(inner.begin() + 4, inner.end()));
     expect_log(CODE, skipped, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19), {expected_record(v19)});
 
     expect_refused(CODE, build(v19).u8(0, 2), 2);

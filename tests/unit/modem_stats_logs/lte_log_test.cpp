@@ -198,10 +198,11 @@ TEST(LteLogTest, MacUlTransportBlockEverySubPacketVersion)
         "------ count_tb_payloads[1], hdr_bits_cnt = 56, hdr_bits_sum = 56\n"
         "LTE FSSR: [0][1], pad = 25, grant = 50, sfn_grant = 50.00, sfn_full = 50.00\n";
     for (int v : {1, 2, 3, 5, 8}) {
-        expect_log(0xB064, b064(v, {B064_HDR0, B064_HDR1}),
-                   lines + fmt("version = %d, phr_ind = 33, bsr_lcg3_avg = 4, bsr_lcg3_num = 5, bsr_lcg3_bytes = 17\n", v),
-                   {{MODEM_STATS_DATA_ID_LTE_MAC_UL_TB, packet().u8(v).u8(33).u8(4).u16(5).u32(17).u32(150).u32(25)}},
-                   {8, "num_samples", 0});
+        expect_log(
+            0xB064, b064(v, {B064_HDR0, B064_HDR1}),
+            lines + fmt("version = %d, phr_ind = 33, bsr_lcg3_avg = 4, bsr_lcg3_num = 5, bsr_lcg3_bytes = 17\n", v),
+            {{MODEM_STATS_DATA_ID_LTE_MAC_UL_TB, packet().u8(v).u8(33).u8(4).u16(5).u32(17).u32(150).u32(25)}},
+            {8, "num_samples", 0});
     }
 }
 

@@ -179,10 +179,12 @@ TEST(Nr5gMacTest, RachAttempt)
     v27.u32(0, 0x20007).u8(21, 0).u8(23, 3).u16(28 + 28 + 6, 17921).u16(28 + 28 + 8, 12).size(80);
     packet v35;
     v35.u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80);
-    expect_log(0xB88A, v27, "sub_id = 0, version = 131079, rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, rach_result = 0\n",
+    expect_log(0xB88A, v27,
+               "sub_id = 0, version = 131079, rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, rach_result = 0\n",
                {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, packet().u32(0x20007).u8(3).u16(17921).u16(12).u8(0)}},
                {4, "rach_msg_bitmask", 0});
-    expect_log(0xB88A, v35, "sub_id = 0, version = 196613, rach_msg_bitmask = 2, t_rnti = 300, ta = 31, rach_result = 1\n",
+    expect_log(0xB88A, v35,
+               "sub_id = 0, version = 196613, rach_msg_bitmask = 2, t_rnti = 300, ta = 31, rach_result = 1\n",
                {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, packet().u32(0x30005).u8(2).u16(300).u16(31).u8(1)}});
     EXPECT_EQ(run_log(0xB88A, packet(v27).u8(23, 1)).out,
               "sub_id = 0, version = 131079, rach_msg_bitmask = 1, t_rnti = 65535, ta = 65535, rach_result = 0\n");
@@ -203,10 +205,11 @@ packet b883(uint32_t version, uint32_t pusch_bytes)
 TEST(Nr5gMacTest, UlPhysicalChannelScheduleReport)
 {
     for (uint32_t version : {0x2000Bu, 0x3000Fu}) {
-        expect_log(0xB883, b883(version, version == 0x2000B ? 40 : 44),
-                   fmt("version = %u, num_records = 1, num_carrier = 2, phychan_bit_mask = 24, tx_mode = 1\n", version),
-                   {{MODEM_STATS_DATA_ID_NR5G_MAC_UL_PHY_CH_SCHED_REPORT, packet().u32(version).u8(1).u8(2).u8(24).u8(1)}},
-                   {4, "num_records", 0});
+        expect_log(
+            0xB883, b883(version, version == 0x2000B ? 40 : 44),
+            fmt("version = %u, num_records = 1, num_carrier = 2, phychan_bit_mask = 24, tx_mode = 1\n", version),
+            {{MODEM_STATS_DATA_ID_NR5G_MAC_UL_PHY_CH_SCHED_REPORT, packet().u32(version).u8(1).u8(2).u8(24).u8(1)}},
+            {4, "num_records", 0});
     }
     /* A channel bit whose data size nobody documents. */
     EXPECT_EQ(run_log(0xB883, b883(0x2000B, 40).bits_at(24, 6, 6, 0x01)).out, not_valid(1, 0xB883));
@@ -234,10 +237,12 @@ packet b872(uint32_t version, uint32_t tti_bytes, uint32_t tb_bytes)
         uint32_t grant, built;
         std::vector<uint8_t> mce;
     };
-    const tb ttis[2][2] = {{{100, 100, {0x3D, 0x47, 0x3E, 0x03, 0x03, 100, 50, 0x38, 0x06, 0x00, 0x20, 0x40, 0x40,
-                                        0x00, 0x21, 0x3A, 0x12, 0x34}},
-                            {200, 150, {0x39, 0x10, 0x20}}},
-                           {{10, 10, {0x3E, 0x05}}, {0, 0, {0x05}}}};
+    const tb ttis[2][2] = {
+        {{100,
+          100,
+          {0x3D, 0x47, 0x3E, 0x03, 0x03, 100, 50, 0x38, 0x06, 0x00, 0x20, 0x40, 0x40, 0x00, 0x21, 0x3A, 0x12, 0x34}},
+         {200, 150, {0x39, 0x10, 0x20}}},
+        {{10, 10, {0x3E, 0x05}}, {0, 0, {0x05}}}};
     packet p;
     p.u32(0, version).bits_at(4, 0, 4, 2).bits_at(4, 5, 1, 1);
     uint32_t at = 8;
@@ -278,10 +283,11 @@ TEST(Nr5gMacTest, L2UlTransportBlock)
         uint32_t version, tti, tb;
     } layouts[] = {{4, 8, 20}, {0x20001, 8, 20}, {0x30003, 12, 24}};
     for (const auto &l : layouts) {
-        expect_log(0xB872, b872(l.version, l.tti, l.tb),
-                   lines + fmt("version = %u, bsr_idx = 52, bsr_idx_num = 3, bsr_idx_sum = 157\n", l.version),
-                   {{MODEM_STATS_DATA_ID_NR5G_L2_UL_TB, packet().u32(l.version).u8(52).u16(3).u32(157).u32(310).u32(260)}},
-                   {2, "version", 2});
+        expect_log(
+            0xB872, b872(l.version, l.tti, l.tb),
+            lines + fmt("version = %u, bsr_idx = 52, bsr_idx_num = 3, bsr_idx_sum = 157\n", l.version),
+            {{MODEM_STATS_DATA_ID_NR5G_L2_UL_TB, packet().u32(l.version).u8(52).u16(3).u32(157).u32(310).u32(260)}},
+            {2, "version", 2});
     }
     expect_refused(0xB872, packet().u32(0, 0x30002).size(16), 0x30002);
 }

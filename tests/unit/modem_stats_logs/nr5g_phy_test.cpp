@@ -20,8 +20,9 @@ TEST(Nr5gPhyTest, ReceiveAgc)
     p.bits_at(16, 0, 13, 4096).bits_at(16, 16, 13, 4100).size(24);
     const std::string head = "version = 131072, version_agc_sub = 1, ";
     expect_log(0xB8C9, p,
-               head + "rssi0_i = 3616, rssi1_i = 3600, rssi2_i = 4096, rssi3_i = 4100\n"
-                      "rssi0 = -60.00, rssi1 = -62.00, rssi2 = 0.00, rssi3 = 0.50\n",
+               head +
+                   "rssi0_i = 3616, rssi1_i = 3600, rssi2_i = 4096, rssi3_i = 4100\n"
+                   "rssi0 = -60.00, rssi1 = -62.00, rssi2 = 0.00, rssi3 = 0.50\n",
                {{MODEM_STATS_DATA_ID_NR5G_LL1_RX_AGC, packet().u32(0x20000).f32(-60).f32(-62).f32(0).f32(0.5f)}},
                {5, "code", 0});
     EXPECT_EQ(run_log(0xB8C9, packet(p).u8(5, 3)).out, head + "code = 3, only support code - 4\n");
@@ -157,11 +158,12 @@ TEST(Nr5gPhyTest, MeasurementDatabaseUpdate)
         "pk[0]: rsrp0 = -100.00, rsrp1 = -99.00, rsrp2 = -98.00, rsrp3 = -97.00, rsrq = -10.00\n"
         "pk[1]: rsrp0 = 65535.00, rsrp1 = 65535.00, rsrp2 = -90.00, rsrp3 = -91.00, rsrq = 65535.00\n";
     for (const b97f_layout &l : layouts) {
-        expect_log(0xB97F, b97f(l), fmt("version = %u, num_layers = 3\n", l.version) + lines,
-                   {{MODEM_STATS_DATA_ID_NR5G_MEAS_PCC, packet().u32(l.version).f32(-100).f32(-99).f32(-98).f32(-97).f32(-10)},
-                    {MODEM_STATS_DATA_ID_NR5G_MEAS_SCC1,
-                     packet().u32(l.version).f32(65535).f32(65535).f32(-90).f32(-91).f32(65535)}},
-                   {static_cast<int32_t>(l.layers_at), "num_layers", 0});
+        expect_log(
+            0xB97F, b97f(l), fmt("version = %u, num_layers = 3\n", l.version) + lines,
+            {{MODEM_STATS_DATA_ID_NR5G_MEAS_PCC, packet().u32(l.version).f32(-100).f32(-99).f32(-98).f32(-97).f32(-10)},
+             {MODEM_STATS_DATA_ID_NR5G_MEAS_SCC1,
+              packet().u32(l.version).f32(65535).f32(65535).f32(-90).f32(-91).f32(65535)}},
+            {static_cast<int32_t>(l.layers_at), "num_layers", 0});
     }
     expect_refused(0xB97F, packet().u32(0, 0x20005).size(8), 0x20005);
     /* Counts past their bounds stop the packet. */
@@ -267,7 +269,8 @@ TEST(Nr5gPhyTest, RrcConfigurationInfo)
                        lines +
                        "dl_rb_type = 1, dl_rb_path = 2, dl_rohc_enable = 0, ul_rb_type = 1, ul_rb_path = 3, "
                        "ul_rohc_enable = 1\n",
-                   {{MODEM_STATS_DATA_ID_NR5G_RRC_CONFIG_INFO, r}}, {static_cast<int32_t>(l.state_at + 2), "conn_mode", 0});
+                   {{MODEM_STATS_DATA_ID_NR5G_RRC_CONFIG_INFO, r}},
+                   {static_cast<int32_t>(l.state_at + 2), "conn_mode", 0});
     }
     expect_refused(0xB825, packet().u32(0, 0x30000).size(8), 0x30000);
 }

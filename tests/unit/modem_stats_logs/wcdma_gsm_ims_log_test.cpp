@@ -13,7 +13,8 @@ TEST(WcdmaGsmImsLogTest, ReceiveLevels)
 {
     packet w;
     w.u8(0, 8).u16(3, static_cast<uint16_t>(-512)).u16(5, static_cast<uint16_t>(-612)).size(16);
-    expect_log(0x4179, w, "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = -612, rx_agc_0 = -106.00, rx_agc_1 = -116.00\n",
+    expect_log(0x4179, w,
+               "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = -612, rx_agc_0 = -106.00, rx_agc_1 = -116.00\n",
                {{MODEM_STATS_DATA_ID_WCDMA_PN_SEARCH, packet().u8(8).f32(-106).f32(-116)}}, {0, "version", 0});
     packet g;
     g.u8(0, 6).u16(7, static_cast<uint16_t>(-1600)).u16(9, static_cast<uint16_t>(-1608)).size(16);
@@ -31,8 +32,9 @@ TEST(WcdmaGsmImsLogTest, VolteSessions)
     p.u8(0, 3).u8(1, 5).raw(2, {'1', '2', '3', '4', '5'}).u8(7, 1).u8(8, 5).raw(9, {'a', 'b', 'c', '@', 'x'});
     p.u8(14, 10).u8(25, 12).u16(38, 200).u32(40, 1500).u8(44, 2);
     const packet r = packet().u8(3).u8(1).u16(200).u32(1500).u8(2);
-    const char *line = "version = 3, direction = 1, %s = 200, call_setup_delay = 1500, rat = 2, "
-                       "originating_url_len = 10, terminating_url_len = 12\n";
+    const char *line =
+        "version = 3, direction = 1, %s = 200, call_setup_delay = 1500, rat = 2, "
+        "originating_url_len = 10, terminating_url_len = 12\n";
     /* The cut falls inside the call id: its skip stops at the end, and the
      * next length field finds nothing. */
     expect_log(0x1830, p, fmt(line, "result"), {{MODEM_STATS_DATA_ID_IMS_VOLTE_SESSION_SETUP, r}},
