@@ -117,7 +117,7 @@ TEST(EventParsersTest, ReadableBytesAndNullPointer)
 
 /* ---- LTE RRC state change ---------------------------------------------- */
 
-const char kNewConnected[] =
+const char kNew[] =
     "----1606_diag_event_lte_rrc_state_change, New Connected and Old other state, rrc_setup_count = 1, sub_id 1\n";
 const char kConnectedConnected[] =
     "1606_diag_event_lte_rrc_state_change, New Connected and Old Connected, time not inited, do nothing, sub_id 1\n";
@@ -125,65 +125,63 @@ const char kClosingConnected[] =
     "1606_diag_event_lte_rrc_state_change, New Closing and Old Connected, time not inited, do nothing, sub_id 1\n";
 const char kClosingOther[] =
     "1606_diag_event_lte_rrc_state_change, New Closing and Old other state, do nothing, sub_id 1\n";
-const char kOtherOther[] =
+const char kOther[] =
     "1606_diag_event_lte_rrc_state_change, New other state and Old other state, do nothing, sub_id 1\n";
 
-struct rrc_step {
-    uint8_t state;
-    const char *outcome;
-    bool setup_record;
-};
-
 /* Feeds the states in order from a fresh kept state of 0: each prints the
- * transition and its outcome, records the state (and a set-up when
- * counted), and is kept. */
-void run_rrc_sequence(const std::vector<rrc_step> &steps)
+ * transition and its outcome, records the state (and a set-up when a new
+ * connection is counted), and is kept. */
+void run_rrc_sequence(const std::vector<std::pair<uint8_t, const char *>> &steps)
 {
     g_lte_rrc_state_last = 0;
     int last = 0;
-    for (const rrc_step &s : steps) {
-        SCOPED_TRACE(testing::Message() << "state " << int(s.state) << " after " << last);
-        std::vector<seen_record> records = {{MODEM_STATS_DATA_ID_LTE_RRC_STATE, {s.state}}};
-        if (s.setup_record) records.push_back({MODEM_STATS_DATA_ID_LTE_RRC_STATE_STATS, {0, 0, 0, 0, 1, 0, 0, 0, 1}});
+    for (const auto &s : steps) {
+        SCOPED_TRACE(testing::Message() << "state " << int(s.first) << " after " << last);
+        std::vector<seen_record> records = {{MODEM_STATS_DATA_ID_LTE_RRC_STATE, {s.first}}};
+        if (s.second == kNew) records.push_back({MODEM_STATS_DATA_ID_LTE_RRC_STATE_STATS, {0, 0, 0, 0, 1, 0, 0, 0, 1}});
         char state_line[400];
         snprintf(
             state_line, sizeof(state_line),
             "1606_diag_event_lte_rrc_state_change, time_last = 0, time_current = 0, rrc_state_last = %d, "
             "rrc_state_current = %d, rrc_state_current_in = %d, old rrc_active_time = 0, old rrc_setup_count = 0\n",
-            last, s.state, s.state);
-        expect_event(1606, {s.state},
-                     "sub_id = 0, rrc_state_current_in = " + std::to_string(s.state) + "\n" + state_line + s.outcome,
+            last, s.first, s.first);
+        expect_event(1606, {s.first},
+                     "sub_id = 0, rrc_state_current_in = " + std::to_string(s.first) + "\n" + state_line + s.second,
                      records);
-        EXPECT_EQ(g_lte_rrc_state_last, s.state);
-        last = s.state;
+        EXPECT_EQ(g_lte_rrc_state_last, s.first);
+        last = s.first;
     }
 }
 
 TEST(LteRrcStateTest, SetupsAreCountedOncePerConnection)
 {
     /* Connected twice counts one set-up. */
-    run_rrc_sequence({{4, kNewConnected, true}, {4, kConnectedConnected, false}});
+    run_rrc_sequence({{4, kNew}, {4, kConnectedConnected}});
     /* Closing between connections counts again. */
-    run_rrc_sequence({{4, kNewConnected, true}, {7, kClosingConnected, false}, {4, kNewConnected, true}});
+    run_rrc_sequence({{4, kNew}, {7, kClosingConnected}, {4, kNew}});
     /* Other states do nothing but are kept. */
-    run_rrc_sequence({{2, kOtherOther, false},
-                      {7, kClosingOther, false},
-                      {7, kClosingOther, false},
-                      {3, kOtherOther, false},
-                      {4, kNewConnected, true},
-                      {0, kOtherOther, false}});
+    run_rrc_sequence({{2, kOther}, {7, kClosingOther}, {7, kClosingOther}, {3, kOther}, {4, kNew}, {0, kOther}});
 }
 
 TEST(LteRrcStateTest, StatsWithoutRecordPointersStillKeepTheState)
 {
-    g_lte_rrc_state_last = 0;
-    record_log records;
-    std::string out = captured_stdout([] {
-        modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(MODEM_STATS_SUB_ID_1, 4, nullptr, nullptr);
-    });
-    EXPECT_NE(out.find(kNewConnected), std::string::npos);
-    EXPECT_TRUE(records.take().empty());
-    EXPECT_EQ(g_lte_rrc_state_last, 4);
+    /* Either pointer missing: no record, and the state is still kept. */
+    modem_stats_data_id_e_type id = MODEM_STATS_DATA_ID_NONE;
+    modem_stats_single_data_common_type *rec = nullptr;
+    const std::pair<modem_stats_data_id_e_type *, modem_stats_single_data_common_type **> forms[] = {
+        {nullptr, nullptr}, {&id, nullptr}, {nullptr, &rec}};
+    for (const auto &f : forms) {
+        g_lte_rrc_state_last = 0;
+        record_log records;
+        std::string out = captured_stdout([&] {
+            modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(MODEM_STATS_SUB_ID_1, 4, f.first, f.second);
+        });
+        EXPECT_NE(out.find(kNew), std::string::npos);
+        EXPECT_TRUE(records.take().empty());
+        EXPECT_EQ(g_lte_rrc_state_last, 4);
+        EXPECT_EQ(id, MODEM_STATS_DATA_ID_NONE);
+        EXPECT_EQ(rec, nullptr);
+    }
 }
 
 }  // namespace
