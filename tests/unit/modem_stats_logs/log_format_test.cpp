@@ -89,7 +89,7 @@ TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
     }
 }
 
-TEST(LogFormatTest, IntegersStringsAndTheRest)
+TEST(LogFormatTest, IntegersStringsAndDigitCountBoundaries)
 {
     EXPECT_TRUE(same("%d %d %d %d", INT_MIN, INT_MAX, 0, -1));
     EXPECT_TRUE(same("%u %x %lu %ld %lx", UINT_MAX, 0xb193u, ULONG_MAX, LONG_MIN, 0xdeadbeeful));
@@ -97,10 +97,7 @@ TEST(LogFormatTest, IntegersStringsAndTheRest)
     /* Conversions it does not make itself go to the C library. */
     EXPECT_TRUE(same("%5d|%-8s|%08.3f|%e|%.1f|%p", 42, "ab", 3.14159, 2.5, 0.25, static_cast<void *>(nullptr)));
     EXPECT_TRUE(same("%s", ""));
-}
-
-TEST(LogFormatTest, DecimalsAtEveryDigitCountBoundary)
-{
+    /* Decimals at every digit count boundary. */
     for (unsigned long p = 1; p <= ULONG_MAX / 10; p *= 10) {
         for (unsigned long v : {p - 1, p, p + 1, 10 * p - 1}) {
             ASSERT_TRUE(same("%lu", v)) << v;
