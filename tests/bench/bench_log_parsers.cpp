@@ -28,8 +28,7 @@ constexpr size_t STDOUT_BUFFER = 1 << 16;
 /* 0xB193, sub-packet version 19: one serving cell, two receive chains. */
 packet b193_v19()
 {
-    packet p;
-    p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, 19).u16(6, 364).u32(8, 5780).u16(12, 1);
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 25).u8(5, 19).u16(6, 364).u32(8, 5780).u16(12, 1);
     uint32_t c = 8 * 8;
     p.bits(c + 64, 9, 185).bits(c + 76, 1, 1).bits(c + 202, 12, 1073).bits(c + 236, 12, 1128).bits(c + 268, 12, 1128);
     p.bits(c + 300, 10, 338).bits(c + 320, 10, 332).bits(c + 340, 10, 338).bits(c + 362, 11, 367);
@@ -57,8 +56,7 @@ packet b193_v36()
  * `beams` beams; the first cell is the serving one. */
 packet b97f(uint32_t layers, uint32_t cells, uint32_t beams)
 {
-    packet p;
-    p.u32(0, 0x20007).u8(4, layers);
+    packet p = packet().u32(0, 0x20007).u8(4, layers);
     uint32_t at = 16;
     for (uint32_t l = 0; l < layers; l++) {
         p.u8(at + 4, cells).u8(at + 5, l).u16(at + 6, 100).u32(at + 12, static_cast<uint32_t>(-12544));
@@ -79,8 +77,7 @@ packet b97f(uint32_t layers, uint32_t cells, uint32_t beams)
 packet b064()
 {
     const std::vector<uint8_t> hdr[2] = {{0x3E, 0x1F, 0x00, 0x00, 0x00}, {0x3A, 0x3E, 0x1F, 0x12, 0x00, 0x00, 0x00}};
-    packet p;
-    p.u8(0, 1).u8(1, 1).u8(4, 8).u8(5, 1).u8(8, 5);
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 8).u8(5, 1).u8(8, 5);
     uint32_t at = 9;
     for (int s = 0; s < 5; s++) {
         const std::vector<uint8_t> &h = hdr[s & 1];
@@ -94,8 +91,7 @@ packet b064()
 /* 0xB16D version 48: a PUCCH and a PUSCH record. */
 packet b16d()
 {
-    packet p;
-    p.u8(0, 48).u8(3, 2).bits(32 + 32, 1, 0).bits(32 + 33 + 14, 8, 23);
+    packet p = packet().u8(0, 48).u8(3, 2).bits(32 + 32, 1, 0).bits(32 + 33 + 14, 8, 23);
     uint32_t r = 32 + 416, b = r + 33;
     p.bits(r + 32, 1, 1).bits(b + 223, 8, 20).bits(b + 243, 7, 50).bits(b + 292, 5, 17).bits(b + 311, 3, 2);
     return p.size(4 + 2 * 52);
@@ -104,8 +100,7 @@ packet b16d()
 /* 0xB975 version 1.2. */
 packet b975()
 {
-    packet p;
-    p.u32(0, 0x10002).u32(20, static_cast<uint32_t>(-12800)).u32(24, static_cast<uint32_t>(-1280));
+    packet p = packet().u32(0, 0x10002).u32(20, static_cast<uint32_t>(-12800)).u32(24, static_cast<uint32_t>(-1280));
     return p.size(40);
 }
 

@@ -64,8 +64,7 @@ TEST_F(CaptureTest, PacketsDecodeToThePublicValues)
          "rsrp_rx0 = -112.94, rsrp_rx1 = -109.50, rsrp_rx2 = 65535.00", "rsrq_rx0 = -8.88, rsrq_rx1 = -9.25, ",
          "rssi_rx0 = -87.06, rssi_rx1 = -83.25, ", "snr_rx0 = 4.90, snr_rx1 = 5.30, ", "max_rssi = -83.25\n"},
         MODEM_STATS_DATA_ID_LTE_SRV_MEAS, 75);
-    packet scell;
-    scell.u32(19).u32(700).u16(185).u8(3);
+    packet scell = packet().u32(19).u32(700).u16(185).u8(3);
     for (float f : {-107.0f, -7.19f, -82.81f, 9.1f, -109.88f, -8.44f, -84.44f, 7.6f}) scell.f32(f);
     for (int i = 0; i < 8; i++) scell.f32(65535.0f);
     expect_packet("att.mi2log", 0xB193, 1091, 1,

@@ -162,8 +162,7 @@ std::string expected_out(const layout &l)
 record expected_record(const layout &l)
 {
     bool four = four_chains(l);
-    packet r;
-    r.u32(l.version).u32(earfcn(l)).u16(PCI).u8(four ? 15 : 3);
+    packet r = packet().u32(l.version).u32(earfcn(l)).u16(PCI).u8(four ? 15 : 3);
     const float chains[4][4] = {{-100.0f, -10.0f, -70.0f, 10.0f},
                                 {-99.5f, -10.5f, -70.5f, 10.5f},
                                 {-99.0f, -11.0f, -71.0f, 11.0f},
@@ -186,9 +185,8 @@ TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
     const layout &v19 = LAYOUTS[3];
     const std::vector<uint8_t> inner = build(v19);
     /* An unknown 12-byte sub-packet first, then the measurement. */
-    packet skipped;
-    skipped.u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(16,
-                                                               std::vector<uint8_t>(inner.begin() + 4, inner.end()));
+    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(
+        16, std::vector<uint8_t>(inner.begin() + 4, inner.end()));
     expect_log(CODE, skipped, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19), {expected_record(v19)});
 
     expect_refused(CODE, build(v19).u8(0, 2), 2);

@@ -17,8 +17,7 @@ namespace {
  * chan_type; `rb_width` differs by version. */
 packet b16d(int version, uint32_t record_bits, const uint32_t at[5], uint32_t rb_width)
 {
-    packet p;
-    p.u8(0, version).u8(3, 3);
+    packet p = packet().u8(0, version).u8(3, 3);
     const uint32_t pusch_tx[3] = {0, 20, 99};
     for (uint32_t r = 0; r < 3; r++) {
         uint32_t rec = 32 + r * record_bits, b = rec + 33;
@@ -57,14 +56,12 @@ TEST(LteLogTest, TransmitPower)
 
 TEST(LteLogTest, PuschCsfAndReceiveAgc)
 {
-    packet csf;
-    csf.u8(0, 163).bits(36, 2, 1).bits(47, 4, 12).bits(51, 4, 9).size(40);
+    packet csf = packet().u8(0, 163).bits(36, 2, 1).bits(47, 4, 12).bits(51, 4, 9).size(40);
     expect_log(0xB14E, csf, "version = 163, rank_idx = 1, wideband_cqi_cw0 = 12\n",
                {{MODEM_STATS_DATA_ID_LTE_PUSCH_CSF, packet().u8(163).u8(1).u8(12).u8(9)}}, {0, "version", 0});
     expect_refused(0xB14E, packet(csf).u8(0, 42), 42);
 
-    packet agc;
-    agc.u8(0, 162).u8(1, 2).bits_at(4, 0, 4, 1).bits_at(4, 16, 12, 1000);
+    packet agc = packet().u8(0, 162).u8(1, 2).bits_at(4, 0, 4, 1).bits_at(4, 16, 12, 1000);
     agc.bits_at(12, 0, 4, 2).bits_at(12, 16, 12, 784).bits_at(12, 28, 12, 800).bits_at(12, 40, 12, 1024);
     agc.bits_at(12, 52, 12, 1026);
     expect_log(0xB111, agc,
@@ -78,14 +75,12 @@ TEST(LteLogTest, PuschCsfAndReceiveAgc)
 TEST(LteLogTest, PowerControl)
 {
     /* Two 12-byte records; the second, with a negative power, is reported. */
-    packet pusch;
-    pusch.u8(0, 48).u8(3, 2).bits_at(4, 17, 8, 10).bits_at(4, 54, 8, 90);
+    packet pusch = packet().u8(0, 48).u8(3, 2).bits_at(4, 17, 8, 10).bits_at(4, 54, 8, 90);
     pusch.bits_at(16, 17, 8, 0xFB).bits_at(16, 54, 8, 120);
     expect_log(0xB16E, pusch, "version = 48, num_records = 2, pusch_tx_power -5, dl_path_loss 120\n",
                {{MODEM_STATS_DATA_ID_LTE_PUSCH_POWER_CTRL, packet().u8(48).u8(2).u8(0xFB).u8(120)}},
                {3, "num_records", 0});
-    packet pucch;
-    pucch.u8(0, 49).u8(3, 1).bits_at(4, 14, 8, 7).bits_at(4, 43, 8, 101);
+    packet pucch = packet().u8(0, 49).u8(3, 1).bits_at(4, 14, 8, 7).bits_at(4, 43, 8, 101);
     expect_log(0xB16F, pucch, "version = 49, num_records = 1, pucch_tx_power 7, dl_path_loss 101\n",
                {{MODEM_STATS_DATA_ID_LTE_PUCCH_POWER_CTRL, packet().u8(49).u8(1).u8(7).u8(101)}},
                {3, "num_records", 0});
@@ -98,8 +93,7 @@ TEST(LteLogTest, PowerControl)
  * layers, then one SI-RNTI TB of 300 bytes with one layer. */
 packet b173(int version, uint32_t record_bytes, uint32_t slot_bytes, uint32_t size_at)
 {
-    packet p;
-    p.u8(0, version).u8(1, 2);
+    packet p = packet().u8(0, version).u8(1, 2);
     struct tb {
         uint32_t crc, rnti, bytes, mcs, rb, mod;
     };
@@ -151,8 +145,7 @@ TEST(LteLogTest, RrcServingCellInfo)
 
 TEST(LteLogTest, MacRachAttempt)
 {
-    packet p;
-    p.u8(0, 1).u8(1, 1).u8(4, 6).u8(5, 49).u16(6, 48).u8(11, 0xFF);
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 6).u8(5, 49).u16(6, 48).u8(11, 0xFF);
     const std::string head = "sub_id = 0, version = 1, num_records = 1, version_sub = 49, rach_result = ";
     expect_log(0xB062, p, head + "-1\n", {{MODEM_STATS_DATA_ID_LTE_MAC_RACH_ATTEMPT, packet().u8(1).u8(49).u8(0xFF)}},
                {11, "rach_result", 0});
@@ -175,8 +168,7 @@ packet b064(int version_sub, const std::vector<std::vector<uint8_t>> &headers)
 {
     const uint16_t grant[] = {100, 50}, pad[] = {0, 25};
     uint32_t head = version_sub == 1 ? 12 : 14;
-    packet p;
-    p.u8(0, 1).u8(1, 1).u8(4, 8).u8(5, version_sub).u8(8, headers.size());
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 8).u8(5, version_sub).u8(8, headers.size());
     uint32_t at = 9;
     for (size_t i = 0; i < headers.size(); i++) {
         p.u16(at + head - 8, grant[i]).u16(at + head - 5, pad[i]).u8(at + head - 1, headers[i].size());

@@ -102,8 +102,7 @@ TEST(Nr5gMacTest, PdschStats)
         uint32_t version, num_at, records_at, record_bytes, tb_at;
     } layouts[] = {{0x20002, 15, 28, 72, 48}, {0x30000, 16, 32, 80, 56}};
     for (const auto &l : layouts) {
-        packet p;
-        p.u32(0, l.version).u8(l.num_at, 2);
+        packet p = packet().u32(0, l.version).u8(l.num_at, 2);
         uint32_t r1 = l.records_at + l.record_bytes;
         p.u32(l.records_at + 8, 100).u32(l.records_at + 16, 3).u64(l.records_at + l.tb_at, 5000000000ull);
         p.u32(r1 + 8, 50).u32(r1 + 16, 1).u64(r1 + l.tb_at, 1000).size(r1 + l.record_bytes);
@@ -175,10 +174,8 @@ TEST(Nr5gMacTest, RachAttempt)
 {
     /* 2.7: Msg1 and Msg2, the TC-RNTI and timing advance after 28 bytes of
      * Msg1.  3.5: Msg2 alone. */
-    packet v27;
-    v27.u32(0, 0x20007).u8(21, 0).u8(23, 3).u16(28 + 28 + 6, 17921).u16(28 + 28 + 8, 12).size(80);
-    packet v35;
-    v35.u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80);
+    packet v27 = packet().u32(0, 0x20007).u8(21, 0).u8(23, 3).u16(28 + 28 + 6, 17921).u16(28 + 28 + 8, 12).size(80);
+    packet v35 = packet().u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80);
     expect_log(0xB88A, v27,
                "sub_id = 0, version = 131079, rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, rach_result = 0\n",
                {{MODEM_STATS_DATA_ID_NR5G_MAC_RACH_ATTEMPT, packet().u32(0x20007).u8(3).u16(17921).u16(12).u8(0)}},
@@ -195,8 +192,7 @@ TEST(Nr5gMacTest, RachAttempt)
  * then SRS and PRACH. */
 packet b883(uint32_t version, uint32_t pusch_bytes)
 {
-    packet p;
-    p.u32(0, version).u8(15, 1).u8(16 + 4, 2).bits_at(24, 6, 6, 0x06).bits_at(28 + 8, 0, 2, 1);
+    packet p = packet().u32(0, version).u8(15, 1).u8(16 + 4, 2).bits_at(24, 6, 6, 0x06).bits_at(28 + 8, 0, 2, 1);
     uint32_t at = 28 + pusch_bytes;
     p.u8(at, 2).bits_at(at + 36, 6, 6, 0x18);
     return p.size(at + 36 + 4 + 20 + 8);
@@ -243,8 +239,7 @@ packet b872(uint32_t version, uint32_t tti_bytes, uint32_t tb_bytes)
           {0x3D, 0x47, 0x3E, 0x03, 0x03, 100, 50, 0x38, 0x06, 0x00, 0x20, 0x40, 0x40, 0x00, 0x21, 0x3A, 0x12, 0x34}},
          {200, 150, {0x39, 0x10, 0x20}}},
         {{10, 10, {0x3E, 0x05}}, {0, 0, {0x05}}}};
-    packet p;
-    p.u32(0, version).bits_at(4, 0, 4, 2).bits_at(4, 5, 1, 1);
+    packet p = packet().u32(0, version).bits_at(4, 0, 4, 2).bits_at(4, 5, 1, 1);
     uint32_t at = 8;
     for (const auto &tti : ttis) {
         p.bits_at(at, 32, 4, 2);

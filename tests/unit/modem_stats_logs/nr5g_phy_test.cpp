@@ -15,8 +15,7 @@ namespace {
 
 TEST(Nr5gPhyTest, ReceiveAgc)
 {
-    packet p;
-    p.u32(0, 0x20000).u8(4, 1).u8(5, 4).bits_at(12, 0, 13, 3616).bits_at(12, 16, 13, 3600);
+    packet p = packet().u32(0, 0x20000).u8(4, 1).u8(5, 4).bits_at(12, 0, 13, 3616).bits_at(12, 16, 13, 3600);
     p.bits_at(16, 0, 13, 4096).bits_at(16, 16, 13, 4100).size(24);
     const std::string head = "version = 131072, version_agc_sub = 1, ";
     expect_log(0xB8C9, p,
@@ -43,8 +42,7 @@ TEST(Nr5gPhyTest, MacTransmitPower)
         uint32_t version, entry_bytes, type_width, tx_at;
     } layouts[] = {{0x10000, 4, 2, 8}, {0x10001, 8, 3, 32}};
     for (const auto &l : layouts) {
-        packet p;
-        p.u32(0, l.version).u16(4, 1).u8(6, 2).u8(7, 5);
+        packet p = packet().u32(0, l.version).u16(4, 1).u8(6, 2).u8(7, 5);
         for (uint32_t i = 0; i < 5; i++) {
             uint32_t at = 8 + i * l.entry_bytes;
             p.bits_at(at, 0, l.type_width, entries[i].type).bits_at(at, l.tx_at, 8, entries[i].tx);
@@ -113,8 +111,7 @@ packet b97f(const b97f_layout &l)
 {
     const bool v3 = l.carrier_bytes == 40;
     const uint32_t num_cells_at = v3 ? 5 : 4, cc_id_at = v3 ? 4 : 5, rsrp_at = v3 ? 20 : 12;
-    packet p;
-    p.u32(0, l.version).u8(l.layers_at, 3);
+    packet p = packet().u32(0, l.version).u8(l.layers_at, 3);
     uint32_t at = l.carriers_at;
     auto s32 = [](int32_t v) { return static_cast<uint32_t>(v); };
     auto carrier = [&](uint32_t num_cells, uint32_t cc_id, uint32_t pci, int32_t rsrp2, int32_t rsrp3) {
@@ -211,8 +208,7 @@ TEST(Nr5gPhyTest, RrcServingCellInfo)
         bool cgi;
     } layouts[] = {{0x4, 4, false}, {0x30000, 4, true}, {0x30002, 7, true}, {0x30003, 7, true}};
     for (const auto &l : layouts) {
-        packet p;
-        p.u32(0, l.version).u16(l.block_at, 500);
+        packet p = packet().u32(0, l.version).u16(l.block_at, 500);
         uint32_t at = l.block_at + 2 + (l.cgi ? 8 : 0);
         p.u32(at, 632448).u32(at + 4, 632449).u16(at + 8, 100).u16(at + 10, 90).u64(at + 12, 0x123456789ull);
         p.u16(at + 20, 310).u8(at + 22, 3).u16(at + 23, 260).u8(at + 25, 1).u32(at + 26, 43981).u16(at + 30, 77);
@@ -246,8 +242,7 @@ TEST(Nr5gPhyTest, RrcConfigurationInfo)
     const cc carriers[2] = {{500, 632448, 78, 1, 12}, {600, 2079165, 257, 2, 13}};
     for (const auto &l : layouts) {
         uint32_t n = l.nrdc ? 2 : 1;
-        packet p;
-        p.u32(0, l.version).u8(l.state_at, 7).u8(l.state_at + 2, 2);
+        packet p = packet().u32(0, l.version).u8(l.state_at, 7).u8(l.state_at + 2, 2);
         for (uint32_t i = 0; i < (l.nrdc ? 5u : 3u); i++) p.u8(l.counts_at + i, 1);
         uint32_t at = l.lists_at + 4 * n;
         std::string lines;

@@ -11,13 +11,11 @@ namespace {
 
 TEST(WcdmaGsmImsLogTest, ReceiveLevels)
 {
-    packet w;
-    w.u8(0, 8).u16(3, static_cast<uint16_t>(-512)).u16(5, static_cast<uint16_t>(-612)).size(16);
+    packet w = packet().u8(0, 8).u16(3, static_cast<uint16_t>(-512)).u16(5, static_cast<uint16_t>(-612)).size(16);
     expect_log(0x4179, w,
                "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = -612, rx_agc_0 = -106.00, rx_agc_1 = -116.00\n",
                {{MODEM_STATS_DATA_ID_WCDMA_PN_SEARCH, packet().u8(8).f32(-106).f32(-116)}}, {0, "version", 0});
-    packet g;
-    g.u8(0, 6).u16(7, static_cast<uint16_t>(-1600)).u16(9, static_cast<uint16_t>(-1608)).size(16);
+    packet g = packet().u8(0, 6).u16(7, static_cast<uint16_t>(-1600)).u16(9, static_cast<uint16_t>(-1608)).size(16);
     expect_log(0x5096, g, "version = 6, rx_prx_old = -1600, rx_drx_old = -1608, rx_prx = -100.00, rx_drx = -100.50\n",
                {{MODEM_STATS_DATA_ID_GSM_L1_RX_DIVERSITY, packet().u8(6).f32(-100).f32(-100.5f)}}, {0, "version", 0});
     /* The public sample vectors of 0x4179 are version 5. */
@@ -55,8 +53,7 @@ TEST(WcdmaGsmImsLogTest, SipMessageAndRtp)
                {{MODEM_STATS_DATA_ID_IMS_SIP_MESSAGE,
                  packet().u8(1).u8(1).u8(1).u8(32).u16(900).u16(512).u16(2).u16(180).u32(3)}},
                {9, "msg_id", 1});
-    packet rtp;
-    rtp.u8(0, 13).u8(12, 2).u8(21, 7).size(32);
+    packet rtp = packet().u8(0, 13).u8(12, 2).u8(21, 7).size(32);
     expect_log(0x1568, rtp, "version = 13, codec_type = 2, frame_type = 7\n",
                {{MODEM_STATS_DATA_ID_IMS_RTP_SN_AND_PAYLOAD, packet().u8(13).u8(2).u8(7)}}, {21, "frame_type", 0});
     expect_refused(0x156E, packet(sip).u8(0, 2), 2);
