@@ -77,8 +77,10 @@ TEST_F(UnpackTest, WholeByteReadsAndTheirLimits)
 TEST_F(UnpackTest, ReadsBeyondTheWindowGiveZeros)
 {
     /* The bit position may move the base past the payload; every byte
-     * outside the backing window reads as zero. */
-    start({0xff});
+     * outside the backing window reads as zero, even where the caller's
+     * memory goes on. */
+    std::vector<uint8_t> wide(MODEM_STATS_UNPK_MAX_LEN + 200, 0xff);
+    ASSERT_TRUE(modem_stats_data_unpk_start(kId, wide.data()));
     modem_stats_bit_advance((MODEM_STATS_UNPK_MAX_LEN + 100) * 8);
     uint64_t v = 1;
     ASSERT_TRUE(modem_stats_unpk_at("far", 0, 64, &v));
