@@ -9,6 +9,7 @@
 
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "modem_stats_record.h"
@@ -54,31 +55,24 @@ inline std::ostream &operator<<(std::ostream &os, const seen_record &r)
     return os << "}";
 }
 
-/* Collects every record released while it is alive. */
+/* Collects every record released while it is alive (one at a time). */
 class record_log {
 public:
     record_log()
     {
-        seen_list().clear();
+        list().clear();
         modem_stats_set_record_observer(
             [](modem_stats_sub_id_e_type, modem_stats_data_id_e_type id, const modem_stats_single_data_common_type *r) {
-                seen_list().push_back({id, seen(r).bytes});
+                list().push_back({id, seen(r).bytes});
             });
     }
     ~record_log() { modem_stats_set_record_observer(nullptr); }
-    record_log(const record_log &) = delete;
-    record_log &operator=(const record_log &) = delete;
 
     /* The records seen so far, and forget them. */
-    std::vector<seen_record> take()
-    {
-        std::vector<seen_record> out;
-        out.swap(seen_list());
-        return out;
-    }
+    std::vector<seen_record> take() { return std::exchange(list(), {}); }
 
 private:
-    static std::vector<seen_record> &seen_list()
+    static std::vector<seen_record> &list()
     {
         static std::vector<seen_record> records;
         return records;
