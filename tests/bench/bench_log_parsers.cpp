@@ -15,43 +15,20 @@
 #include <string>
 #include <vector>
 
+#include "../unit/modem_stats_logs/log_packet.h"
 #include "modem_stats_dispatch.h"
 
 namespace {
 
+using log_test::packet;
+
 constexpr long DEFAULT_PACKETS = 300000;
 constexpr size_t STDOUT_BUFFER = 1 << 16;
 
-/* A packet under construction: bit fields counted from bit 0 of byte 0. */
-struct bytes {
-    std::vector<uint8_t> b;
-    bytes &bits(uint32_t bit, uint32_t width, uint64_t v)
-    {
-        if (b.size() < (bit + width + 7) / 8) b.resize((bit + width + 7) / 8, 0);
-        for (uint32_t i = 0; i < width; i++) {
-            uint8_t m = static_cast<uint8_t>(1u << ((bit + i) % 8));
-            if ((v >> i) & 1)
-                b[(bit + i) / 8] |= m;
-            else
-                b[(bit + i) / 8] &= static_cast<uint8_t>(~m);
-        }
-        return *this;
-    }
-    bytes &u8(uint32_t at, uint64_t v) { return bits(at * 8, 8, v); }
-    bytes &u16(uint32_t at, uint64_t v) { return bits(at * 8, 16, v); }
-    bytes &u32(uint32_t at, uint64_t v) { return bits(at * 8, 32, v); }
-    bytes &size(size_t n)
-    {
-        if (b.size() < n) b.resize(n, 0);
-        return *this;
-    }
-};
-
 /* 0xB193, sub-packet version 19: one serving cell, two receive chains. */
-bytes b193_v19()
+packet b193_v19()
 {
-    bytes p;
-    p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, 19).u16(6, 364).u32(8, 5780).u16(12, 1);
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 25).u8(5, 19).u16(6, 364).u32(8, 5780).u16(12, 1);
     uint32_t c = 8 * 8;
     p.bits(c + 64, 9, 185).bits(c + 76, 1, 1).bits(c + 202, 12, 1073).bits(c + 236, 12, 1128).bits(c + 268, 12, 1128);
     p.bits(c + 300, 10, 338).bits(c + 320, 10, 332).bits(c + 340, 10, 338).bits(c + 362, 11, 367);
@@ -60,9 +37,9 @@ bytes b193_v19()
 }
 
 /* 0xB193, sub-packet version 36: two cells of four chains. */
-bytes b193_v36()
+packet b193_v36()
 {
-    bytes p;
+    packet p;
     p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, 36).u16(6, 4 + 8 + 2 * 128).u32(8, 1825).u16(12, 2).u16(14, 0xF);
     for (uint32_t k = 0; k < 2; k++) {
         uint32_t c = (16 + k * 128) * 8;
@@ -77,10 +54,9 @@ bytes b193_v36()
 
 /* 0xB97F version 2.7: `layers` carriers, each with `cells` cells of
  * `beams` beams; the first cell is the serving one. */
-bytes b97f(uint32_t layers, uint32_t cells, uint32_t beams)
+packet b97f(uint32_t layers, uint32_t cells, uint32_t beams)
 {
-    bytes p;
-    p.u32(0, 0x20007).u8(4, layers);
+    packet p = packet().u32(0, 0x20007).u8(4, layers);
     uint32_t at = 16;
     for (uint32_t l = 0; l < layers; l++) {
         p.u8(at + 4, cells).u8(at + 5, l).u16(at + 6, 100).u32(at + 12, static_cast<uint32_t>(-12544));
@@ -98,53 +74,50 @@ bytes b97f(uint32_t layers, uint32_t cells, uint32_t beams)
 
 /* 0xB064, sub-packet version 1: five samples with PHR and long BSR, as a
  * phone in the public captures sends them. */
-bytes b064()
+packet b064()
 {
-    static const uint8_t hdr_a[] = {0x3E, 0x1F, 0x00, 0x00, 0x00};
-    static const uint8_t hdr_b[] = {0x3A, 0x3E, 0x1F, 0x12, 0x00, 0x00, 0x00};
-    bytes p;
-    p.u8(0, 1).u8(1, 1).u8(4, 8).u8(5, 1).u8(8, 5);
+    const std::vector<uint8_t> hdr[2] = {{0x3E, 0x1F, 0x00, 0x00, 0x00}, {0x3A, 0x3E, 0x1F, 0x12, 0x00, 0x00, 0x00}};
+    packet p = packet().u8(0, 1).u8(1, 1).u8(4, 8).u8(5, 1).u8(8, 5);
     uint32_t at = 9;
     for (int s = 0; s < 5; s++) {
-        const uint8_t *hdr = (s & 1) ? hdr_b : hdr_a;
-        uint32_t len = (s & 1) ? sizeof(hdr_b) : sizeof(hdr_a);
-        p.u16(at + 4, 26).u16(at + 7, (s & 1) ? 19 : 21).u8(at + 9, 1).u8(at + 10, 4).u8(at + 11, len);
-        for (uint32_t i = 0; i < len; i++) p.u8(at + 12 + i, hdr[i]);
-        at += 12 + len;
+        const std::vector<uint8_t> &h = hdr[s & 1];
+        p.u16(at + 4, 26).u16(at + 7, (s & 1) ? 19 : 21).u8(at + 9, 1).u8(at + 10, 4).u8(at + 11, h.size());
+        p.raw(at + 12, h);
+        at += 12 + static_cast<uint32_t>(h.size());
     }
     return p.u16(6, at - 4);
 }
 
 /* 0xB16D version 48: a PUCCH and a PUSCH record. */
-bytes b16d()
+packet b16d()
 {
-    bytes p;
-    p.u8(0, 48).u8(3, 2).bits(32 + 32, 1, 0).bits(32 + 33 + 14, 8, 23);
+    packet p = packet().u8(0, 48).u8(3, 2).bits(32 + 32, 1, 0).bits(32 + 33 + 14, 8, 23);
     uint32_t r = 32 + 416, b = r + 33;
     p.bits(r + 32, 1, 1).bits(b + 223, 8, 20).bits(b + 243, 7, 50).bits(b + 292, 5, 17).bits(b + 311, 3, 2);
     return p.size(4 + 2 * 52);
 }
 
 /* 0xB975 version 1.2. */
-bytes b975()
+packet b975()
 {
-    bytes p;
-    p.u32(0, 0x10002).u32(20, static_cast<uint32_t>(-12800)).u32(24, static_cast<uint32_t>(-1280));
+    packet p = packet().u32(0, 0x10002).u32(20, static_cast<uint32_t>(-12800)).u32(24, static_cast<uint32_t>(-1280));
     return p.size(40);
 }
 
 struct bench_case {
     const char *label;
     uint16_t code;
-    bytes packet;
+    packet p;
+    void run() const
+    {
+        modem_stats_diag_process_log_ex(static_cast<int32_t>(p.bytes().size()), code, 0, p.bytes().data());
+    }
 };
 
 double packets_per_second(const bench_case &c, long packets)
 {
-    const uint8_t *payload = c.packet.b.data();
-    int32_t length = static_cast<int32_t>(c.packet.b.size());
     auto start = std::chrono::steady_clock::now();
-    for (long i = 0; i < packets; i++) modem_stats_diag_process_log_ex(length, c.code, 0, payload);
+    for (long i = 0; i < packets; i++) c.run();
     fflush(stdout);
     std::chrono::duration<double> secs = std::chrono::steady_clock::now() - start;
     return packets / secs.count();
@@ -167,7 +140,7 @@ int main(int argc, char **argv)
     if (argc > 1 && std::string(argv[1]) == "--show") {
         for (const bench_case &c : cases) {
             printf("== %s\n", c.label);
-            modem_stats_diag_process_log_ex(static_cast<int32_t>(c.packet.b.size()), c.code, 0, c.packet.b.data());
+            c.run();
         }
         return 0;
     }
@@ -185,8 +158,7 @@ int main(int argc, char **argv)
     long only = argc > 2 ? strtol(argv[2], nullptr, 0) : -1;
     for (const bench_case &c : cases) {
         if (only >= 0 && c.code != only) continue;
-        double pps = packets_per_second(c, packets);
-        fprintf(figures, "  %-44s %12.0f packets/s\n", c.label, pps);
+        fprintf(figures, "  %-44s %12.0f packets/s\n", c.label, packets_per_second(c, packets));
     }
     fclose(figures);
     return 0;

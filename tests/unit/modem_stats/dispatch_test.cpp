@@ -14,49 +14,38 @@ using stats_test::seen_record;
 
 namespace {
 
-TEST(DispatchTest, NullPayloadPrintsTheStartMessageWithThePreviousId)
+TEST(DispatchTest, HeadersNullPayloadsUnknownCodesAndTheCopy)
 {
-    const uint8_t payload[] = {1};
-    record_log records;
-    captured_stdout([&] { modem_stats_diag_process_event_ex(1, 631, 0, payload); });
-    records.take();
-    std::string out = captured_stdout([] { modem_stats_diag_process_log_ex(68, 0xB193, 0, nullptr); });
-    EXPECT_EQ(out,
-              "modem_stats_diag_process_log_ex: log_id 0xb193, length 68, sub_id = 0\n"
-              "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x277)\n");
-    out = captured_stdout([] { modem_stats_diag_process_event_ex(3, 629, 1, nullptr); });
-    EXPECT_EQ(out,
-              "modem_stats_diag_process_event_ex: event_id 629, length 3, sub_id = 1\n"
-              "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x277)\n");
-    EXPECT_TRUE(records.take().empty());
-}
-
-TEST(DispatchTest, UnknownCodesPrintOnlyTheHeader)
-{
-    const uint8_t payload[4] = {};
-    std::string out = captured_stdout([&] {
-        modem_stats_diag_process_log_ex(4, 0x1234, 0, payload);
-        modem_stats_diag_process_event_ex(4, 630, 0, payload);
-    });
-    EXPECT_EQ(out,
-              "modem_stats_diag_process_log_ex: log_id 0x1234, length 4, sub_id = 0\n"
-              "modem_stats_diag_process_event_ex: event_id 630, length 4, sub_id = 0\n");
-}
-
-TEST(DispatchTest, CopiesAtMostTheReadableSize)
-{
+    const uint8_t one[4] = {1}, negative_len_payload[] = {9, 9, 9};
     /* A payload longer than the readable size: the byte at 2000 is not
      * part of the copy, so a field there is out of reach. */
     std::vector<uint8_t> big(MODEM_STATS_UNPK_MAX_LEN + 8, 0x5a);
-    const uint8_t negative_len_payload[] = {9, 9, 9};
     record_log records;
     std::string out = captured_stdout([&] {
+        modem_stats_diag_process_event_ex(1, 631, 0, one);
+        /* A null payload: the start message names the previous id. */
+        modem_stats_diag_process_log_ex(68, 0xB193, 0, nullptr);
+        modem_stats_diag_process_event_ex(3, 629, 1, nullptr);
+        modem_stats_diag_process_log_ex(4, 0x1234, 0, one);
+        modem_stats_diag_process_event_ex(4, 630, 0, one);
         modem_stats_diag_process_event_ex(static_cast<int32_t>(big.size()), 631, 0, big.data());
         modem_stats_diag_process_event_ex(-5, 631, 0, negative_len_payload);
     });
-    EXPECT_NE(out.find("num_calls = 90, call_id = 90\n"), std::string::npos);
-    EXPECT_NE(out.find("num_calls = 0, call_id = 0\n"), std::string::npos);
-    EXPECT_EQ(records.take(), (std::vector<seen_record>{{MODEM_STATS_DATA_ID_CALL_END, {0x5a, 0x5a}},
+    EXPECT_EQ(out,
+              "modem_stats_diag_process_event_ex: event_id 631, length 1, sub_id = 0\n"
+              "num_calls = 1, call_id = 0\n"
+              "modem_stats_diag_process_log_ex: log_id 0xb193, length 68, sub_id = 0\n"
+              "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x277)\n"
+              "modem_stats_diag_process_event_ex: event_id 629, length 3, sub_id = 1\n"
+              "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x277)\n"
+              "modem_stats_diag_process_log_ex: log_id 0x1234, length 4, sub_id = 0\n"
+              "modem_stats_diag_process_event_ex: event_id 630, length 4, sub_id = 0\n"
+              "modem_stats_diag_process_event_ex: event_id 631, length 2008, sub_id = 0\n"
+              "num_calls = 90, call_id = 90\n"
+              "modem_stats_diag_process_event_ex: event_id 631, length -5, sub_id = 0\n"
+              "num_calls = 0, call_id = 0\n");
+    EXPECT_EQ(records.take(), (std::vector<seen_record>{{MODEM_STATS_DATA_ID_CALL_END, {1, 0}},
+                                                        {MODEM_STATS_DATA_ID_CALL_END, {0x5a, 0x5a}},
                                                         {MODEM_STATS_DATA_ID_CALL_END, {0, 0}}}));
 }
 
@@ -99,16 +88,11 @@ constexpr modem_stats_parser_row kRows[] = {
 };
 static_assert(modem_stats_parser_rows_valid(kRows, 4), "test rows are valid");
 static_assert(!kRows[2].release && !kRows[3].release && kRows[0].release, "keep rows");
-
-constexpr modem_stats_parser_row kUnsorted[] = {
-    modem_stats_parser_row_of(0x0020, parse_plain),
-    modem_stats_parser_row_of(0x0010, parse_plain),
-};
+constexpr modem_stats_parser_row kUnsorted[] = {modem_stats_parser_row_of(0x0020, parse_plain),
+                                                modem_stats_parser_row_of(0x0010, parse_plain)};
 static_assert(!modem_stats_parser_rows_valid(kUnsorted, 2), "order is checked");
-constexpr modem_stats_parser_row kDuplicate[] = {
-    modem_stats_parser_row_of(0x0010, parse_plain),
-    modem_stats_parser_row_of(0x0010, parse_with_sub),
-};
+constexpr modem_stats_parser_row kDuplicate[] = {modem_stats_parser_row_of(0x0010, parse_plain),
+                                                 modem_stats_parser_row_of(0x0010, parse_with_sub)};
 static_assert(!modem_stats_parser_rows_valid(kDuplicate, 2), "uniqueness is checked");
 
 TEST(DispatchTest, CallingFormsAndReleaseRule)
@@ -119,14 +103,11 @@ TEST(DispatchTest, CallingFormsAndReleaseRule)
     g_kept = nullptr;
     g_sub_only_calls = 0;
     captured_stdout([&] {
-        modem_stats_diag_dispatch(table, 0x0010, 1, 1, payload);
-        modem_stats_diag_dispatch(table, 0x0020, 1, 1, payload);
-        modem_stats_diag_dispatch(table, 0x0030, 1, 1, payload);
-        modem_stats_diag_dispatch(table, 0x0040, 1, 1, payload);
-        modem_stats_diag_dispatch(table, 0x0015, 1, 1, payload);
+        for (uint16_t code : {0x0010, 0x0020, 0x0030, 0x0040, 0x0015})
+            modem_stats_diag_dispatch(table, code, 1, 1, payload);
     });
-    EXPECT_EQ(records.take(), (std::vector<seen_record>{{MODEM_STATS_DATA_ID_CALL_ORIG, {0xa1}},
-                                                        {MODEM_STATS_DATA_ID_CALL_END, {1}}}));
+    EXPECT_EQ(records.take(),
+              (std::vector<seen_record>{{MODEM_STATS_DATA_ID_CALL_ORIG, {0xa1}}, {MODEM_STATS_DATA_ID_CALL_END, {1}}}));
     ASSERT_NE(g_kept, nullptr);
     EXPECT_EQ(g_kept->data[0], 1);
     modem_stats_data_check_and_update_for_diag(MODEM_STATS_SUB_ID_1, g_kept->data_id, g_kept);
@@ -136,9 +117,8 @@ TEST(DispatchTest, CallingFormsAndReleaseRule)
 TEST(DispatchTest, RegisteredTablesFindEveryRow)
 {
     for (modem_stats_parser_table table : {modem_stats_log_parser_table(), modem_stats_event_parser_table()}) {
-        for (size_t i = 0; i < table.count; i++) {
+        for (size_t i = 0; i < table.count; i++)
             EXPECT_EQ(modem_stats_parser_find(table, table.rows[i].code), &table.rows[i]);
-        }
     }
     EXPECT_EQ(modem_stats_event_parser_table().count, 16u);
     EXPECT_EQ(modem_stats_parser_find(modem_stats_event_parser_table(), 630), nullptr);

@@ -12,64 +12,37 @@
 
 namespace {
 
-constexpr const char *k_child_env = "ORVEX_SIM_PROPERTY_CHILD";
-
 /* Child: one allocation, then exit 0 when tracing is as expected. */
 void decide_and_exit(bool expect_traced)
 {
     void *block = orvex_malloc_adv(32, "decide_and_exit");
-    bool ok = block && orvex_mem_trace_enabled() == expect_traced &&
-              orvex_mem_trace_count() == (expect_traced ? 1u : 0u);
+    bool ok =
+        block && orvex_mem_trace_enabled() == expect_traced && orvex_mem_trace_count() == (expect_traced ? 1u : 0u);
     orvex_free_adv(block);
-    ok = ok && orvex_mem_trace_count() == 0;
-    _exit(ok ? 0 : 1);
+    _exit(ok && orvex_mem_trace_count() == 0 ? 0 : 1);
 }
 
-class OrvexSimPropertyTest : public testing::Test {
-protected:
-    /* In the parent: a simulator with `value` set (null: unset), and the
-     * Android-log file.  In the re-executed child: nothing to set up. */
-    void prepare(const char *value)
-    {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        if (getenv(k_child_env)) return;
-        ASSERT_TRUE(sim_.start());
-        if (value) sim_.ctl_ok(std::string("setprop ") + ORVEX_MEM_TRACE_PROP + " " + value);
-        logcat_ = sim_.dir() + "/orvex_logcat.log";
-        setenv("RLK_LOGCAT_FILE", logcat_.c_str(), 1);
-        setenv(k_child_env, "1", 1);
+/* Absent, then "true", then "false": only "true" traces, and only the
+ * absent property is logged, once. */
+TEST(OrvexSimPropertyTest, TraceDecisionFromTheSimulator)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    /* In the re-executed child there is nothing to set up. */
+    const bool child = getenv("ORVEX_SIM_PROPERTY_CHILD") != nullptr;
+    sim_instance sim;
+    if (!child) {
+        ASSERT_TRUE(sim.start());
+        setenv("RLK_LOGCAT_FILE", (sim.dir() + "/orvex_logcat.log").c_str(), 1);
+        setenv("ORVEX_SIM_PROPERTY_CHILD", "1", 1);
     }
-    void TearDown() override
-    {
-        unsetenv(k_child_env);
-        unsetenv("RLK_LOGCAT_FILE");
-        if (!logcat_.empty()) unlink(logcat_.c_str());
+    EXPECT_EXIT(decide_and_exit(false), testing::ExitedWithCode(0), "");
+    for (const char *value : {"true", "false"}) {
+        if (!child) sim.ctl_ok(std::string("setprop ") + ORVEX_MEM_TRACE_PROP + " " + value);
+        EXPECT_EXIT(decide_and_exit(value[0] == 't'), testing::ExitedWithCode(0), "") << value;
     }
-    std::vector<log_line> logcat() const { return read_log_file(logcat_, true); }
-
-    sim_instance sim_;
-    std::string logcat_;
-};
-
-TEST_F(OrvexSimPropertyTest, TrueTurnsTracingOnSilently)
-{
-    prepare("true");
-    EXPECT_EXIT(decide_and_exit(true), testing::ExitedWithCode(0), "");
-    EXPECT_TRUE(logcat().empty());
-}
-
-TEST_F(OrvexSimPropertyTest, FalseLeavesTracingOffSilently)
-{
-    prepare("false");
-    EXPECT_EXIT(decide_and_exit(false), testing::ExitedWithCode(0), "");
-    EXPECT_TRUE(logcat().empty());
-}
-
-TEST_F(OrvexSimPropertyTest, AbsentPropertyIsLoggedOnce)
-{
-    prepare(nullptr);
-    EXPECT_EXIT(decide_and_exit(false), testing::ExitedWithCode(0), "");
-    std::vector<log_line> lines = logcat();
+    std::vector<log_line> lines = read_log_file(sim.dir() + "/orvex_logcat.log", true);
+    unsetenv("ORVEX_SIM_PROPERTY_CHILD");
+    unsetenv("RLK_LOGCAT_FILE");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].priority, 3);
     EXPECT_EQ(lines[0].tag, "ORVEX");

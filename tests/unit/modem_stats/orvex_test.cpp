@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 
 #include "orvex_log.h"
@@ -17,35 +17,25 @@
 
 namespace {
 
-TEST(OrvexLogTest, LogBufKeeps101Characters)
+TEST(OrvexLogTest, BoundsOfTheFormatters)
 {
-    char buf[ORVEX_LOG_BUF_LEN + 16];
+    /* The record text keeps 101 characters. */
+    char buf[ORVEX_LOG_MSG_LEN + 16];
     memset(buf, 'x', sizeof(buf));
-    std::string text(200, 'a');
-    EXPECT_EQ(orvex_log_buf(buf, "%s", text.c_str()), 200);
+    EXPECT_EQ(orvex_log_buf(buf, "%s", std::string(200, 'a').c_str()), 200);
     EXPECT_EQ(strlen(buf), ORVEX_LOG_BUF_LEN - 1);
     EXPECT_EQ(buf[ORVEX_LOG_BUF_LEN], 'x');
-}
-
-TEST(OrvexLogTest, FormatLogMsgBoundIs512WhateverTheLength)
-{
-    char out[ORVEX_LOG_MSG_LEN + 16];
-    memset(out, 'x', sizeof(out));
-    std::string text(600, 'b');
-    EXPECT_EQ(orvex_log_format_log_msg(out, 10, "%s", text.c_str()), 600);
-    EXPECT_EQ(strlen(out), ORVEX_LOG_MSG_LEN - 1);
+    /* A log message keeps 511, whatever the length passed. */
+    memset(buf, 'x', sizeof(buf));
+    EXPECT_EQ(orvex_log_format_log_msg(buf, 10, "%s", std::string(600, 'b').c_str()), 600);
+    EXPECT_EQ(strlen(buf), ORVEX_LOG_MSG_LEN - 1);
     EXPECT_EQ(orvex_log_format_log_msg(nullptr, 512, "%s", "x"), 0);
-}
-
-TEST(OrvexLogTest, LineFormatIsLabelColonMessage)
-{
-    char fmt[ORVEX_LOG_MSG_LEN];
-    orvex_log_build_format(fmt, "rssi = %d");
-    EXPECT_STREQ(fmt, "%s: rssi = %d");
-    std::string longer(ORVEX_LOG_MSG_LEN, 'c');
-    orvex_log_build_format(fmt, longer.c_str());
-    EXPECT_EQ(strlen(fmt), ORVEX_LOG_MSG_LEN - 1);
-    EXPECT_EQ(std::string(fmt, 4), "%s: ");
+    /* A line is "label: message". */
+    orvex_log_build_format(buf, "rssi = %d");
+    EXPECT_STREQ(buf, "%s: rssi = %d");
+    orvex_log_build_format(buf, std::string(ORVEX_LOG_MSG_LEN, 'c').c_str());
+    EXPECT_EQ(strlen(buf), ORVEX_LOG_MSG_LEN - 1);
+    EXPECT_EQ(std::string(buf, 4), "%s: ");
 }
 
 /* ---- Allocator -------------------------------------------------------- */
@@ -53,16 +43,12 @@ TEST(OrvexLogTest, LineFormatIsLabelColonMessage)
 const char *g_fake_value = nullptr; /* null: the property is absent */
 int g_fake_reads = 0;
 
-int fake_property_get(const char *key, char *value, const char *default_value)
+int fake_property_get(const char *key, char *value, const char *)
 {
-    (void)default_value;
     g_fake_reads++;
-    if (strcmp(key, ORVEX_MEM_TRACE_PROP) != 0 || !g_fake_value) {
-        value[0] = '\0';
-        return 0;
-    }
-    snprintf(value, 92, "%s", g_fake_value);
-    return static_cast<int>(strlen(value));
+    bool set = strcmp(key, ORVEX_MEM_TRACE_PROP) == 0 && g_fake_value;
+    snprintf(value, 92, "%s", set ? g_fake_value : "");
+    return set ? static_cast<int>(strlen(value)) : 0;
 }
 
 /* Collects failed expectations of a child; the child exits 0 when none. */
@@ -78,44 +64,6 @@ struct child_checks {
         fflush(stderr);
         _exit(failures.empty() ? 0 : 1);
     }
-};
-
-std::string read_file(const std::string &path)
-{
-    std::ifstream in(path);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
-
-class OrvexMemTest : public testing::Test {
-protected:
-    /* The re-executed child runs SetUp again: it keeps the file its parent
-     * chose, which the parent reads after the child ends. */
-    void SetUp() override
-    {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        const char *inherited = getenv(k_child_logcat_env);
-        if (inherited) {
-            logcat_ = inherited;
-            return;
-        }
-        char tmpl[] = "/tmp/orvex_logcat_XXXXXX";
-        int fd = mkstemp(tmpl);
-        ASSERT_GE(fd, 0);
-        close(fd);
-        logcat_ = tmpl;
-        setenv("RLK_LOGCAT_FILE", logcat_.c_str(), 1);
-        setenv(k_child_logcat_env, logcat_.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        unlink(logcat_.c_str());
-        unsetenv("RLK_LOGCAT_FILE");
-        unsetenv(k_child_logcat_env);
-    }
-    static constexpr const char *k_child_logcat_env = "ORVEX_TEST_LOGCAT";
-    std::string logcat_;
 };
 
 /* Two allocations with the property reading `value`: tracing stays off. */
@@ -135,21 +83,6 @@ void untraced_child(const char *value)
     orvex_free_adv(b);
     orvex_free_adv(nullptr);
     c.finish();
-}
-
-TEST_F(OrvexMemTest, AbsentPropertyLogsOnceAndTracesNothing)
-{
-    EXPECT_EXIT(untraced_child(nullptr), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(read_file(logcat_), "0\t3\tORVEX\torvex_mem_init: ORVEX_MEM_TRACE_PROP not exist\n");
-}
-
-TEST_F(OrvexMemTest, OnlyExactlyTrueTurnsTracingOn)
-{
-    for (const char *value : {"false", "1", "TRUE", "truex", "tru"}) {
-        SCOPED_TRACE(value);
-        EXPECT_EXIT(untraced_child(value), testing::ExitedWithCode(0), "");
-    }
-    EXPECT_EQ(read_file(logcat_), "");
 }
 
 void traced_child()
@@ -193,10 +126,35 @@ void traced_child()
     c.finish();
 }
 
-TEST_F(OrvexMemTest, TraceListFollowsAllocationsAndReleases)
+/* Only exactly "true" turns tracing on; the list then follows allocations
+ * and releases.  An absent property is logged once, other values never. */
+TEST(OrvexMemTest, TraceDecisionAndList)
 {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    /* The re-executed child keeps the file its parent chose, which the
+     * parent reads after the children end. */
+    const char *inherited = getenv("ORVEX_TEST_LOGCAT");
+    std::string logcat = inherited ? inherited : "";
+    if (!inherited) {
+        char tmpl[] = "/tmp/orvex_logcat_XXXXXX";
+        int fd = mkstemp(tmpl);
+        ASSERT_GE(fd, 0);
+        close(fd);
+        logcat = tmpl;
+        setenv("RLK_LOGCAT_FILE", tmpl, 1);
+        setenv("ORVEX_TEST_LOGCAT", tmpl, 1);
+    }
+    for (const char *value : {static_cast<const char *>(nullptr), "false", "1", "TRUE", "truex", "tru"}) {
+        SCOPED_TRACE(value ? value : "absent");
+        EXPECT_EXIT(untraced_child(value), testing::ExitedWithCode(0), "");
+    }
     EXPECT_EXIT(traced_child(), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(read_file(logcat_), "");
+    std::ifstream in(logcat);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
+              "0\t3\tORVEX\torvex_mem_init: ORVEX_MEM_TRACE_PROP not exist\n");
+    unlink(logcat.c_str());
+    unsetenv("RLK_LOGCAT_FILE");
+    unsetenv("ORVEX_TEST_LOGCAT");
 }
 
 TEST(OrvexMemDeathTest, CountOverflowAborts)

@@ -63,8 +63,9 @@ TEST(LogFormatTest, TwoDecimalsMatchPrintf)
  * next to a tie and find such faults in about one case of a hundred. */
 TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
 {
-    const double specials[] = {160.685, -47.455, 0.005,  0.015,   1.005,     2.675,    1e13 - 0.005, 9999999999999.995,
-                               0.125,   1e-300,  5e-324, -5e-324, 0.0049999, 0.00500001, 4503599627370495.5};
+    const double specials[] = {160.685,           -47.455, 0.005,  0.015,  1.005,   2.675,     1e13 - 0.005,
+                               9999999999999.995, 0.125,   1e-300, 5e-324, -5e-324, 0.0049999, 0.00500001,
+                               4503599627370495.5};
     for (double d : specials) EXPECT_TRUE(same("%.2f %.2f", d, -d)) << d;
     std::mt19937_64 rng(11);
     std::uniform_int_distribution<int64_t> thousandths(-10000000000LL, 10000000000LL);
@@ -88,7 +89,7 @@ TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
     }
 }
 
-TEST(LogFormatTest, IntegersStringsAndTheRest)
+TEST(LogFormatTest, IntegersStringsAndDigitCountBoundaries)
 {
     EXPECT_TRUE(same("%d %d %d %d", INT_MIN, INT_MAX, 0, -1));
     EXPECT_TRUE(same("%u %x %lu %ld %lx", UINT_MAX, 0xb193u, ULONG_MAX, LONG_MIN, 0xdeadbeeful));
@@ -96,10 +97,7 @@ TEST(LogFormatTest, IntegersStringsAndTheRest)
     /* Conversions it does not make itself go to the C library. */
     EXPECT_TRUE(same("%5d|%-8s|%08.3f|%e|%.1f|%p", 42, "ab", 3.14159, 2.5, 0.25, static_cast<void *>(nullptr)));
     EXPECT_TRUE(same("%s", ""));
-}
-
-TEST(LogFormatTest, DecimalsAtEveryDigitCountBoundary)
-{
+    /* Decimals at every digit count boundary. */
     for (unsigned long p = 1; p <= ULONG_MAX / 10; p *= 10) {
         for (unsigned long v : {p - 1, p, p + 1, 10 * p - 1}) {
             ASSERT_TRUE(same("%lu", v)) << v;

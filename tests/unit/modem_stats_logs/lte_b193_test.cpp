@@ -8,7 +8,7 @@
 
 #include "log_test_util.h"
 
-using log_test::fmt;
+using namespace log_test;
 
 namespace {
 
@@ -25,6 +25,17 @@ constexpr pos NO = {0, 0, 0};
 /* Measurement fields in the order rsrp rx0..3, measured rsrp, rsrq rx0..3,
  * measured rsrq, rssi rx0..3, max rssi, snr rx0..3. */
 constexpr int FIELDS = 19;
+struct fields {
+    pos f[FIELDS];
+};
+
+// clang-format off
+constexpr fields MULTI_CELL_A = {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10},
+    {36, 20, 10}, {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11},
+    {56, 0, 11}, {80, 0, 9}, {80, 9, 9}, {84, 0, 9}, {84, 9, 9}}};
+constexpr fields MULTI_CELL_B = {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10},
+    {36, 20, 10}, {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11},
+    {56, 0, 11}, {92, 0, 9}, {92, 9, 9}, {96, 0, 9}, {96, 9, 9}}};
 
 struct layout {
     int version;
@@ -35,50 +46,37 @@ struct layout {
     int cell_bytes;
     uint16_t pci_word; /* pci 0-8, serving index 9-11, serving flag 12 */
     bool has_srv_flag;
-    pos f[FIELDS];
+    fields f;
 };
 
-// clang-format off
 const layout LAYOUTS[] = {
     {4, 2, false, false, 0, 0, 2, false,
-     {{12, 10, 12}, {16, 12, 12}, NO, NO, {20, 12, 12}, {24, 12, 10}, {28, 0, 10}, NO, NO, {28, 20, 10},
-      {32, 10, 11}, {32, 21, 11}, NO, NO, {36, 0, 11}, {60, 0, 9}, {60, 9, 9}, NO, NO}},
+     {{{12, 10, 12}, {16, 12, 12}, NO, NO, {20, 12, 12}, {24, 12, 10}, {28, 0, 10}, NO, NO, {28, 20, 10},
+       {32, 10, 11}, {32, 21, 11}, NO, NO, {36, 0, 11}, {60, 0, 9}, {60, 9, 9}, NO, NO}}},
     {7, 4, false, false, 0, 0, 4, false,
-     {{16, 10, 12}, {20, 12, 12}, NO, NO, {24, 12, 12}, {28, 12, 10}, {32, 0, 10}, NO, NO, {32, 20, 10},
-      {36, 10, 11}, {36, 21, 11}, NO, NO, {40, 0, 11}, {64, 0, 9}, {64, 9, 9}, NO, NO}},
+     {{{16, 10, 12}, {20, 12, 12}, NO, NO, {24, 12, 12}, {28, 12, 10}, {32, 0, 10}, NO, NO, {32, 20, 10},
+       {36, 10, 11}, {36, 21, 11}, NO, NO, {40, 0, 11}, {64, 0, 9}, {64, 9, 9}, NO, NO}}},
     /* Rx1 RSSI and the combined RSSI share their bits in this layout. */
     {18, 4, false, false, 0, 0, 4, false,
-     {{21, 2, 11}, {25, 4, 11}, NO, NO, {29, 4, 11}, {33, 4, 9}, {37, 2, 10}, NO, NO, {37, 12, 10},
-      {41, 2, 11}, {41, 13, 11}, NO, NO, {41, 13, 11}, {68, 0, 9}, {68, 9, 9}, NO, NO}},
+     {{{21, 2, 11}, {25, 4, 11}, NO, NO, {29, 4, 11}, {33, 4, 9}, {37, 2, 10}, NO, NO, {37, 12, 10},
+       {41, 2, 11}, {41, 13, 11}, NO, NO, {41, 13, 11}, {68, 0, 9}, {68, 9, 9}, NO, NO}}},
     {19, 4, true, false, 0, 0, 8, true,
-     {{24, 10, 12}, {28, 12, 12}, NO, NO, {32, 12, 12}, {36, 12, 10}, {40, 0, 10}, NO, NO, {40, 20, 10},
-      {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}},
+     {{{24, 10, 12}, {28, 12, 12}, NO, NO, {32, 12, 12}, {36, 12, 10}, {40, 0, 10}, NO, NO, {40, 20, 10},
+       {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}}},
     {22, 4, true, false, 0, 0, 8, true,
-     {{24, 10, 12}, {28, 12, 12}, NO, NO, {36, 12, 12}, {40, 12, 10}, {44, 0, 10}, NO, NO, {48, 10, 10},
-      {52, 10, 11}, {52, 21, 11}, NO, NO, {60, 0, 11}, {84, 0, 9}, {84, 9, 9}, NO, NO}},
+     {{{24, 10, 12}, {28, 12, 12}, NO, NO, {36, 12, 12}, {40, 12, 10}, {44, 0, 10}, NO, NO, {48, 10, 10},
+       {52, 10, 11}, {52, 21, 11}, NO, NO, {60, 0, 11}, {84, 0, 9}, {84, 9, 9}, NO, NO}}},
     {24, 4, true, false, 0, 0, 8, true,
-     {{25, 3, 12}, {29, 4, 12}, NO, NO, {33, 4, 12}, {37, 4, 10}, {40, 0, 10}, NO, NO, {42, 4, 10},
-      {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}},
-    {35, 4, true, true, 8, 128, 0, true,
-     {{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10}, {36, 20, 10},
-      {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11},
-      {80, 0, 9}, {80, 9, 9}, {84, 0, 9}, {84, 9, 9}}},
-    {36, 4, true, true, 8, 128, 0, true,
-     {{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10}, {36, 20, 10},
-      {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11},
-      {80, 0, 9}, {80, 9, 9}, {84, 0, 9}, {84, 9, 9}}},
+     {{{25, 3, 12}, {29, 4, 12}, NO, NO, {33, 4, 12}, {37, 4, 10}, {40, 0, 10}, NO, NO, {42, 4, 10},
+       {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}}},
+    {35, 4, true, true, 8, 128, 0, true, MULTI_CELL_A},
+    {36, 4, true, true, 8, 128, 0, true, MULTI_CELL_A},
     {40, 4, true, true, 8, 132, 0, true,
-     {{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {32, 0, 12}, {32, 12, 12}, {40, 0, 10}, {40, 20, 10},
-      {44, 10, 10}, {44, 20, 10}, {48, 0, 10}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11}, {56, 11, 11}, {60, 0, 11},
-      {84, 0, 9}, {84, 9, 9}, {88, 0, 9}, {88, 9, 9}}},
-    {48, 4, true, true, 12, 140, 0, true,
-     {{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10}, {36, 20, 10},
-      {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11},
-      {92, 0, 9}, {92, 9, 9}, {96, 0, 9}, {96, 9, 9}}},
-    {50, 4, true, true, 12, 140, 0, true,
-     {{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10}, {36, 20, 10},
-      {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11},
-      {92, 0, 9}, {92, 9, 9}, {96, 0, 9}, {96, 9, 9}}},
+     {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {32, 0, 12}, {32, 12, 12}, {40, 0, 10}, {40, 20, 10},
+       {44, 10, 10}, {44, 20, 10}, {48, 0, 10}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11}, {56, 11, 11}, {60, 0, 11},
+       {84, 0, 9}, {84, 9, 9}, {88, 0, 9}, {88, 9, 9}}}},
+    {48, 4, true, true, 12, 140, 0, true, MULTI_CELL_B},
+    {50, 4, true, true, 12, 140, 0, true, MULTI_CELL_B},
 };
 // clang-format on
 
@@ -89,45 +87,41 @@ const layout LAYOUTS[] = {
 const uint32_t RAW[FIELDS] = {1280, 1288, 1296, 1304, 1288, 320, 312, 304, 296, 316,
                               640,  632,  624,  616,  648,  300, 305, 310, 315};
 constexpr uint32_t PAYLOAD_AT = 8;
-constexpr uint32_t EARFCN = 66486;
-constexpr uint32_t EARFCN_16 = 1850;
 constexpr uint32_t PCI = 301;
 constexpr uint32_t NEIGHBOUR_PCI = 11;
 
 bool four_chains(const layout &l)
 {
-    return l.f[2].width != 0;
+    return l.f.f[2].width != 0;
+}
+
+uint32_t earfcn(const layout &l)
+{
+    return l.earfcn_bytes == 2 ? 1850 : 66486;
 }
 
 /* Writes one cell at byte `cell`: PCI, serving index and flag, fields. */
-void put_cell(log_test::packet &p, const layout &l, uint32_t cell, uint32_t pci, uint32_t idx, bool serving,
-              uint32_t scale)
+void put_cell(packet &p, const layout &l, uint32_t cell, uint32_t pci, uint32_t idx, bool serving, uint32_t scale)
 {
     p.bits_at(cell + l.pci_word, 0, 9, pci).bits_at(cell + l.pci_word, 9, 3, idx);
     if (l.has_srv_flag) p.bits_at(cell + l.pci_word, 12, 1, serving ? 1 : 0);
+    const pos *f = l.f.f;
     for (int i = 0; i < FIELDS; i++) {
-        if (!l.f[i].width) continue;
         /* A combined RSSI that shares Rx1's bits holds Rx1's value. */
-        if (i == 14 && l.f[14].byte == l.f[11].byte && l.f[14].bit == l.f[11].bit) continue;
-        uint32_t raw = RAW[i] / scale;
-        if (i == 4 && four_chains(l)) raw = (RAW[i] - 640) / scale;
-        p.bits_at(cell + l.f[i].byte, l.f[i].bit, l.f[i].width, raw);
+        if (!f[i].width || (i == 14 && f[14].byte == f[11].byte && f[14].bit == f[11].bit)) continue;
+        uint32_t raw = (i == 4 && four_chains(l) ? RAW[i] - 640 : RAW[i]) / scale;
+        p.bits_at(cell + f[i].byte, f[i].bit, f[i].width, raw);
     }
 }
 
 /* A packet with one sub-packet: one serving cell (primary), or for the
  * multi-cell layouts a neighbour cell first and then a secondary serving
  * cell. */
-log_test::packet build(const layout &l)
+packet build(const layout &l)
 {
-    log_test::packet p;
-    p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, l.version);
+    packet p;
     uint32_t size = 4 + (l.cell_bytes ? l.cells_at + 2 * l.cell_bytes : 100);
-    p.u16(6, size);
-    if (l.earfcn_bytes == 2)
-        p.u16(PAYLOAD_AT, EARFCN_16);
-    else
-        p.u32(PAYLOAD_AT, EARFCN);
+    p.u8(0, 1).u8(1, 1).u8(4, 25).u8(5, l.version).u16(6, size).bits(PAYLOAD_AT * 8, l.earfcn_bytes * 8, earfcn(l));
     if (l.num_cells) p.u16(PAYLOAD_AT + 4, l.cell_bytes ? 2 : 1);
     if (l.rx_valid) p.u16(PAYLOAD_AT + 6, 0xF);
     if (!l.cell_bytes) {
@@ -136,45 +130,39 @@ log_test::packet build(const layout &l)
         put_cell(p, l, PAYLOAD_AT + l.cells_at, NEIGHBOUR_PCI, 0, false, 2);
         put_cell(p, l, PAYLOAD_AT + l.cells_at + l.cell_bytes, PCI, 1, true, 1);
     }
-    p.size(PAYLOAD_AT + size);
-    return p;
+    return p.size(PAYLOAD_AT + size);
 }
 
 std::string expected_out(const layout &l)
 {
     bool four = four_chains(l);
-    uint32_t earfcn = l.earfcn_bytes == 2 ? EARFCN_16 : EARFCN;
     int cells = l.cell_bytes ? 2 : 1;
     std::string out = fmt("subpacket_id = 25, version_ssmr = %d\n", l.version);
     const char *head =
-        "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, "
-        "num_cells = %d\n";
-    if (l.cell_bytes) out += fmt(head, earfcn, 15, NEIGHBOUR_PCI, 0, 0, cells);
-    out += fmt(head, earfcn, four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells);
-    out += "Serving Cell Measurement Result\n";
+        "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n";
+    if (l.cell_bytes) out += fmt(head, earfcn(l), 15, NEIGHBOUR_PCI, 0, 0, cells);
+    out +=
+        fmt(head, earfcn(l), four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells) + "Serving Cell Measurement Result\n";
     if (four) {
-        out +=
-            "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
-            "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
-            "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
-            "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
-            "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
-    } else {
-        out +=
-            "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
-            "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
-            "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
-            "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n";
-        out += fmt("avg_rsrp = -99.75, avg_rsrq = -10.25, max_rssi = %s\n", l.version == 18 ? "-70.50" : "-69.50");
+        return out +
+               "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
+               "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
+               "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
+               "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
+               "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
     }
-    return out;
+    return out +
+           "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
+           "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
+           "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
+           "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n" +
+           fmt("avg_rsrp = -99.75, avg_rsrq = -10.25, max_rssi = %s\n", l.version == 18 ? "-70.50" : "-69.50");
 }
 
-log_test::made_record expected_record(const layout &l)
+record expected_record(const layout &l)
 {
     bool four = four_chains(l);
-    log_test::record r;
-    r.u32(l.version).u32(l.earfcn_bytes == 2 ? EARFCN_16 : EARFCN).u16(PCI).u8(four ? 15 : 3);
+    packet r = packet().u32(l.version).u32(earfcn(l)).u16(PCI).u8(four ? 15 : 3);
     const float chains[4][4] = {{-100.0f, -10.0f, -70.0f, 10.0f},
                                 {-99.5f, -10.5f, -70.5f, 10.5f},
                                 {-99.0f, -11.0f, -71.0f, 11.0f},
@@ -182,51 +170,30 @@ log_test::made_record expected_record(const layout &l)
     for (int c = 0; c < 4; c++) {
         for (int k = 0; k < 4; k++) r.f32(four || c < 2 ? chains[c][k] : 65535.0f);
     }
-    return {l.cell_bytes ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT : MODEM_STATS_DATA_ID_LTE_SRV_MEAS, r.bytes()};
+    return {l.cell_bytes ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT : MODEM_STATS_DATA_ID_LTE_SRV_MEAS, r};
 }
 
 TEST(LteB193Test, EveryLayoutDecodesItsValues)
 {
-    for (const layout &l : LAYOUTS) {
-        std::string name = fmt("sub-packet version %d", l.version);
-        /* Cut inside the sub-packet size: two bytes needed, one left. */
-        log_test::expect_case(
-            {name.c_str(), CODE, build(l).bytes(), expected_out(l), {expected_record(l)}, 7, "subpacket_size", 1});
-    }
+    /* Cut inside the sub-packet size: two bytes needed, one left. */
+    for (const layout &l : LAYOUTS)
+        expect_log(CODE, build(l), expected_out(l), {expected_record(l)}, {7, "subpacket_size", 1});
 }
 
-TEST(LteB193Test, OtherSubPacketsAreSkippedBySize)
+TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
 {
     const layout &v19 = LAYOUTS[3];
-    log_test::packet inner = build(v19);
+    const std::vector<uint8_t> inner = build(v19);
     /* An unknown 12-byte sub-packet first, then the measurement. */
-    log_test::packet p;
-    p.u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12);
-    std::vector<uint8_t> rest(inner.bytes().begin() + 4, inner.bytes().end());
-    p.raw(16, rest);
-    log_test::run_result r = log_test::run_log(CODE, p.bytes());
-    EXPECT_EQ(r.out, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19));
-    ASSERT_EQ(r.records.size(), 1u);
-    EXPECT_EQ(r.records[0].bytes, expected_record(v19).bytes);
-}
+    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(
+        16, std::vector<uint8_t>(inner.begin() + 4, inner.end()));
+    expect_log(CODE, skipped, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19), {expected_record(v19)});
 
-TEST(LteB193Test, UnsupportedVersionsAreCounted)
-{
-    log_test::packet p = build(LAYOUTS[3]);
-    log_test::expect_refused(CODE, log_test::packet(p).u8(0, 2).bytes(), 2, log_test::parser_name(CODE));
+    expect_refused(CODE, build(v19).u8(0, 2), 2);
     /* A sub-packet layout nobody describes. */
-    log_test::expect_refused(CODE, log_test::packet(p).u8(5, 60).bytes(), 60, log_test::parser_name(CODE),
-                             "subpacket_id = 25, version_ssmr = 60\n");
-}
-
-TEST(LteB193Test, NoCellMakesNoRecord)
-{
-    log_test::packet p = build(LAYOUTS[6]);
-    p.u16(PAYLOAD_AT + 4, 0);
-    log_test::run_result r = log_test::run_log(CODE, p.bytes());
-    EXPECT_EQ(r.out, "subpacket_id = 25, version_ssmr = 35\nDATA_IS_NOT_VALID(0), name(" + log_test::parser_name(CODE) +
-                         "), id(0xb193)\n");
-    EXPECT_TRUE(r.records.empty());
+    expect_refused(CODE, build(v19).u8(5, 60), 60, "", "subpacket_id = 25, version_ssmr = 60\n");
+    expect_log(CODE, build(LAYOUTS[6]).u16(PAYLOAD_AT + 4, 0),
+               "subpacket_id = 25, version_ssmr = 35\n" + not_valid(0, CODE), {});
 }
 
 }  // namespace
