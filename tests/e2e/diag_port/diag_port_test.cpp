@@ -137,7 +137,7 @@ protected:
     sim_instance sim;
 };
 
-TEST_F(DiagPortTest, RlkOverThePortInEveryMode)
+TEST_F(DiagPortTest, RlkOverThePortInEveryModeAndAPortThatVanishesEndsTheWaitByItsTimeOut)
 {
     const char *ver = "\nrsp data len(3)\nrsp data: 0x1C 0x08 0x00\n";
     const char *dropped[] = {"stop waiting", "note: Error happen! error_code(1)"};
@@ -173,9 +173,22 @@ TEST_F(DiagPortTest, RlkOverThePortInEveryMode)
         sim.ctl_ok("diag clear");
     }
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "port 0 ee01") << "the commands went over the port";
+
+    /* A port that vanishes ends the wait by its time-out. */
+    sim.ctl_ok("diag delay 0x1c 5000");
+    rlk_run r;
+    std::thread waiter([&] { r = diag(0, 0, 1500, {"0x1C"}); });
+    /* The port goes once the command is in. */
+    for (long long end = monotonic_ms() + k_wait_ms; monotonic_ms() < end; usleep(2000)) {
+        if (has_text(sim.ctl("diag last 1"), "port 0 1c")) break;
+    }
+    sim.kill_hard();
+    waiter.join();
+    EXPECT_TRUE(exited_cleanly(r.status));
+    expect_all(r.out, {"stop waiting", "note: Error happen! error_code(1)"});
 }
 
-TEST_F(DiagPortTest, CommandsAreAnsweredWhileLogsAndEventsFlood)
+TEST_F(DiagPortTest, CommandsAreAnsweredWhileLogsAndEventsFloodAndAStuckReaderStallsNobody)
 {
     port_client noisy(sim.diag_port_path());
     ASSERT_GE(noisy.fd, 0);
@@ -202,6 +215,18 @@ TEST_F(DiagPortTest, CommandsAreAnsweredWhileLogsAndEventsFlood)
     /* What rlk read made room: the stream went on. */
     s = port_when([&](const std::string &st) { return counter(st, "log-packets") > before; });
     EXPECT_GT(counter(s, "log-packets"), before) << s;
+
+    /* Flooded past what it can hold, the port is stuck once it skips
+     * cycles; socket clients go on as before: the answer comes within rlk's
+     * own wait of 1 s. */
+    sim.ctl_ok("diag rate 100000");
+    port_when([](const std::string &st) { return !has_text(st, " skipped-cycles=0 "); });
+    rlk_run r = sim.run_rlk({"5", "0", "0", "0", "1000", "0x1C"});
+    EXPECT_TRUE(has_text(r.out, "\nrsp data: 0x1C 0x08 0x00\n")) << r.out;
+    EXPECT_FALSE(has_text(r.out, "stop waiting")) << r.out;
+    s = sim.ctl_ok("diag port");
+    EXPECT_TRUE(has_text(s, " reader=1 ")) << s;
+    EXPECT_FALSE(has_text(s, " skipped-cycles=0 ")) << s;
 }
 
 TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
@@ -293,40 +318,6 @@ TEST_F(DiagPortTest, APublicClientConfiguresThePortAndReadsTheScene)
     EXPECT_TRUE(has_text(port_unread(), " events=off logs=none ")) << sim.ctl("diag port");
     port_client next(sim.diag_port_path());
     EXPECT_TRUE(next.read_for(100).empty());
-}
-
-TEST_F(DiagPortTest, AReaderThatStopsReadingStallsNobody)
-{
-    port_client stuck(sim.diag_port_path());
-    ASSERT_GE(stuck.fd, 0);
-    sim.ctl_ok("diag rate 100000");
-    stuck.send(lte_mask({0xB193, 0xB97F, 0xB0C0}));
-    stuck.send({0x60, 1});
-    /* The port is stuck once it skips cycles. */
-    port_when([](const std::string &st) { return !has_text(st, " skipped-cycles=0 "); });
-    /* Socket clients go on as before: the answer comes within rlk's own
-     * wait of 1 s. */
-    rlk_run r = sim.run_rlk({"5", "0", "0", "0", "1000", "0x1C"});
-    EXPECT_TRUE(has_text(r.out, "\nrsp data: 0x1C 0x08 0x00\n")) << r.out;
-    EXPECT_FALSE(has_text(r.out, "stop waiting")) << r.out;
-    std::string s = sim.ctl_ok("diag port");
-    EXPECT_TRUE(has_text(s, " reader=1 ")) << s;
-    EXPECT_FALSE(has_text(s, " skipped-cycles=0 ")) << s;
-}
-
-TEST_F(DiagPortTest, APortThatVanishesEndsTheWaitByItsTimeOut)
-{
-    sim.ctl_ok("diag delay 0x1c 5000");
-    rlk_run r;
-    std::thread waiter([&] { r = diag(0, 0, 1500, {"0x1C"}); });
-    /* The port goes once the command is in. */
-    for (long long end = monotonic_ms() + k_wait_ms; monotonic_ms() < end; usleep(2000)) {
-        if (has_text(sim.ctl("diag last 1"), "port 0 1c")) break;
-    }
-    sim.kill_hard();
-    waiter.join();
-    EXPECT_TRUE(exited_cleanly(r.status));
-    expect_all(r.out, {"stop waiting", "note: Error happen! error_code(1)"});
 }
 
 TEST_F(DiagPortTest, ReplayLiveDecodesTheSceneAndTurnsItsMasksOffOnCtrlC)

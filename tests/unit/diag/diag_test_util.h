@@ -91,30 +91,22 @@ struct call_box {
 };
 
 /* Sets an environment variable until the end of the scope. */
-class scoped_env {
-public:
-    scoped_env(const char *name, const std::string &value) : name_(name)
+struct scoped_env {
+    const char *name;
+    bool had;
+    std::string old;
+    scoped_env(const char *n, const char *value) : name(n), had(getenv(n) != nullptr), old(had ? getenv(n) : "")
     {
-        const char *old = getenv(name);
-        had_ = old != nullptr;
-        if (had_) old_ = old;
-        setenv(name, value.c_str(), 1);
+        setenv(name, value, 1);
     }
     ~scoped_env()
     {
-        if (had_) {
-            setenv(name_, old_.c_str(), 1);
+        if (had) {
+            setenv(name, old.c_str(), 1);
         } else {
-            unsetenv(name_);
+            unsetenv(name);
         }
     }
-    scoped_env(const scoped_env &) = delete;
-    scoped_env &operator=(const scoped_env &) = delete;
-
-private:
-    const char *name_;
-    bool had_ = false;
-    std::string old_;
 };
 
 }  // namespace diag_test
