@@ -139,8 +139,9 @@ TEST_F(CmnCardTest, StatusSetDrivesPresenceInSimModeAndIsOnlyRecordedInGeneralMo
     expect_all(sim.run_rlk({"5", "3", "1", "1", "0"}).out,
                {"param(cnt: 3):\n 1 1 0tolvek_cmn_cmd_send, t: 57, l: 12\n",
                 "data: 39 00 00 00 10 00 00 00 00 00 00 00 01 00 00 00 01 00 00 00 00 00 00 00\n"});
-    expect_all(sim.run_rlk({"5", "1"}).out, {"tolvek_cmn_card_status_query\nparam(cnt: 0):\ntolvek_cmn_cmd_send, t: 39, l: 0\n",
-                                             "data: 27 00 00 00 08 00 00 00 01 00 00 00 00 00 00 00\n"});
+    expect_all(sim.run_rlk({"5", "1"}).out,
+               {"tolvek_cmn_card_status_query\nparam(cnt: 0):\ntolvek_cmn_cmd_send, t: 39, l: 0\n",
+                "data: 27 00 00 00 08 00 00 00 01 00 00 00 00 00 00 00\n"});
     /* No card in slot 1, so no type. */
     expect_all(sim.run_rlk({"5", "4"}).out,
                {"tolvek_cmn_card_type_query\n", "data: 38 00 00 00 08 00 00 00 01 00 00 00 00 00 00 00\n"});

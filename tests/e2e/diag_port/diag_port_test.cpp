@@ -108,7 +108,8 @@ protected:
     }
     rlk_run diag(int mode, int type, int time_out, const std::vector<std::string> &cmd)
     {
-        std::vector<std::string> args = {"5", "0", std::to_string(mode), std::to_string(type), std::to_string(time_out)};
+        std::vector<std::string> args = {"5", "0", std::to_string(mode), std::to_string(type),
+                                         std::to_string(time_out)};
         args.insert(args.end(), cmd.begin(), cmd.end());
         return sim.run_rlk(args, {"RLK_DIAG_DEVICE=" + sim.diag_port_path()});
     }

@@ -164,7 +164,8 @@ TEST_F(DiagSendStateTest, DciPiecesOf4096And100AreJoinedAndOnlyTheShortOneWakesT
     EXPECT_EQ(sem_value(), 0) << "a 4096-byte piece means more follow";
     tolvek_diag_cmd_response_by_dci(second.data(), int(second.size()), nullptr);
     EXPECT_EQ(sem_value(), 1);
-    expect_all(captured(), {"response, cmd_code = 0x4b, data_size = 4096", "response, cmd_code = 0x77, data_size = 100"});
+    expect_all(captured(),
+               {"response, cmd_code = 0x4b, data_size = 4096", "response, cmd_code = 0x77, data_size = 100"});
     first.insert(first.end(), second.begin(), second.end());
     EXPECT_EQ(stored(), first);
 }
