@@ -2,90 +2,31 @@
  * local and remote processors, DCI registration codes, asynchronous
  * responses and their pieces, stream records and the data signal. */
 #include <signal.h>
-#include <stdlib.h>
-#include <string.h>
 
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "diag_lsm.h"
 #include "diag_lsm_dci.h"
+#include "diag_test_util.h"
 #include "sim_fixture.h"
 
 namespace {
 
-using bytes = std::vector<uint8_t>;
+using diag_test::bytes;
+using diag_test::call_box;
+using diag_test::hex_of;
 
-constexpr int k_wait_ms = 3000;
 constexpr size_t k_dci_buf = 16384;
+const char k_status_idle[] = "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0";
 
-/* What the callbacks saw, in order. */
-struct call_box {
-    struct call {
-        bytes data;
-        void *ctx;
-        std::thread::id thread;
-    };
-    std::mutex mu;
-    std::condition_variable cv;
-    std::vector<call> calls;
+call_box *g_box = nullptr, *g_logs = nullptr, *g_events = nullptr;
 
-    void add(const unsigned char *p, int len, void *ctx)
-    {
-        std::lock_guard<std::mutex> lk(mu);
-        calls.push_back({bytes(p, p + len), ctx, std::this_thread::get_id()});
-        cv.notify_all();
-    }
-    bool wait_count(size_t n, int ms = k_wait_ms)
-    {
-        std::unique_lock<std::mutex> lk(mu);
-        return cv.wait_for(lk, std::chrono::milliseconds(ms), [&] { return calls.size() >= n; });
-    }
-    size_t count()
-    {
-        std::lock_guard<std::mutex> lk(mu);
-        return calls.size();
-    }
-};
-
-call_box *g_box = nullptr;
-
-int on_response(unsigned char *ptr, int len, void *ctx)
-{
-    g_box->add(ptr, len, ctx);
-    return 0;
-}
-
+int on_response(unsigned char *ptr, int len, void *ctx) { return g_box->add(ptr, len, ctx), 0; }
 void on_dci_response(unsigned char *ptr, int len, void *data) { g_box->add(ptr, len, data); }
-
-call_box *g_logs = nullptr;
-call_box *g_events = nullptr;
 void on_log(unsigned char *ptr, int len) { g_logs->add(ptr, len, nullptr); }
 void on_event(unsigned char *ptr, int len) { g_events->add(ptr, len, nullptr); }
-
-std::string hex_of(const bytes &b)
-{
-    static const char d[] = "0123456789abcdef";
-    std::string s;
-    for (uint8_t v : b) {
-        s += d[v >> 4];
-        s += d[v & 15];
-    }
-    return s;
-}
-
-bytes pattern(size_t n)
-{
-    bytes b(n);
-    for (size_t i = 0; i < n; i++) b[i] = uint8_t(i * 7 + 3);
-    b[0] = 0x4b;
-    return b;
-}
 
 class DiagHostTest : public testing::Test {
 protected:
@@ -102,24 +43,16 @@ protected:
         if (client_id) diag_release_dci_client(&client_id);
         Diag_LSM_DeInit();
     }
-
     void register_dci()
     {
         diag_dci_peripherals list = DIAG_CON_MPSS;
         ASSERT_EQ(diag_register_dci_client(&client_id, &list, DIAG_PROC_MSM, &os_signal), DIAG_DCI_NO_ERROR);
         ASSERT_GT(client_id, 0);
     }
-
-    /* Sends `cmd` as a DCI request and waits for `pieces` callbacks. */
-    void dci_exchange(const bytes &cmd, size_t pieces)
+    int send_dci(bytes cmd, void *data = nullptr, int rsp_len = int(k_dci_buf))
     {
-        bytes req = cmd;
-        ASSERT_EQ(diag_send_dci_async_req(client_id, req.data(), int(req.size()), rsp, int(sizeof(rsp)),
-                                          on_dci_response, &marker),
-                  DIAG_DCI_NO_ERROR);
-        ASSERT_TRUE(box.wait_count(pieces));
+        return diag_send_dci_async_req(client_id, cmd.data(), int(cmd.size()), rsp, rsp_len, on_dci_response, data);
     }
-
     sim_instance sim;
     call_box box, logs, events;
     int client_id = 0;
@@ -128,72 +61,68 @@ protected:
     unsigned char rsp[k_dci_buf];
 };
 
-TEST_F(DiagHostTest, CallbackModeResponseReachesTheLocalCallbackOnALibraryThread)
+/* Callback mode: argument and mode checks, and the local and remote
+ * processors answering through their own callbacks on a library thread. */
+TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
 {
-    int context = 0;
-    diag_register_callback(on_response, &context);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    unsigned char cmd[] = {0x1c};
-    ASSERT_EQ(diag_callback_send_data(MSM, cmd, sizeof(cmd)), 0);
-    ASSERT_TRUE(box.wait_count(1));
-    EXPECT_EQ(box.calls[0].data, (bytes{0x1c, 0x08, 0x00}));
-    EXPECT_EQ(box.calls[0].ctx, &context);
-    EXPECT_NE(box.calls[0].thread, std::this_thread::get_id());
-    EXPECT_EQ(sim.ctl_ok("diag last 1"), "cmd 0 1c");
-
-    unsigned char unknown[] = {0xf0, 0x7e, 0x7d};
-    ASSERT_EQ(diag_callback_send_data(MSM, unknown, sizeof(unknown)), 0);
-    ASSERT_TRUE(box.wait_count(2));
-    EXPECT_EQ(box.calls[1].data, (bytes{0x13, 0xf0, 0x7e, 0x7d})) << "BAD_CMD echoes the request";
-}
-
-TEST_F(DiagHostTest, CallbackSendRefusesBadArgumentsOtherModesAndALostLink)
-{
-    diag_register_callback(on_response, nullptr);
-    unsigned char cmd[] = {0x00};
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    EXPECT_EQ(diag_callback_send_data(-1, cmd, 1), -1);
-    EXPECT_EQ(diag_callback_send_data(NUM_PROC, cmd, 1), -1);
-    EXPECT_EQ(diag_callback_send_data(MDM, cmd, 1), -1) << "no remote processor present";
-    EXPECT_EQ(diag_callback_send_data(MSM, nullptr, 1), -1);
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 0), -1);
-    bytes huge(k_dci_buf + 1, 0);
-    EXPECT_EQ(diag_callback_send_data(MSM, huge.data(), int(huge.size())), -1);
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
-
-    sim.stop();
-    long long deadline = monotonic_ms() + k_wait_ms;
-    while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
-    EXPECT_EQ(Diag_LSM_DeInit(), FALSE) << "the lost link already ended the session";
-}
-
-TEST_F(DiagHostTest, RemoteProcessorsAnswerThroughTheirOwnCallbacks)
-{
+    /* A session closed normally leaves the next one fresh (one ended by a
+     * lost link, as earlier tests end theirs, keeps its mode). */
+    ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
+    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
     uint16 mask = 0xFFFF;
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0);
+    int local = 0, mdm = 1, fifth = 5;
+    diag_register_callback(on_response, &local);
+    unsigned char cmd[] = {0x1c};
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
+    diag_switch_logging(CALLBACK_MODE, nullptr);
+    bytes huge(k_dci_buf + 1, 0);
+    const struct {
+        int proc;
+        unsigned char *buf;
+        int len;
+    } refused[] = {{-1, cmd, 1}, {NUM_PROC, cmd, 1}, {MDM, cmd, 1} /* no remote processor */, {MSM, nullptr, 1},
+                   {MSM, cmd, 0}, {MSM, huge.data(), int(huge.size())}};
+    for (const auto &r : refused) EXPECT_EQ(diag_callback_send_data(r.proc, r.buf, r.len), -1) << r.proc << r.len;
 
+    unsigned char unknown[] = {0xf0, 0x7e, 0x7d};
+    ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    ASSERT_EQ(diag_callback_send_data(MSM, unknown, 3), 0);
     sim.ctl_ok("diag remote-mask 0x22");
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0x22);
-    int local = 0, mdm = 1, fifth = 5;
-    diag_register_callback(on_response, &local);
     diag_register_remote_callback(on_response, MDM, &mdm);
     diag_register_remote_callback(on_response, 5, &fifth);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
+    unsigned char esn[] = {0x01};
+    ASSERT_EQ(diag_callback_send_data(5, esn, 1), 0);
+    ASSERT_EQ(diag_callback_send_data(MDM, esn, 1), 0);
+    EXPECT_EQ(diag_callback_send_data(MDM_2, esn, 1), -1) << "bit 2 is not in 0x22";
+    std::vector<call_box::call> calls = box.wait(4);
+    ASSERT_EQ(calls.size(), 4u);
+    EXPECT_EQ(calls[0].data, (bytes{0x1c, 0x08, 0x00}));
+    EXPECT_EQ(calls[1].data, (bytes{0x13, 0xf0, 0x7e, 0x7d})) << "BAD_CMD echoes the request";
+    std::vector<void *> contexts;
+    for (const call_box::call &c : calls) {
+        contexts.push_back(c.ctx);
+        EXPECT_NE(c.thread, std::this_thread::get_id());
+    }
+    EXPECT_EQ(contexts, (std::vector<void *>{&local, &local, &fifth, &mdm}));
+    EXPECT_EQ(calls[3].data.at(0), 0x01);
+    EXPECT_EQ(sim.ctl_ok("diag last 4"), "cmd 0 1c\ncmd 0 f07e7d\ncmd 5 01\ncmd 1 01");
+}
 
-    unsigned char cmd[] = {0x01};
-    ASSERT_EQ(diag_callback_send_data(5, cmd, 1), 0);
-    ASSERT_TRUE(box.wait_count(1));
-    ASSERT_EQ(diag_callback_send_data(MDM, cmd, 1), 0);
-    ASSERT_TRUE(box.wait_count(2));
-    EXPECT_EQ(box.calls[0].ctx, &fifth);
-    EXPECT_EQ(box.calls[1].ctx, &mdm);
-    EXPECT_EQ(box.calls[1].data.at(0), 0x01);
-    EXPECT_EQ(diag_callback_send_data(MDM_2, cmd, 1), -1) << "bit 2 is not in 0x22";
-    EXPECT_EQ(sim.ctl_ok("diag last 2"), "cmd 5 01\ncmd 1 01");
+TEST_F(DiagHostTest, ALostLinkEndsTheSession)
+{
+    diag_register_callback(on_response, nullptr);
+    diag_switch_logging(CALLBACK_MODE, nullptr);
+    unsigned char cmd[] = {0x1c};
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    sim.stop();
+    long long deadline = monotonic_ms() + 3000;
+    while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
+    EXPECT_EQ(Diag_LSM_DeInit(), FALSE) << "the lost link already ended the session";
 }
 
 TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
@@ -208,7 +137,7 @@ TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
     diag_switch_logging(CALLBACK_MODE, nullptr);
     unsigned char cmd[] = {0x0c};
     ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
-    ASSERT_TRUE(box.wait_count(1));
+    ASSERT_EQ(box.wait(1).size(), 1u);
     EXPECT_EQ(closed.load(), TRUE);
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
     ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
@@ -218,38 +147,30 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
 {
     register_dci();
     static int *s_client = nullptr;
-    static std::atomic<int> s_released{0};
-    static std::atomic<int> s_mask_rc{0};
+    static std::atomic<int> s_released{0}, s_mask_rc{0};
     s_client = &client_id;
     unsigned char cmd[] = {0x1c};
     long long start = monotonic_ms();
-    ASSERT_EQ(diag_send_dci_async_req(
-                  client_id, cmd, 1, rsp, int(sizeof(rsp)),
-                  [](unsigned char *p, int len, void *data) {
-                      uint16 mask = 0;
-                      s_mask_rc = diag_has_remote_device(&mask);
-                      s_released = diag_release_dci_client(s_client);
-                      on_dci_response(p, len, data);
-                  },
-                  &marker),
-              DIAG_DCI_NO_ERROR);
-    ASSERT_TRUE(box.wait_count(1));
+    auto release = [](unsigned char *p, int len, void *data) {
+        uint16 mask = 0;
+        s_mask_rc = diag_has_remote_device(&mask);
+        s_released = diag_release_dci_client(s_client);
+        on_dci_response(p, len, data);
+    };
+    ASSERT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, int(sizeof(rsp)), release, &marker), DIAG_DCI_NO_ERROR);
+    ASSERT_EQ(box.wait(1).size(), 1u);
     EXPECT_EQ(s_released.load(), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(s_mask_rc.load(), 1) << "the mask last learnt";
     EXPECT_EQ(client_id, 0);
     EXPECT_LT(monotonic_ms() - start, 1000) << "no session op waited for its own thread";
-    long long deadline = monotonic_ms() + k_wait_ms;
-    while (sim.ctl_ok("diag status").find("dci_clients=0") == std::string::npos && monotonic_ms() < deadline) {
-        std::this_thread::yield();
-    }
-    EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0");
+    long long deadline = monotonic_ms() + 3000;
+    while (sim.ctl_ok("diag status") != k_status_idle && monotonic_ms() < deadline) std::this_thread::yield();
+    EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
 }
 
 TEST(DiagHostNoSimulator, InitFailsAndDciCannotRegister)
 {
-    const char *before = getenv("RLK_MODEMD_SOCKET");
-    std::string saved = before ? before : "";
-    setenv("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock", 1);
+    diag_test::scoped_env socket("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock");
     EXPECT_EQ(Diag_LSM_Init(nullptr), FALSE);
     EXPECT_EQ(Diag_LSM_DeInit(), FALSE);
     int id = 0, sig = 18;
@@ -259,11 +180,6 @@ TEST(DiagHostNoSimulator, InitFailsAndDciCannotRegister)
     uint16 mask = 7;
     EXPECT_EQ(diag_has_remote_device(&mask), 0);
     EXPECT_EQ(mask, 0);
-    if (before) {
-        setenv("RLK_MODEMD_SOCKET", saved.c_str(), 1);
-    } else {
-        unsetenv("RLK_MODEMD_SOCKET");
-    }
 }
 
 TEST_F(DiagHostTest, DciRegistrationCodes)
@@ -273,8 +189,7 @@ TEST_F(DiagHostTest, DciRegistrationCodes)
     EXPECT_EQ(diag_register_dci_client(nullptr, &list, DIAG_PROC_MSM, &os_signal), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, nullptr), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(diag_register_dci_client(&id, &list, 2, &os_signal), DIAG_DCI_PARAM_FAIL);
-    EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MDM, &os_signal), DIAG_DCI_NOT_SUPPORTED)
-        << "no MDM present";
+    EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MDM, &os_signal), DIAG_DCI_NOT_SUPPORTED) << "no MDM";
     register_dci();
     EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, &os_signal), DIAG_DCI_DUP_CLIENT);
     EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=1");
@@ -294,78 +209,74 @@ TEST_F(DiagHostTest, DciRegistrationCodes)
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_signal_data(released, SIGRTMIN + 30), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_stream_proc(released, on_log, on_event), DIAG_DCI_NO_REG);
-    unsigned char cmd[] = {0x1c};
-    EXPECT_EQ(diag_send_dci_async_req(released, cmd, 1, rsp, int(sizeof(rsp)), on_dci_response, nullptr),
-              DIAG_DCI_NO_REG);
-    EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0");
+    client_id = released;
+    EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_NO_REG);
+    client_id = 0;
+    EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
 }
 
 TEST_F(DiagHostTest, DciClientOpensTheLinkItselfAndIsReleasedAfterTheSessionCloses)
 {
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     register_dci();
-    dci_exchange({0x1c}, 1);
-    EXPECT_EQ(box.calls[0].data, (bytes{0x1c, 0x08, 0x00}));
+    ASSERT_EQ(send_dci({0x1c}), DIAG_DCI_NO_ERROR);
+    std::vector<call_box::call> calls = box.wait(1);
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].data, (bytes{0x1c, 0x08, 0x00}));
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
-    unsigned char cmd[] = {0x1c};
-    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, int(sizeof(rsp)), on_dci_response, nullptr),
-              DIAG_DCI_SEND_DATA_FAIL);
+    EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_SEND_DATA_FAIL);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(client_id, 0);
 }
 
-TEST_F(DiagHostTest, AsyncResponseArrivesWithTheCallersDataPointer)
+/* Argument checks, then answers with the caller's data pointer on a library
+ * thread, copied into its buffer, in pieces of at most 4096 bytes (or of
+ * the piece size the simulator is set to). */
+TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
 {
     register_dci();
     unsigned char cmd[] = {0x7c};
-    EXPECT_EQ(diag_send_dci_async_req(client_id, nullptr, 1, rsp, 10, on_dci_response, nullptr),
-              DIAG_DCI_PARAM_FAIL);
+    EXPECT_EQ(diag_send_dci_async_req(client_id, nullptr, 1, rsp, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 0, rsp, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
-    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, nullptr, 10, on_dci_response, nullptr),
-              DIAG_DCI_PARAM_FAIL);
+    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, nullptr, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, 10, nullptr, nullptr), DIAG_DCI_PARAM_FAIL);
-    bytes huge(k_dci_buf + 1, 0x4b);
-    EXPECT_EQ(diag_send_dci_async_req(client_id, huge.data(), int(huge.size()), rsp, 10, on_dci_response, nullptr),
-              DIAG_DCI_HUGE_PACKET);
+    EXPECT_EQ(send_dci(bytes(k_dci_buf + 1, 0x4b), nullptr, 10), DIAG_DCI_HUGE_PACKET);
 
-    dci_exchange({0x7c}, 1);
-    EXPECT_EQ(box.calls[0].ctx, &marker);
-    EXPECT_NE(box.calls[0].thread, std::this_thread::get_id());
-    ASSERT_GT(box.calls[0].data.size(), 12u);
-    EXPECT_EQ(box.calls[0].data[0], 0x7c);
-    EXPECT_EQ(bytes(rsp, rsp + box.calls[0].data.size()), box.calls[0].data) << "copied into the caller's buffer";
+    ASSERT_EQ(send_dci({0x7c}, &marker), DIAG_DCI_NO_ERROR);
+    std::vector<bytes> got = box.take(1, 3000);
+    ASSERT_EQ(got.size(), 1u);
+    ASSERT_GT(got[0].size(), 12u);
+    EXPECT_EQ(got[0][0], 0x7c);
+    EXPECT_EQ(bytes(rsp, rsp + got[0].size()), got[0]) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
-}
 
-TEST_F(DiagHostTest, LongResponsesArriveInPiecesOfAtMost4096Bytes)
-{
-    register_dci();
-    struct piece_case {
+    const struct {
         size_t total;
         const char *piece_ctl;
         std::vector<size_t> pieces;
+    } cases[] = {
+        {4196, nullptr, {4096, 100}}, {8192, nullptr, {4096, 4096}}, {100, nullptr, {100}},
+        {8192, "diag dci-piece 16384", {4096, 4096}}, {2500, "diag dci-piece 1000", {1000, 1000, 500}},
     };
-    const piece_case cases[] = {
-        {4196, nullptr, {4096, 100}},
-        {8192, nullptr, {4096, 4096}},
-        {100, nullptr, {100}},
-        {8192, "diag dci-piece 16384", {4096, 4096}},
-        {2500, "diag dci-piece 1000", {1000, 1000, 500}},
-    };
-    for (const piece_case &c : cases) {
+    for (const auto &c : cases) {
         SCOPED_TRACE(c.total);
-        box.calls.clear();
         if (c.piece_ctl) sim.ctl_ok(c.piece_ctl);
-        bytes reply = pattern(c.total);
+        bytes reply(c.total);
+        for (size_t i = 0; i < c.total; i++) reply[i] = uint8_t(i * 7 + 3);
+        reply[0] = 0x4b;
         sim.ctl_ok("diag reply 0x4b " + hex_of(reply));
-        dci_exchange({0x4b, 0x12, 0x00, 0x00}, c.pieces.size());
-        ASSERT_EQ(box.calls.size(), c.pieces.size());
+        ASSERT_EQ(send_dci({0x4b, 0x12, 0x00, 0x00}, &marker), DIAG_DCI_NO_ERROR);
+        std::vector<call_box::call> calls = box.wait(c.pieces.size());
+        std::vector<size_t> sizes;
         bytes joined;
-        for (size_t i = 0; i < c.pieces.size(); i++) {
-            EXPECT_EQ(box.calls[i].data.size(), c.pieces[i]);
-            EXPECT_EQ(box.calls[i].ctx, &marker);
-            joined.insert(joined.end(), box.calls[i].data.begin(), box.calls[i].data.end());
+        for (const call_box::call &p : calls) {
+            sizes.push_back(p.data.size());
+            EXPECT_EQ(p.ctx, &marker);
+            EXPECT_NE(p.thread, std::this_thread::get_id());
+            joined.insert(joined.end(), p.data.begin(), p.data.end());
         }
+        box.take(0, 0);
+        EXPECT_EQ(sizes, c.pieces);
         EXPECT_EQ(joined, reply);
     }
 }
@@ -381,9 +292,10 @@ TEST_F(DiagHostTest, StreamRecordsReachTheirCallbacksAndRaiseOnlyAHandledSignal)
     ASSERT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
     const bytes log = {0x14, 0x00, 0x6d, 0xb1, 1, 2, 3, 4, 5, 6, 7, 8, 0x7e, 0x7d, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
     EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "ok 1");
-    ASSERT_TRUE(logs.wait_count(1));
-    EXPECT_EQ(logs.calls[0].data, log);
-    EXPECT_NE(logs.calls[0].thread, std::this_thread::get_id());
+    std::vector<call_box::call> got = logs.wait(1);
+    ASSERT_EQ(got.size(), 1u);
+    EXPECT_EQ(got[0].data, log);
+    EXPECT_NE(got[0].thread, std::this_thread::get_id());
 
     g_signals = 0;
     struct sigaction sa = {}, old = {};
@@ -391,11 +303,10 @@ TEST_F(DiagHostTest, StreamRecordsReachTheirCallbacksAndRaiseOnlyAHandledSignal)
     ASSERT_EQ(sigaction(SIGRTMIN + 30, &sa, &old), 0);
     const bytes event = {0x01, 0x00, 0x12, 0x34};
     EXPECT_EQ(sim.ctl("diag event " + hex_of(event)), "ok 1");
-    ASSERT_TRUE(events.wait_count(1));
-    EXPECT_EQ(events.calls[0].data, event);
+    EXPECT_EQ(events.take(1, 3000), std::vector<bytes>{event});
     EXPECT_EQ(g_signals.load(), 1) << "raised once, before the callback, on the library thread";
     sigaction(SIGRTMIN + 30, &old, nullptr);
-    EXPECT_EQ(logs.count(), 1u);
+    EXPECT_EQ(logs.take(1, 0).size(), 1u);
 
     ASSERT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "error no DCI client");

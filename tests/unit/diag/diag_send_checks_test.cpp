@@ -4,25 +4,18 @@
 #include <errno.h>
 #include <pthread.h>
 #include <semaphore.h>
-#include <string.h>
 #include <time.h>
-
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "diag_test_util.h"
 #include "tolvek_diag_internal.h"
 
 namespace {
 
-using bytes = std::vector<uint8_t>;
-
-std::string captured()
-{
-    fflush(stdout);
-    return testing::internal::GetCapturedStdout();
-}
+using diag_test::bytes;
+using diag_test::captured;
+using diag_test::expect_all;
 
 int sem_value()
 {
@@ -31,14 +24,21 @@ int sem_value()
     return v;
 }
 
-/* Waits at most `ms` for one post of the response semaphore. */
-bool sem_wait_ms(int ms)
+/* The realtime clock `ms` from now. */
+struct timespec realtime_in(int ms)
 {
     struct timespec ts;
     clock_gettime(CLOCK_REALTIME, &ts);
     ts.tv_nsec += long(ms % 1000) * 1000000L;
     ts.tv_sec += ms / 1000 + ts.tv_nsec / 1000000000L;
     ts.tv_nsec %= 1000000000L;
+    return ts;
+}
+
+/* Waits at most `ms` for one post of the response semaphore. */
+bool sem_wait_ms(int ms)
+{
+    struct timespec ts = realtime_in(ms);
     return sem_timedwait(&g_diag_rsp_sem, &ts) == 0;
 }
 
@@ -50,7 +50,8 @@ bytes piece(size_t n, uint8_t first)
     return b;
 }
 
-/* A fresh semaphore and an empty response per test, restored after. */
+/* A fresh semaphore, an empty response and a fast wait tick per test,
+ * restored after. */
 class DiagSendStateTest : public testing::Test {
 protected:
     void SetUp() override
@@ -58,7 +59,7 @@ protected:
         tolvek_diag_rsp_buf_clear();
         sem_init(&g_diag_rsp_sem, 0, 0);
         saved_tick_ = g_diag_wait_tick_us;
-        g_diag_wait_tick_us = k_fast_tick_us;
+        g_diag_wait_tick_us = 2000;
     }
     void TearDown() override
     {
@@ -93,7 +94,6 @@ protected:
         pthread_mutex_unlock(&g_diag_rsp_mutex);
         return b;
     }
-    static constexpr uint32_t k_fast_tick_us = 2000;
     uint32_t saved_tick_ = 0;
 };
 
@@ -107,65 +107,53 @@ TEST(DiagNames, OnlyTheLowestMaskBitIsNamedAndChannelsBeyondTwoAreUnknown)
         {0xFFC0, ""},
     };
     for (const auto &m : masks) EXPECT_STREQ(tolvek_print_diag_mask_name(m.mask), m.name) << m.mask;
-    EXPECT_STREQ(tolvek_diag_channel_name(0), "MSM");
-    EXPECT_STREQ(tolvek_diag_channel_name(2), "MDM_2");
-    EXPECT_STREQ(tolvek_diag_channel_name(3), "Unknown");
-    EXPECT_STREQ(tolvek_diag_channel_name(-1), "Unknown");
+    const char *channels[] = {"Unknown", "MSM", "MDM", "MDM_2", "Unknown"};
+    for (int ch = -1; ch <= 3; ch++) EXPECT_STREQ(tolvek_diag_channel_name(ch), channels[ch + 1]) << ch;
 }
 
 TEST(DiagChecks, CommandLengthsFromOneTo4096PassAndOthersAreRefusedWithTheirLength)
 {
     bytes cmd(TOLVEK_DIAG_CMD_MAX_LEN + 1, 0x1C);
     const struct {
+        const unsigned char *data;
         int len;
         int result;
         const char *line;
     } cases[] = {
-        {4096, 0, "diag_comand, data_len = 4096"},
-        {1, 0, "data hex show, len(1), data: 1C"},
-        {4097, 1, "Invalid input parameter, data_len = 4097"},
-        {0, 1, "Invalid input parameter, data_len = 0"},
-        {-1, 1, "Invalid input parameter, data_len = -1"},
+        {cmd.data(), 4096, 0, "diag_comand, data_len = 4096"},
+        {cmd.data(), 1, 0, "data hex show, len(1), data: 1C"},
+        {cmd.data(), 4097, 1, "Invalid input parameter, data_len = 4097"},
+        {cmd.data(), 0, 1, "Invalid input parameter, data_len = 0"},
+        {cmd.data(), -1, 1, "Invalid input parameter, data_len = -1"},
+        {nullptr, 1, 1, "data is null"},
     };
     for (const auto &c : cases) {
         testing::internal::CaptureStdout();
-        EXPECT_EQ(tolvek_diag_comand_input_check(cmd.data(), c.len), c.result) << c.len;
-        EXPECT_NE(captured().find(c.line), std::string::npos) << c.line;
+        EXPECT_EQ(tolvek_diag_comand_input_check(const_cast<unsigned char *>(c.data), c.len), c.result) << c.len;
+        expect_all(captured(), {c.line});
     }
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(tolvek_diag_comand_input_check(nullptr, 1), 1);
-    EXPECT_NE(captured().find("data is null"), std::string::npos);
 }
 
 TEST(DiagChecks, ReplyBufferAndResponseChecks)
 {
     unsigned char buf[4] = {0x4B, 1, 2, 3};
     int len = 0;
+    int one = 1;
+    bytes big(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x4B);
+    int32_t remote = 1;
     testing::internal::CaptureStdout();
     EXPECT_EQ(tolvek_diag_comand_output_check(nullptr, &len), 1);
     EXPECT_EQ(tolvek_diag_comand_output_check(buf, nullptr), 1);
     EXPECT_EQ(tolvek_diag_comand_output_check(buf, &len), 1);
-    len = 1;
-    EXPECT_EQ(tolvek_diag_comand_output_check(buf, &len), 0);
-    std::string out = captured();
-    for (const char *line : {"reply_buf is null", "p_reply_len is null", "Invalid output parameter, reply_len = 0",
-                             "reply_len = 1"}) {
-        EXPECT_NE(out.find(line), std::string::npos) << line;
-    }
-
-    bytes big(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x4B);
-    int32_t remote = 1;
-    testing::internal::CaptureStdout();
+    EXPECT_EQ(tolvek_diag_comand_output_check(buf, &one), 0);
     EXPECT_EQ(tolvek_diag_cmd_response_check(big.data(), TOLVEK_DIAG_RSP_MAX_LEN, &remote), 0);
     EXPECT_EQ(tolvek_diag_cmd_response_check(big.data(), TOLVEK_DIAG_RSP_MAX_LEN + 1, nullptr), 1);
     EXPECT_EQ(tolvek_diag_cmd_response_check(big.data(), 0, &remote), 1);
     EXPECT_EQ(tolvek_diag_cmd_response_check(nullptr, 3, &remote), 1);
-    out = captured();
-    for (const char *line : {"response from 1[MDM], len = 10240", "context_data is null",
-                             "response from -1[Unknown], len = 10241", "Invalid parameter, len = 10241",
-                             "Invalid parameter, len = 0", "ptr is null"}) {
-        EXPECT_NE(out.find(line), std::string::npos) << line;
-    }
+    expect_all(captured(), {"reply_buf is null", "p_reply_len is null", "Invalid output parameter, reply_len = 0",
+                            "reply_len = 1", "response from 1[MDM], len = 10240", "context_data is null",
+                            "response from -1[Unknown], len = 10241", "Invalid parameter, len = 10241",
+                            "Invalid parameter, len = 0", "ptr is null"});
 }
 
 TEST_F(DiagSendStateTest, DciPiecesOf4096And100AreJoinedAndOnlyTheShortOneWakesTheCaller)
@@ -176,32 +164,25 @@ TEST_F(DiagSendStateTest, DciPiecesOf4096And100AreJoinedAndOnlyTheShortOneWakesT
     EXPECT_EQ(sem_value(), 0) << "a 4096-byte piece means more follow";
     tolvek_diag_cmd_response_by_dci(second.data(), int(second.size()), nullptr);
     EXPECT_EQ(sem_value(), 1);
-    std::string out = captured();
-    EXPECT_NE(out.find("response, cmd_code = 0x4b, data_size = 4096"), std::string::npos);
-    EXPECT_NE(out.find("response, cmd_code = 0x77, data_size = 100"), std::string::npos);
-
-    bytes joined = first;
-    joined.insert(joined.end(), second.begin(), second.end());
-    EXPECT_EQ(stored(), joined);
-    EXPECT_EQ(stored().size(), 4196u);
+    expect_all(captured(),
+               {"response, cmd_code = 0x4b, data_size = 4096", "response, cmd_code = 0x77, data_size = 100"});
+    first.insert(first.end(), second.begin(), second.end());
+    EXPECT_EQ(stored(), first);
 }
 
 TEST_F(DiagSendStateTest, RefusedResponsesLeaveTheStoredOneAndTheSemaphoreAlone)
 {
-    bytes ok = piece(10, 0x1C), too_long = piece(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D);
+    bytes ok = piece(10, 0x1C), too_long = piece(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D), other = piece(4, 0x00);
     int32_t local = 0;
     testing::internal::CaptureStdout();
     EXPECT_EQ(tolvek_diag_cmd_response_by_callback(ok.data(), int(ok.size()), &local), 0);
     EXPECT_EQ(tolvek_diag_cmd_response_by_callback(too_long.data(), int(too_long.size()), &local), 1);
     tolvek_diag_cmd_response_by_dci(too_long.data(), int(too_long.size()), nullptr);
-    std::string out = captured();
-    EXPECT_NE(out.find("callback, cmd_code = 0x1c, data_size = 10"), std::string::npos);
-    EXPECT_NE(out.find("tolvek_diag_cmd_response_check fail"), std::string::npos);
+    expect_all(captured(), {"callback, cmd_code = 0x1c, data_size = 10", "tolvek_diag_cmd_response_check fail"});
     EXPECT_EQ(stored(), ok);
     EXPECT_EQ(sem_value(), 1);
 
     /* Callback mode replaces what was stored. */
-    bytes other = piece(4, 0x00);
     testing::internal::CaptureStdout();
     tolvek_diag_cmd_response_by_callback(other.data(), int(other.size()), &local);
     captured();
@@ -211,21 +192,17 @@ TEST_F(DiagSendStateTest, RefusedResponsesLeaveTheStoredOneAndTheSemaphoreAlone)
      * mutex: while the mutex is taken, even a refused piece waits. */
     pthread_mutex_lock(&g_diag_rsp_mutex);
     pthread_t t;
-    unsigned char *refused = too_long.data();
     testing::internal::CaptureStdout();
-    pthread_create(&t, nullptr, [](void *p) -> void * {
+    auto refuse = [](void *p) -> void * {
         tolvek_diag_cmd_response_by_dci(static_cast<unsigned char *>(p), TOLVEK_DIAG_RSP_MAX_LEN + 1, nullptr);
         return nullptr;
-    }, refused);
-    struct timespec soon;
-    clock_gettime(CLOCK_REALTIME, &soon);
-    soon.tv_nsec += 50 * 1000000L;
-    soon.tv_sec += soon.tv_nsec / 1000000000L;
-    soon.tv_nsec %= 1000000000L;
+    };
+    pthread_create(&t, nullptr, refuse, too_long.data());
+    struct timespec soon = realtime_in(50);
     EXPECT_EQ(pthread_timedjoin_np(t, nullptr, &soon), ETIMEDOUT) << "the check ran outside the mutex";
     pthread_mutex_unlock(&g_diag_rsp_mutex);
     pthread_join(t, nullptr);
-    EXPECT_NE(captured().find("tolvek_diag_cmd_response_check fail"), std::string::npos);
+    expect_all(captured(), {"tolvek_diag_cmd_response_check fail"});
     EXPECT_EQ(stored(), other);
 }
 
@@ -238,9 +215,8 @@ TEST_F(DiagSendStateTest, WaitThreadEndsAWaitOnlyAtItsLimit)
     ASSERT_TRUE(sem_wait_ms(2000));
     std::string out = captured();
     EXPECT_EQ(timed_out(), 1);
-    EXPECT_NE(out.find("cnt_of_100ms = 3"), std::string::npos);
-    EXPECT_EQ(out.find("cnt_of_100ms = 4"), std::string::npos);
-    EXPECT_NE(out.find("stop waiting"), std::string::npos);
+    expect_all(out, {"cnt_of_100ms = 3", "stop waiting"});
+    EXPECT_FALSE(diag_test::has(out, "cnt_of_100ms = 4"));
 
     /* Exactly 8192 bytes in two full pieces: no callback posted, the wait
      * thread ends the wait as a success. */
@@ -255,8 +231,7 @@ TEST_F(DiagSendStateTest, WaitThreadEndsAWaitOnlyAtItsLimit)
     EXPECT_EQ(sem_value(), 0);
     ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
     ASSERT_TRUE(sem_wait_ms(2000));
-    out = captured();
-    EXPECT_NE(out.find("stop waiting, receive success, length is times of 4096"), std::string::npos);
+    expect_all(captured(), {"stop waiting, receive success, length is times of 4096"});
     EXPECT_EQ(timed_out(), 0);
     EXPECT_EQ(stored().size(), 8192u);
 }
@@ -279,7 +254,7 @@ TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
     std::string out = captured();
     EXPECT_EQ(left, 0);
     EXPECT_EQ(timed_out(), 0);
-    EXPECT_EQ(out.find("cnt_of_100ms"), std::string::npos);
+    EXPECT_FALSE(diag_test::has(out, "cnt_of_100ms"));
 }
 
 }  // namespace

@@ -4,57 +4,24 @@
  * the same frames; the lock; a port that goes away. */
 #include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/file.h>
-#include <termios.h>
 #include <unistd.h>
-
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "diag_lsm.h"
 #include "diag_lsm_dci.h"
-#include "hdlc.h"
+#include "diag_test_util.h"
 
 namespace {
 
-using bytes = std::vector<uint8_t>;
+using diag_test::bytes;
+using diag_test::frame;
 
-struct answers {
-    std::mutex mu;
-    std::condition_variable cv;
-    std::vector<bytes> got;
-    void add(const unsigned char *p, int len)
-    {
-        std::lock_guard<std::mutex> lk(mu);
-        got.emplace_back(p, p + len);
-        cv.notify_all();
-    }
-    /* What arrived once `n` answers did or `ms` passed. */
-    std::vector<bytes> wait(size_t n, int ms)
-    {
-        std::unique_lock<std::mutex> lk(mu);
-        cv.wait_for(lk, std::chrono::milliseconds(ms), [&] { return got.size() >= n; });
-        std::vector<bytes> out = got;
-        got.clear();
-        return out;
-    }
-} g_answers;
+diag_test::call_box g_answers;
 
-int on_answer(unsigned char *p, int len, void *) { return g_answers.add(p, len), 0; }
-void on_dci_answer(unsigned char *p, int len, void *) { g_answers.add(p, len); }
-
-bytes frame(const bytes &payload)
-{
-    bytes f;
-    hdlc_encode(payload.data(), payload.size(), &f);
-    return f;
-}
+int on_answer(unsigned char *p, int len, void *) { return g_answers.add(p, len, nullptr), 0; }
+void on_dci_answer(unsigned char *p, int len, void *) { g_answers.add(p, len, nullptr); }
 
 class DiagSerialTest : public testing::Test {
 protected:
@@ -73,6 +40,12 @@ protected:
         unsetenv("RLK_DIAG_DEVICE");
         if (master >= 0) close(master);
     }
+    void open_callback_session()
+    {
+        ASSERT_TRUE(Diag_LSM_Init(nullptr));
+        diag_register_callback(on_answer, nullptr);
+        diag_switch_logging(CALLBACK_MODE, nullptr);
+    }
     /* The next command the library wrote, decoded. */
     bytes command()
     {
@@ -80,8 +53,7 @@ protected:
         uint8_t buf[4096];
         for (int i = 0; i < 100 && frames.empty(); i++) {
             struct pollfd p = {master, POLLIN, 0};
-            if (poll(&p, 1, 20) <= 0) continue;
-            ssize_t n = read(master, buf, sizeof(buf));
+            ssize_t n = poll(&p, 1, 20) > 0 ? read(master, buf, sizeof(buf)) : 0;
             if (n > 0) dec.feed(buf, size_t(n), &frames);
         }
         return frames.empty() ? bytes() : frames[0].payload;
@@ -100,15 +72,12 @@ protected:
 
 TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 {
-    ASSERT_TRUE(Diag_LSM_Init(nullptr));
-    diag_register_callback(on_answer, nullptr);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
+    open_callback_session();
     const bytes ver = {0x1C, 0x08, 0x00};
     bytes ver_frame = frame(ver);
-    bytes log = frame({0x10, 0, 14, 0, 14, 0, 0x93, 0xB1, 1, 2, 3, 4, 5, 6, 7, 8, 0xAA, 0xBB});
     bytes bad_crc = ver_frame;
     bad_crc[1] ^= 0x01;
-    bytes both = log;
+    bytes both = frame({0x10, 0, 14, 0, 14, 0, 0x93, 0xB1, 1, 2, 3, 4, 5, 6, 7, 8, 0xAA, 0xBB});
     both.insert(both.end(), ver_frame.begin(), ver_frame.end());
     const struct {
         const char *name;
@@ -130,17 +99,15 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
         if (&c == &cases[3]) {
             /* A session after another in one process: the port was let go. */
             ASSERT_TRUE(Diag_LSM_DeInit());
-            ASSERT_TRUE(Diag_LSM_Init(nullptr));
-            diag_register_callback(on_answer, nullptr);
-            diag_switch_logging(CALLBACK_MODE, nullptr);
+            open_callback_session();
         }
         bytes cmd = c.cmd;
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
         EXPECT_EQ(command(), c.cmd);
         modem_writes(c.chunks);
         /* The answer (however late the reader runs), and no second one. */
-        std::vector<bytes> got = g_answers.wait(1, 2000);
-        for (const bytes &more : g_answers.wait(1, 50)) got.push_back(more);
+        std::vector<bytes> got = g_answers.take(1, 2000);
+        for (const bytes &more : g_answers.take(1, 50)) got.push_back(more);
         EXPECT_EQ(got, std::vector<bytes>{c.want});
     }
     /* Only the local processor is there. */
@@ -165,10 +132,8 @@ TEST_F(DiagSerialTest, DciIsServedOverTheSameFramesInPiecesOf4096)
     bytes big(5000, 0x5A);
     big[0] = 0x4B;
     modem_writes({frame(big)});
-    std::vector<bytes> got = g_answers.wait(2, 2000);
-    ASSERT_EQ(got.size(), 2u);
-    EXPECT_EQ(got[0], bytes(big.begin(), big.begin() + 4096));
-    EXPECT_EQ(got[1].size(), 904u);
+    EXPECT_EQ(g_answers.take(2, 2000),
+              (std::vector<bytes>{bytes(big.begin(), big.begin() + 4096), bytes(big.begin() + 4096, big.end())}));
     EXPECT_EQ(diag_release_dci_client(&id), DIAG_DCI_NO_ERROR);
 }
 
@@ -186,7 +151,7 @@ TEST_F(DiagSerialTest, ASecondUserOfThePortIsRefusedAndAVanishedPortEndsTheLink)
     master = -1;
     uint16 mask = 0;
     for (int i = 0; i < 500 && diag_has_remote_device(&mask); i++) usleep(10000);
-    EXPECT_EQ(diag_has_remote_device(&mask), 0); /* the session ended with the port */
+    EXPECT_EQ(diag_has_remote_device(&mask), 0) << "the session ended with the port";
     unsigned char cmd[] = {0x1C};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
     EXPECT_FALSE(Diag_LSM_DeInit());
