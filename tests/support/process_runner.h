@@ -2,6 +2,8 @@
 #ifndef RLK_TEST_PROCESS_RUNNER_H
 #define RLK_TEST_PROCESS_RUNNER_H
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -25,6 +27,11 @@ constexpr int k_run_process_default_timeout_ms = 60000;
 run_result run_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
                        const std::string &stdin_text = "",
                        int timeout_ms = k_run_process_default_timeout_ms);
+
+/* Starts argv like run_process, with its standard streams on /dev/null,
+ * and returns its process id at once (-1 when it could not start); the
+ * caller waits for it. */
+pid_t start_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env);
 
 /* True when the status reports a normal exit with code 0. */
 bool exited_cleanly(int status);
