@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <stdio.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -80,29 +81,32 @@ bool collect(int fds[2], std::string *sinks[2], int timeout_ms)
     return true;
 }
 
-/* Starts argv[0] with fds[0..2] as its standard streams; -1 when it could
- * not start. */
-pid_t spawn(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env, const int fds[3])
+}  // namespace
+
+pid_t spawn_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
+                    const std::array<int, 3> &fds, unsigned long fd_limit)
 {
     std::vector<std::string> args = argv;
     std::vector<std::string> env = child_environment(extra_env);
     std::vector<char *> c_args = c_strings(args);
     std::vector<char *> c_env = c_strings(env);
-    pid_t pid = argv.empty() || fds[0] < 0 || fds[1] < 0 || fds[2] < 0 ? -1 : fork();
+    struct rlimit rl = {rlim_t(fd_limit), rlim_t(fd_limit)};
+    int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    pid_t pid = argv.empty() || null < 0 ? -1 : fork();
     if (pid == 0) {
         /* Only async-signal-safe calls between fork and exec. */
-        for (int i = 0; i < 3; i++) dup2(fds[i], i);
+        for (int i = 0; i < 3; i++) dup2(fds[size_t(i)] >= 0 ? fds[size_t(i)] : null, i);
         signal(SIGPIPE, SIG_DFL);
+        if (fd_limit != 0 && setrlimit(RLIMIT_NOFILE, &rl) != 0) _exit(126);
         execve(c_args[0], c_args.data(), c_env.data());
         static const char msg[] = "run_process: exec failed\n";
         ssize_t n = write(STDERR_FILENO, msg, sizeof(msg) - 1);
         (void)n;
         _exit(127);
     }
+    if (null >= 0) close(null);
     return pid;
 }
-
-}  // namespace
 
 run_result run_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
                        const std::string &stdin_text, int timeout_ms)
@@ -112,9 +116,9 @@ run_result run_process(const std::vector<std::string> &argv, const std::vector<s
     signal(SIGPIPE, SIG_IGN);
     int out[2] = {-1, -1}, err[2] = {-1, -1};
     int in = stdin_file(stdin_text);
-    bool piped = pipe2(out, O_CLOEXEC) == 0 && pipe2(err, O_CLOEXEC) == 0;
-    const int fds[3] = {in, out[1], err[1]};
-    pid_t pid = piped ? spawn(argv, extra_env, fds) : -1;
+    bool piped = in >= 0 && pipe2(out, O_CLOEXEC) == 0 && pipe2(err, O_CLOEXEC) == 0;
+    const std::array<int, 3> fds = {in, out[1], err[1]};
+    pid_t pid = piped ? spawn_process(argv, extra_env, fds) : -1;
     for (int fd : fds) {
         if (fd >= 0) close(fd);
     }
@@ -127,15 +131,6 @@ run_result run_process(const std::vector<std::string> &argv, const std::vector<s
     while (pid > 0 && waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
     }
     return result;
-}
-
-pid_t start_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env)
-{
-    int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-    const int fds[3] = {null, null, null};
-    pid_t pid = spawn(argv, extra_env, fds);
-    if (null >= 0) close(null);
-    return pid;
 }
 
 bool exited_cleanly(int status)

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -28,10 +29,13 @@ run_result run_process(const std::vector<std::string> &argv, const std::vector<s
                        const std::string &stdin_text = "",
                        int timeout_ms = k_run_process_default_timeout_ms);
 
-/* Starts argv like run_process, with its standard streams on /dev/null,
- * and returns its process id at once (-1 when it could not start); the
- * caller waits for it. */
-pid_t start_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env);
+/* Starts argv like run_process with fds[0..2] as its standard input,
+ * output and error (-1: /dev/null) and `fd_limit` as its limit of open
+ * descriptors (0: inherited; 126 is its exit status when the limit cannot
+ * be set); returns its process id at once (-1 when it could not start).
+ * The caller waits for it. */
+pid_t spawn_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
+                    const std::array<int, 3> &fds, unsigned long fd_limit = 0);
 
 /* True when the status reports a normal exit with code 0. */
 bool exited_cleanly(int status);

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -93,23 +92,10 @@ bool sim_instance::spawn()
     if (qmux_) args.insert(args.end(), {"--qmux", qmux_path()});
     if (diag_port_) args.insert(args.end(), {"--diag-port", diag_port_path()});
     args.insert(args.end(), extra_args_.begin(), extra_args_.end());
-    std::vector<char *> argv;
-    for (std::string &a : args) argv.push_back(&a[0]);
-    argv.push_back(nullptr);
-    std::string log = log_path();
-    pid_t pid = fork();
+    int log = open(log_path().c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    pid_t pid = spawn_process(args, {}, {-1, log, log}, fd_limit_);
+    if (log >= 0) close(log);
     if (pid < 0) return false;
-    if (pid == 0) {
-        int devnull = open("/dev/null", O_RDWR);
-        int logfd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        dup2(devnull, 0);
-        dup2(logfd, 1);
-        dup2(logfd, 2);
-        struct rlimit rl = {rlim_t(fd_limit_), rlim_t(fd_limit_)};
-        if (fd_limit_ && setrlimit(RLIMIT_NOFILE, &rl) != 0) _exit(126);
-        execv(RLK_MODEMD_BINARY, argv.data());
-        _exit(127);
-    }
     pid_ = pid;
     return poll_until(
         [&] {
@@ -194,7 +180,7 @@ pid_t sim_instance::start_rlk(const std::vector<std::string> &args) const
 {
     std::vector<std::string> argv = {RLK_BINARY};
     argv.insert(argv.end(), args.begin(), args.end());
-    return start_process(argv, env());
+    return spawn_process(argv, env(), {-1, -1, -1});
 }
 
 std::vector<log_line> read_log_file(const std::string &path, bool android)
