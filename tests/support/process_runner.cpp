@@ -14,13 +14,6 @@ extern char **environ;
 
 namespace {
 
-long long now_ms()
-{
-    timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return static_cast<long long>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
-}
-
 std::vector<char *> c_strings(std::vector<std::string> &strings)
 {
     std::vector<char *> out;
@@ -62,9 +55,9 @@ int stdin_file(const std::string &text)
  * false on time-out. */
 bool collect(int fds[2], std::string *sinks[2], int timeout_ms)
 {
-    long long deadline = now_ms() + timeout_ms;
+    long long deadline = monotonic_ms() + timeout_ms;
     while (fds[0] >= 0 || fds[1] >= 0) {
-        long long left = deadline - now_ms();
+        long long left = deadline - monotonic_ms();
         pollfd p[2] = {{fds[0], POLLIN, 0}, {fds[1], POLLIN, 0}};
         if (left <= 0 || (poll(p, 2, static_cast<int>(left)) < 0 && errno != EINTR)) return false;
         for (int i = 0; i < 2; i++) {
@@ -131,6 +124,13 @@ run_result run_process(const std::vector<std::string> &argv, const std::vector<s
     while (pid > 0 && waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
     }
     return result;
+}
+
+long long monotonic_ms()
+{
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return static_cast<long long>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
 }
 
 bool exited_cleanly(int status)

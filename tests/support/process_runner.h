@@ -37,6 +37,9 @@ run_result run_process(const std::vector<std::string> &argv, const std::vector<s
 pid_t spawn_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
                     const std::array<int, 3> &fds, unsigned long fd_limit = 0);
 
+/* Milliseconds on the monotonic clock. */
+long long monotonic_ms();
+
 /* True when the status reports a normal exit with code 0. */
 bool exited_cleanly(int status);
 

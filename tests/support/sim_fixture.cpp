@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -55,20 +54,19 @@ std::vector<std::string> split_tabs(const std::string &line, size_t max_fields)
     return f;
 }
 
-void wait_child(pid_t pid, int *status)
+/* Sends `sig` to the child and waits for it; its status, -1 without one. */
+int end_child(pid_t *pid, int sig)
 {
-    while (waitpid(pid, status, 0) < 0 && errno == EINTR) {
+    int status = -1;
+    if (*pid <= 0) return status;
+    kill(*pid, sig);
+    while (waitpid(*pid, &status, 0) < 0 && errno == EINTR) {
     }
+    *pid = -1;
+    return status;
 }
 
 }  // namespace
-
-long long monotonic_ms()
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return (long long)ts.tv_sec * 1000 + ts.tv_nsec / 1000000;
-}
 
 bool poll_until(const std::function<bool()> &cond, int timeout_ms)
 {
@@ -80,7 +78,7 @@ bool poll_until(const std::function<bool()> &cond, int timeout_ms)
 
 sim_instance::~sim_instance()
 {
-    if (pid_ > 0) stop();
+    stop();
     /* Leftovers in the temporary directory are harmless. */
     if (dir_.find("/rlk-test-") != std::string::npos && system(("rm -rf '" + dir_ + "'").c_str()) != 0) {
     }
@@ -120,27 +118,18 @@ bool sim_instance::start()
 
 bool sim_instance::restart()
 {
-    if (pid_ > 0) stop();
+    stop();
     return spawn();
 }
 
 int sim_instance::stop()
 {
-    if (pid_ <= 0) return -1;
-    kill(pid_, SIGTERM);
-    int status = -1;
-    wait_child(pid_, &status);
-    pid_ = -1;
-    return status;
+    return end_child(&pid_, SIGTERM);
 }
 
 void sim_instance::kill_hard()
 {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGKILL);
-    int status;
-    wait_child(pid_, &status);
-    pid_ = -1;
+    end_child(&pid_, SIGKILL);
 }
 
 std::string sim_instance::ctl(const std::string &request) const

@@ -98,9 +98,6 @@ std::vector<log_line> read_log_file(const std::string &path, bool android);
 /* The messages of `lines`, in order. */
 std::vector<std::string> texts(const std::vector<log_line> &lines);
 
-/* Milliseconds on the monotonic clock. */
-long long monotonic_ms();
-
 /* Checks `cond` every millisecond until it holds (true) or `timeout_ms`
  * have passed (false). */
 bool poll_until(const std::function<bool()> &cond, int timeout_ms);
