@@ -238,7 +238,8 @@ TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
         ASSERT_EQ(slots.status.eid_info_len, 2u);
         EXPECT_EQ(slots.status.eid_info[0].eid_len, 0u);
         EXPECT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
-        EXPECT_EQ(std::vector<uint8_t>(slots.status.eid_info[1].eid, slots.status.eid_info[1].eid + 16), k_seed_eid);
+        const uint8_t *eid = slots.status.eid_info[1].eid;
+        EXPECT_EQ(std::vector<uint8_t>(eid, eid + TOLVEK_UIM_EID_LEN), k_seed_eid);
     }
     qmi_client_release(client);
 }
