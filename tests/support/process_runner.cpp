@@ -4,7 +4,8 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <string.h>
+#include <sys/resource.h>
+#include <stdio.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -13,39 +14,12 @@ extern char **environ;
 
 namespace {
 
-enum pipe_end { READ_END = 0, WRITE_END = 1 };
-
-struct child_pipes {
-    int in[2] = {-1, -1};
-    int out[2] = {-1, -1};
-    int err[2] = {-1, -1};
-};
-
-void close_fd(int *fd)
+std::vector<char *> c_strings(std::vector<std::string> &strings)
 {
-    if (*fd >= 0) {
-        close(*fd);
-        *fd = -1;
-    }
-}
-
-void close_all(child_pipes *p)
-{
-    for (int *pair : {p->in, p->out, p->err}) {
-        close_fd(&pair[READ_END]);
-        close_fd(&pair[WRITE_END]);
-    }
-}
-
-bool open_pipes(child_pipes *p)
-{
-    return pipe2(p->in, O_CLOEXEC) == 0 && pipe2(p->out, O_CLOEXEC) == 0 &&
-           pipe2(p->err, O_CLOEXEC) == 0;
-}
-
-std::string env_name(const std::string &entry)
-{
-    return entry.substr(0, entry.find('='));
+    std::vector<char *> out;
+    for (std::string &s : strings) out.push_back(&s[0]);
+    out.push_back(nullptr);
+    return out;
 }
 
 /* The parent's environment without the names `extra` sets, then `extra`. */
@@ -53,93 +27,47 @@ std::vector<std::string> child_environment(const std::vector<std::string> &extra
 {
     std::vector<std::string> env;
     for (char **e = environ; e != nullptr && *e != nullptr; ++e) {
-        std::string name = env_name(*e);
+        std::string entry = *e;
         bool replaced = false;
         for (const std::string &x : extra) {
-            replaced = replaced || env_name(x) == name;
+            replaced = replaced || x.substr(0, x.find('=')) == entry.substr(0, entry.find('='));
         }
-        if (!replaced) {
-            env.push_back(*e);
-        }
+        if (!replaced) env.push_back(entry);
     }
     env.insert(env.end(), extra.begin(), extra.end());
     return env;
 }
 
-std::vector<char *> c_strings(std::vector<std::string> &strings)
+/* The whole standard input lies in an unlinked file, so the child reads it
+ * at its own pace and one that stops reading blocks nobody. */
+int stdin_file(const std::string &text)
 {
-    std::vector<char *> out;
-    for (std::string &s : strings) {
-        out.push_back(&s[0]);
-    }
-    out.push_back(nullptr);
-    return out;
+    FILE *f = tmpfile();
+    if (f == nullptr) return -1;
+    bool ok = fwrite(text.data(), 1, text.size(), f) == text.size() && fflush(f) == 0;
+    int fd = ok ? fcntl(fileno(f), F_DUPFD_CLOEXEC, 0) : -1;
+    fclose(f);
+    if (fd >= 0) lseek(fd, 0, SEEK_SET);
+    return fd;
 }
 
-/* Runs in the child between fork and exec: only async-signal-safe calls. */
-[[noreturn]] void exec_child(child_pipes *p, char **argv, char **envp)
+/* Collects both outputs until they close or the time runs out.  Returns
+ * false on time-out. */
+bool collect(int fds[2], std::string *sinks[2], int timeout_ms)
 {
-    dup2(p->in[READ_END], STDIN_FILENO);
-    dup2(p->out[WRITE_END], STDOUT_FILENO);
-    dup2(p->err[WRITE_END], STDERR_FILENO);
-    signal(SIGPIPE, SIG_DFL);
-    execve(argv[0], argv, envp);
-    static const char msg[] = "run_process: exec failed\n";
-    ssize_t n = write(STDERR_FILENO, msg, sizeof(msg) - 1);
-    (void)n;
-    _exit(127);
-}
-
-long long now_ms()
-{
-    timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return static_cast<long long>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
-}
-
-void drain_into(int *fd, std::string *sink)
-{
-    char buf[4096];
-    ssize_t n = read(*fd, buf, sizeof(buf));
-    if (n > 0) {
-        sink->append(buf, static_cast<size_t>(n));
-    } else if (n == 0 || errno != EINTR) {
-        close_fd(fd);
-    }
-}
-
-/* Feeds stdin and collects stdout/stderr until both outputs close or the
- * time runs out.  Returns false on time-out. */
-bool exchange(child_pipes *p, const std::string &stdin_text, run_result *result, int timeout_ms)
-{
-    size_t written = 0;
-    if (stdin_text.empty()) {
-        close_fd(&p->in[WRITE_END]);
-    } else {
-        fcntl(p->in[WRITE_END], F_SETFL, O_NONBLOCK);
-    }
-    long long deadline = now_ms() + timeout_ms;
-    while (p->out[READ_END] >= 0 || p->err[READ_END] >= 0) {
-        long long left = deadline - now_ms();
-        if (left <= 0) {
-            return false;
-        }
-        pollfd fds[3] = {{p->out[READ_END], POLLIN, 0},
-                         {p->err[READ_END], POLLIN, 0},
-                         {p->in[WRITE_END], POLLOUT, 0}};
-        int ready = poll(fds, 3, static_cast<int>(left));
-        if (ready < 0 && errno != EINTR) {
-            return false;
-        }
-        if (fds[0].revents != 0) drain_into(&p->out[READ_END], &result->out);
-        if (fds[1].revents != 0) drain_into(&p->err[READ_END], &result->err);
-        if (fds[2].revents & (POLLERR | POLLHUP)) {
-            close_fd(&p->in[WRITE_END]);
-        } else if (fds[2].revents & POLLOUT) {
-            ssize_t n = write(p->in[WRITE_END], stdin_text.data() + written, stdin_text.size() - written);
-            if (n > 0) written += static_cast<size_t>(n);
-            if (written == stdin_text.size() || (n < 0 && errno != EAGAIN && errno != EINTR)) {
-                close_fd(&p->in[WRITE_END]);
+    long long deadline = monotonic_ms() + timeout_ms;
+    while (fds[0] >= 0 || fds[1] >= 0) {
+        long long left = deadline - monotonic_ms();
+        pollfd p[2] = {{fds[0], POLLIN, 0}, {fds[1], POLLIN, 0}};
+        if (left <= 0 || (poll(p, 2, static_cast<int>(left)) < 0 && errno != EINTR)) return false;
+        for (int i = 0; i < 2; i++) {
+            char buf[4096];
+            ssize_t n = p[i].revents != 0 ? read(fds[i], buf, sizeof(buf)) : -1;
+            if (n > 0) {
+                sinks[i]->append(buf, static_cast<size_t>(n));
+            } else if (p[i].revents != 0 && (n == 0 || errno != EINTR)) {
+                close(fds[i]);
+                fds[i] = -1;
             }
         }
     }
@@ -148,45 +76,61 @@ bool exchange(child_pipes *p, const std::string &stdin_text, run_result *result,
 
 }  // namespace
 
-run_result run_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
-                       const std::string &stdin_text, int timeout_ms)
+pid_t spawn_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
+                    const std::array<int, 3> &fds, unsigned long fd_limit)
 {
-    run_result result{-1, "", ""};
-    if (argv.empty()) {
-        return result;
-    }
-    /* A child that stops reading its input must not kill the test. */
-    signal(SIGPIPE, SIG_IGN);
-
     std::vector<std::string> args = argv;
     std::vector<std::string> env = child_environment(extra_env);
     std::vector<char *> c_args = c_strings(args);
     std::vector<char *> c_env = c_strings(env);
-
-    child_pipes pipes;
-    if (!open_pipes(&pipes)) {
-        close_all(&pipes);
-        return result;
-    }
-    pid_t pid = fork();
-    if (pid < 0) {
-        close_all(&pipes);
-        return result;
-    }
+    struct rlimit rl = {rlim_t(fd_limit), rlim_t(fd_limit)};
+    int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    pid_t pid = argv.empty() || null < 0 ? -1 : fork();
     if (pid == 0) {
-        exec_child(&pipes, c_args.data(), c_env.data());
+        /* Only async-signal-safe calls between fork and exec. */
+        for (int i = 0; i < 3; i++) dup2(fds[size_t(i)] >= 0 ? fds[size_t(i)] : null, i);
+        signal(SIGPIPE, SIG_DFL);
+        if (fd_limit != 0 && setrlimit(RLIMIT_NOFILE, &rl) != 0) _exit(126);
+        execve(c_args[0], c_args.data(), c_env.data());
+        static const char msg[] = "run_process: exec failed\n";
+        ssize_t n = write(STDERR_FILENO, msg, sizeof(msg) - 1);
+        (void)n;
+        _exit(127);
     }
-    close_fd(&pipes.in[READ_END]);
-    close_fd(&pipes.out[WRITE_END]);
-    close_fd(&pipes.err[WRITE_END]);
+    if (null >= 0) close(null);
+    return pid;
+}
 
-    if (!exchange(&pipes, stdin_text, &result, timeout_ms)) {
-        kill(pid, SIGKILL);
+run_result run_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
+                       const std::string &stdin_text, int timeout_ms)
+{
+    run_result result{-1, "", ""};
+    /* A child that stops reading its input must not kill the test. */
+    signal(SIGPIPE, SIG_IGN);
+    int out[2] = {-1, -1}, err[2] = {-1, -1};
+    int in = stdin_file(stdin_text);
+    bool piped = in >= 0 && pipe2(out, O_CLOEXEC) == 0 && pipe2(err, O_CLOEXEC) == 0;
+    const std::array<int, 3> fds = {in, out[1], err[1]};
+    pid_t pid = piped ? spawn_process(argv, extra_env, fds) : -1;
+    for (int fd : fds) {
+        if (fd >= 0) close(fd);
     }
-    close_all(&pipes);
-    while (waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
+    int readers[2] = {out[0], err[0]};
+    std::string *sinks[2] = {&result.out, &result.err};
+    if (pid > 0 && !collect(readers, sinks, timeout_ms)) kill(pid, SIGKILL);
+    for (int fd : readers) {
+        if (fd >= 0) close(fd);
+    }
+    while (pid > 0 && waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
     }
     return result;
+}
+
+long long monotonic_ms()
+{
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return static_cast<long long>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
 }
 
 bool exited_cleanly(int status)

@@ -2,6 +2,9 @@
 #ifndef RLK_TEST_PROCESS_RUNNER_H
 #define RLK_TEST_PROCESS_RUNNER_H
 
+#include <sys/types.h>
+
+#include <array>
 #include <string>
 #include <vector>
 
@@ -25,6 +28,17 @@ constexpr int k_run_process_default_timeout_ms = 60000;
 run_result run_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
                        const std::string &stdin_text = "",
                        int timeout_ms = k_run_process_default_timeout_ms);
+
+/* Starts argv like run_process with fds[0..2] as its standard input,
+ * output and error (-1: /dev/null) and `fd_limit` as its limit of open
+ * descriptors (0: inherited; 126 is its exit status when the limit cannot
+ * be set); returns its process id at once (-1 when it could not start).
+ * The caller waits for it. */
+pid_t spawn_process(const std::vector<std::string> &argv, const std::vector<std::string> &extra_env,
+                    const std::array<int, 3> &fds, unsigned long fd_limit = 0);
+
+/* Milliseconds on the monotonic clock. */
+long long monotonic_ms();
 
 /* True when the status reports a normal exit with code 0. */
 bool exited_cleanly(int status);

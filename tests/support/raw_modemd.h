@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "endpoint.h"
+#include "ext_request.h"
 #include "modemd_proto.h"
 #include "qmi_codec.h"
 #include "qmi_idl_lib.h"
@@ -70,17 +71,19 @@ struct raw_ext_client : raw_conn {
         memcpy(&p, ack.data(), sizeof(p));
         return p.cmd == MODEMD_CTRL_NEW_SERVER;
     }
+    static const qmi_idl_service_message_table_entry *message(qmi_idl_type_of_message_type type)
+    {
+        return qmi_idl_find_message(tolvek_extend_get_service_object_v01(), type, TOLVEK_EXTEND_REQ_MSG_ID_V01);
+    }
     static std::vector<uint8_t> packet(uint16_t txn, const tolvek_extend_msg &req)
     {
-        const qmi_idl_service_message_table_entry *m = qmi_idl_find_message(
-            tolvek_extend_get_service_object_v01(), QMI_IDL_REQUEST, TOLVEK_EXTEND_REQ_MSG_ID_V01);
+        const qmi_idl_service_message_table_entry *m = message(QMI_IDL_REQUEST);
         std::vector<uint8_t> pkt(QMI_HEADER_LEN + m->max_msg_len + 64);
         size_t len = 0;
         if (qmi_codec_encode(m->ei, &req, pkt.data() + QMI_HEADER_LEN, pkt.size() - QMI_HEADER_LEN, &len) != 0) {
             return {};
         }
-        qmi_header h = {QMI_TYPE_REQUEST, txn, TOLVEK_EXTEND_REQ_MSG_ID_V01, uint16_t(len)};
-        qmi_header_write(pkt.data(), h);
+        qmi_header_write(pkt.data(), {QMI_TYPE_REQUEST, txn, TOLVEK_EXTEND_REQ_MSG_ID_V01, uint16_t(len)});
         pkt.resize(QMI_HEADER_LEN + len);
         return pkt;
     }
@@ -89,27 +92,20 @@ struct raw_ext_client : raw_conn {
     {
         uint16_t txn = next_txn++;
         if (!send(packet(txn, req))) return false;
-        const qmi_idl_service_message_table_entry *m = qmi_idl_find_message(
-            tolvek_extend_get_service_object_v01(), QMI_IDL_RESPONSE, TOLVEK_EXTEND_REQ_MSG_ID_V01);
         for (;;) {
             std::vector<uint8_t> pkt = recv(timeout_ms);
             qmi_header h;
             if (pkt.empty() || !qmi_header_read(pkt.data(), pkt.size(), &h)) return false;
             if (h.type != QMI_TYPE_RESPONSE || h.txn != txn) continue;
             memset(resp, 0, sizeof(*resp));
-            return qmi_codec_decode(m->ei, pkt.data() + QMI_HEADER_LEN, pkt.size() - QMI_HEADER_LEN, resp,
-                                    sizeof(*resp)) == 0;
+            return qmi_codec_decode(message(QMI_IDL_RESPONSE)->ei, pkt.data() + QMI_HEADER_LEN,
+                                    pkt.size() - QMI_HEADER_LEN, resp, sizeof(*resp)) == 0;
         }
     }
     /* An EFS write chunk; returns the answer's result (INT32_MIN without one). */
     int32_t efs_write(const std::string &path, uint8_t instance, uint32_t total, uint32_t off, uint32_t len,
                       uint8_t fill)
     {
-        tolvek_extend_msg req, resp;
-        memset(&req, 0, sizeof(req));
-        req.msg_code = REQUEST_ID_EFS;
-        req.data_len = TOLVEK_EXTEND_DATA_MAX;
-        req.data_valid = 1;
         tolvek_efs_req efs;
         memset(&efs, 0, sizeof(efs));
         efs.op = TOLVEK_EFS_OP_WRITE;
@@ -120,6 +116,8 @@ struct raw_ext_client : raw_conn {
         efs.data_len_send = len;
         efs.data_len_cur = off;
         memset(efs.data, fill, len);
+        /* The head of any EFS request; the chunk fills the whole payload. */
+        tolvek_extend_msg req = make_efs_read_request(), resp;
         memcpy(req.data, &efs, sizeof(efs));
         if (!call(req, &resp)) return INT32_MIN;
         tolvek_efs_rsp rsp;

@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,9 @@ public:
     /* Runs rlk with `args` against this simulator. */
     rlk_run run_rlk(const std::vector<std::string> &args, const std::vector<std::string> &extra_env = {},
                     int timeout_ms = k_run_process_default_timeout_ms);
+    /* Starts rlk with `args` against this simulator, its output dropped,
+     * without waiting; its process id (the caller waits for it). */
+    pid_t start_rlk(const std::vector<std::string> &args) const;
 
     /* Before start(): more options for the simulator, and a lower limit
      * of open descriptors for it (0: inherited). */
@@ -94,7 +98,8 @@ std::vector<log_line> read_log_file(const std::string &path, bool android);
 /* The messages of `lines`, in order. */
 std::vector<std::string> texts(const std::vector<log_line> &lines);
 
-/* Milliseconds on the monotonic clock. */
-long long monotonic_ms();
+/* Checks `cond` every millisecond until it holds (true) or `timeout_ms`
+ * have passed (false). */
+bool poll_until(const std::function<bool()> &cond, int timeout_ms);
 
 #endif

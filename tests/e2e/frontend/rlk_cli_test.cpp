@@ -1,16 +1,13 @@
 /* The rlk binary's option dispatch and help, run as a user runs it. */
 #include <gtest/gtest.h>
 #include <ctype.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <fstream>
-#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "process_runner.h"
+#include "sim_fixture.h"
 
 namespace {
 
@@ -24,125 +21,46 @@ std::string golden_help()
     return text.str();
 }
 
-/* The full help cut into head line, blocks by option and foot line.  Only
+/* The help of one option: head line, the option's block, foot line.  Only
  * the header line of a block starts with a digit. */
-struct help_parts {
-    std::string head;
-    std::map<int, std::string> blocks;
-    std::string foot;
-};
-
-help_parts split_help(const std::string &help)
+std::string block_help(const std::string &help, int option)
 {
-    help_parts parts;
-    std::istringstream in(help);
-    std::string line;
-    int block = 0;
-    std::getline(in, line); /* the empty line before the head */
-    parts.head = line + "\n";
-    std::getline(in, line);
-    parts.head += line + "\n";
-    while (std::getline(in, line)) {
-        if (line.rfind("===========", 0) == 0) {
-            parts.foot = line + "\n";
-            break;
-        }
-        if (!line.empty() && isdigit(static_cast<unsigned char>(line[0]))) {
-            block = atoi(line.c_str());
-        }
-        parts.blocks[block] += line + "\n";
-    }
-    std::string rest((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    parts.foot += rest;
-    return parts;
+    size_t body = help.find('\n', 1) + 1;
+    size_t foot = help.rfind("\n=========== above") + 1;
+    size_t from = help.find("\n" + std::to_string(option) + ": ") + 1;
+    size_t to = help.find('\n', from) + 1;
+    while (to < foot && !isdigit(static_cast<unsigned char>(help[to]))) to = help.find('\n', to) + 1;
+    return help.substr(0, body) + help.substr(from, to - from) + help.substr(foot);
 }
 
-class RlkCli : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        char dir_template[] = "/tmp/rlk_cli_XXXXXX";
-        ASSERT_NE(mkdtemp(dir_template), nullptr);
-        dir_ = dir_template;
-        help_ = golden_help();
-        ASSERT_FALSE(help_.empty());
-        parts_ = split_help(help_);
-    }
-
-    void TearDown() override
-    {
-        for (const char *name : {"syslog.log", "logcat.log"}) {
-            unlink((dir_ + "/" + name).c_str());
-        }
-        rmdir(dir_.c_str());
-    }
-
-    run_result rlk(const std::vector<std::string> &args)
-    {
-        std::vector<std::string> argv = {RLK_BINARY};
-        argv.insert(argv.end(), args.begin(), args.end());
-        return run_process(argv, {"RLK_MODEMD_SOCKET=" + dir_ + "/modemd.sock",
-                                  "RLK_SYSLOG_FILE=" + dir_ + "/syslog.log",
-                                  "RLK_LOGCAT_FILE=" + dir_ + "/logcat.log"});
-    }
-
-    std::string block_help(int option) const
-    {
-        return parts_.head + parts_.blocks.at(option) + parts_.foot;
-    }
-
-    std::string dir_;
-    std::string help_;
-    help_parts parts_;
-};
-
-TEST_F(RlkCli, UnknownOrMissingOptionPrintsCompleteHelp)
+TEST(RlkCli, OptionDispatchPrintsTheExactHelpAndNotes)
 {
-    const std::vector<std::vector<std::string>> cases = {{}, {"0"}, {"12"}, {"abc"}, {"-1"}, {"99", "1"}};
-    for (const auto &args : cases) {
-        run_result r = rlk(args);
-        std::string label = testing::PrintToString(args);
-        EXPECT_TRUE(exited_cleanly(r.status)) << label;
-        EXPECT_EQ(r.out, help_) << label;
-        EXPECT_EQ(r.err, "") << label;
-    }
-}
-
-TEST_F(RlkCli, OptionsOneAndTwoAreNotSupported)
-{
-    for (const char *option : {"1", "2"}) {
-        run_result r = rlk({option, "0"});
-        EXPECT_TRUE(exited_cleanly(r.status)) << option;
-        EXPECT_EQ(r.out, "Not support\n") << option;
-    }
-}
-
-TEST_F(RlkCli, GroupWithoutSubCommandNotesTooFewAndShowsItsBlock)
-{
+    const std::string help = golden_help();
+    ASSERT_EQ(help.substr(0, 13), "\n=========== ");
+    const std::string too_few = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
+    const std::string invalid = "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n";
+    std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{}, help},         {{"0"}, help},          {{"12"}, help},       {{"abc"}, help},
+        {{"-1"}, help},     {{"99", "1"}, help},    {{"1", "0"}, "Not support\n"},
+        {{"2", "0"}, "Not support\n"},
+        {{"4abc"}, too_few + block_help(help, 4)}, /* the option is read like atoi */
+    };
     /* The AT group counts its words its own way. */
     for (int option : {3, 4, 5, 6, 7, 9, 10, 11}) {
-        run_result r = rlk({std::to_string(option)});
-        EXPECT_TRUE(exited_cleanly(r.status)) << option;
-        EXPECT_EQ(r.out, "\nnote: Too few parameters, Pls refer to the following cmd:\n" +
-                             block_help(option))
-            << option;
+        cases.push_back({{std::to_string(option)}, too_few + block_help(help, option)});
     }
-}
+    for (const char *sub : {"9", "0", "7", "x"}) cases.push_back({{"4", sub}, invalid + block_help(help, 4)});
 
-TEST_F(RlkCli, OptionIsReadLikeAtoi)
-{
-    run_result r = rlk({"4abc"});
-    EXPECT_EQ(r.out, "\nnote: Too few parameters, Pls refer to the following cmd:\n" + block_help(4));
-}
-
-TEST_F(RlkCli, InvalidSubCommandNotesItAndShowsTheBlock)
-{
-    for (const char *sub : {"9", "0", "7", "x"}) {
-        run_result r = rlk({"4", sub});
-        EXPECT_TRUE(exited_cleanly(r.status)) << sub;
-        EXPECT_EQ(r.out, "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n" +
-                             block_help(4))
-            << sub;
+    /* The simulator is stopped: none of these may need one. */
+    sim_instance none;
+    ASSERT_TRUE(none.start());
+    none.stop();
+    for (const auto &c : cases) {
+        rlk_run r = none.run_rlk(c.first);
+        std::string label = testing::PrintToString(c.first);
+        EXPECT_TRUE(exited_cleanly(r.status)) << label;
+        EXPECT_EQ(r.out, c.second) << label;
+        EXPECT_EQ(r.err, "") << label;
     }
 }
 

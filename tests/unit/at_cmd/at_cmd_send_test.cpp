@@ -10,68 +10,46 @@
 #include <vector>
 
 #include "../frontend/frontend_test_util.h"
-#include "sim_fixture.h"
 #include "state_store.h"
 #include "tolvek_test_at_cmd.h"
 #include "tolvek_test_groups.h"
 
 namespace {
 
-class AtCmdSendTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        char tmpl[] = "/tmp/rlk-at-test-XXXXXX";
-        ASSERT_NE(mkdtemp(tmpl), nullptr);
-        dir = tmpl;
-        device = dir + "/smd8";
-        setenv("RLK_AT_DEVICE", device.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        unsetenv("RLK_AT_DEVICE");
-        unlink(device.c_str());
-        rmdir(dir.c_str());
-    }
-    std::string written()
-    {
-        std::vector<uint8_t> data;
-        modemd::read_whole_file(device, &data);
-        return std::string(data.begin(), data.end());
-    }
-
-    std::string dir, device;
-};
-
-TEST_F(AtCmdSendTest, ShellCommandIsCutAtItsBuffer)
+TEST(AtCmdSend, ShellCommandIsCutAtItsBuffer)
 {
-    const std::string long_device = "/nonexistent/" + std::string(600, 'x');
-    setenv("RLK_AT_DEVICE", long_device.c_str(), 1);
+    setenv("RLK_AT_DEVICE", ("/nonexistent/" + std::string(600, 'x')).c_str(), 1);
     std::string out = capture_stdout([] { tolvek_test_at_cmd_send("AT"); });
+    unsetenv("RLK_AT_DEVICE");
     const std::string head = "at shell cmd: ";
     ASSERT_EQ(out.compare(0, head.size(), head), 0) << out;
-    size_t end = out.find('\n');
-    EXPECT_EQ(end - head.size(), size_t(TOLVEK_AT_SHELL_CMD_BUF_LEN - 1));
+    EXPECT_EQ(out.find('\n') - head.size(), size_t(TOLVEK_AT_SHELL_CMD_BUF_LEN - 1));
     EXPECT_NE(out.find("Fail to send at shell cmd\n"), std::string::npos);
 }
 
 /* Each run starts the receiver, waits for its flag and clears it, so a
  * second run in the same process waits for its own receiver again. */
-TEST_F(AtCmdSendTest, RepeatedRunsEachWaitForTheirReceiver)
+TEST(AtCmdSend, RepeatedRunsEachWaitForTheirReceiver)
 {
-    const char *words[] = {"AT", "ATI", "AT+CGSN"};
-    for (const char *word : words) {
-        char prog[] = "rlk", opt[] = "8";
-        std::string arg = word;
-        char *argv[] = {prog, opt, &arg[0], nullptr};
+    char dir[] = "/tmp/rlk-at-test-XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    const std::string device = std::string(dir) + "/smd8";
+    setenv("RLK_AT_DEVICE", device.c_str(), 1);
+    for (const char *word : {"AT", "ATI", "AT+CGSN"}) {
+        arg_vector args({"rlk", "8", word});
         int result = -1;
-        std::string out = capture_stdout([&] { result = tolvek_test_at_cmd_do(3, argv); });
+        std::string out = capture_stdout([&] { result = tolvek_test_at_cmd_do(args.argc(), args.argv()); });
         EXPECT_EQ(result, 0) << out;
         EXPECT_NE(out.find("The at channel is not opened, g_at_serial_fd 0\n"), std::string::npos) << out;
         EXPECT_NE(out.find("Success to send at shell cmd\n"), std::string::npos) << out;
     }
+    unsetenv("RLK_AT_DEVICE");
     /* Each echo replaces the file: the last command is what it holds. */
-    EXPECT_EQ(written(), "AT+CGSN\r\n");
+    std::vector<uint8_t> data;
+    modemd::read_whole_file(device, &data);
+    EXPECT_EQ(std::string(data.begin(), data.end()), "AT+CGSN\r\n");
+    unlink(device.c_str());
+    rmdir(dir);
 }
 
 }  // namespace

@@ -1,72 +1,49 @@
 #include "frontend_test_util.h"
 
-#include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <fstream>
-#include <sstream>
 
 #include "tolvek_log.h"
 
 namespace {
 
-const char k_syslog_env[] = "RLK_SYSLOG_FILE";
-
 std::string g_private_syslog;
 
-void remove_private_syslog()
-{
-    unlink(g_private_syslog.c_str());
-}
-
-/* Runs before main, hence before the first log line of the process (the
- * platform reads the variable once). */
-[[maybe_unused]] const bool g_syslog_redirected = [] {
-    const char *set = getenv(k_syslog_env);
-    if (set != nullptr && *set != '\0') {
-        return false;
-    }
+/* Runs before main, hence before the first log line of the process. */
+const std::string g_syslog_path = [] {
+    const char *set = getenv("RLK_SYSLOG_FILE");
+    if (set != nullptr && *set != '\0') return std::string(set);
     const char *tmp = getenv("TMPDIR");
-    std::string path = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") +
-                       "/rlk_unit_syslog_XXXXXX";
+    std::string path = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/rlk_unit_syslog_XXXXXX";
     int fd = mkstemp(&path[0]);
-    if (fd < 0) {
-        return false;
-    }
+    if (fd < 0) return std::string();
     close(fd);
     g_private_syslog = path;
-    atexit(remove_private_syslog);
-    setenv(k_syslog_env, path.c_str(), 1);
-    return true;
+    atexit([] { unlink(g_private_syslog.c_str()); });
+    setenv("RLK_SYSLOG_FILE", path.c_str(), 1);
+    return path;
 }();
-
-std::string syslog_path()
-{
-    const char *path = getenv(k_syslog_env);
-    return path != nullptr ? path : "";
-}
-
-long long file_size(const std::string &path)
-{
-    struct stat st;
-    return stat(path.c_str(), &st) == 0 ? static_cast<long long>(st.st_size) : 0;
-}
 
 }  // namespace
 
-syslog_capture::syslog_capture() : start_(file_size(syslog_path())) {}
+/* Tests that ran before may have pointed the variable elsewhere (at a
+ * simulator directory since removed): it names this process's file again. */
+syslog_capture::syslog_capture()
+{
+    if (!g_syslog_path.empty()) setenv("RLK_SYSLOG_FILE", g_syslog_path.c_str(), 1);
+    struct stat st;
+    start_ = stat(g_syslog_path.c_str(), &st) == 0 ? static_cast<long long>(st.st_size) : 0;
+}
 
 std::vector<std::string> syslog_capture::lines() const
 {
-    std::ifstream in(syslog_path(), std::ios::binary);
+    std::ifstream in(g_syslog_path, std::ios::binary);
     in.seekg(start_);
     std::vector<std::string> out;
-    std::string line;
-    while (std::getline(in, line)) {
-        out.push_back(line);
-    }
+    for (std::string line; std::getline(in, line);) out.push_back(line);
     return out;
 }
 
@@ -78,4 +55,10 @@ console_quiet_scope::console_quiet_scope(bool quiet) : saved_(g_tolvek_console_q
 console_quiet_scope::~console_quiet_scope()
 {
     g_tolvek_console_quiet = saved_;
+}
+
+arg_vector::arg_vector(std::vector<std::string> words) : words_(std::move(words))
+{
+    for (std::string &w : words_) ptrs_.push_back(&w[0]);
+    ptrs_.push_back(nullptr);
 }

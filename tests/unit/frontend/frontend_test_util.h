@@ -1,5 +1,5 @@
 /* Capture of what front-end code writes to the console and the system log
- * within one test. */
+ * within one test, and command lines as main gets them. */
 #ifndef RLK_FRONTEND_TEST_UTIL_H
 #define RLK_FRONTEND_TEST_UTIL_H
 
@@ -39,6 +39,18 @@ public:
 
 private:
     bool saved_;
+};
+
+/* Writable argument vector terminated by a null pointer, as main gets it. */
+class arg_vector {
+public:
+    explicit arg_vector(std::vector<std::string> words);
+    int argc() const { return static_cast<int>(words_.size()); }
+    char **argv() { return ptrs_.data(); }
+
+private:
+    std::vector<std::string> words_;
+    std::vector<char *> ptrs_;
 };
 
 #endif

@@ -11,8 +11,6 @@
 
 namespace {
 
-const int k_option = TOLVEK_OPTION_NVEFS;
-
 struct handler_call {
     int count;
     int argc;
@@ -20,98 +18,81 @@ struct handler_call {
 };
 handler_call g_call;
 
-int handler_ok(int argc, char **argv)
+/* A sub-command handler that notes its call and returns `result`. */
+template <int result>
+int handler(int argc, char **argv)
 {
     g_call = {g_call.count + 1, argc, argv};
-    return 0;
+    return result;
 }
-
-int handler_fails(int argc, char **argv)
-{
-    g_call = {g_call.count + 1, argc, argv};
-    return -1;
-}
-
-const tolvek_subcmd_entry k_table[] = {
-    {1, handler_ok},
-    {7, handler_fails},
-};
-
-/* Writable argument vector terminated by a null pointer, as main gets it. */
-struct arg_vector {
-    explicit arg_vector(std::vector<std::string> words) : words_(std::move(words))
-    {
-        for (std::string &w : words_) ptrs_.push_back(&w[0]);
-        ptrs_.push_back(nullptr);
-    }
-    int argc() const { return static_cast<int>(words_.size()); }
-    char **argv() { return ptrs_.data(); }
-
-private:
-    std::vector<std::string> words_;
-    std::vector<char *> ptrs_;
-};
+const tolvek_subcmd_handler handler_ok = handler<0>, handler_fails = handler<-1>;
 
 std::string help_of(int option)
 {
     return capture_stdout([&] { show_help(option); });
 }
 
-const std::string k_first_note =
-    "\nnote: the first parameters should be 4, Pls refer to the following cmd:\n";
 const std::string k_too_few_note = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
-const std::string k_second_note =
-    "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n";
+const std::string k_second_note = "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n";
+const std::string k_error_note = "\nnote: Error happen! error_code(-1)\n";
+const int k_rejected = TOLVEK_GROUP_ENTRY_REJECTED;
 
-struct entry_case {
-    std::vector<std::string> words;
-    std::string expected_note; /* empty: no note and no help */
-    int expected_result;
-    int expected_calls;
-};
+std::string first_note(int option)
+{
+    return "\nnote: the first parameters should be " + std::to_string(option) +
+           ", Pls refer to the following cmd:\n";
+}
+
+TEST(ShowHelp, HeadFootAndTheOptionsBlock)
+{
+    const std::string head =
+        "\n=========== blew: radio_lab_kit(rlk) cmd help "
+        "=======================================================\n";
+    const std::string foot =
+        "=========== above: radio_lab_kit(rlk) cmd help "
+        "=======================================================\n\n";
+    EXPECT_EQ(help_of(10), head + "10: tolvek mbn test\n" + foot);
+    for (int option : {12, 13, -1, 1000}) EXPECT_EQ(help_of(option), head + foot) << "option " << option;
+}
 
 TEST(TolvekGroupEntryRun, ChecksInOrderThenRunsTheHandler)
 {
-    const int rejected = TOLVEK_GROUP_ENTRY_REJECTED;
-    const entry_case cases[] = {
-        {{"rlk", "4", "1"}, "", 0, 1},
-        {{"rlk", "4", "1abc", "x"}, "", 0, 1},
-        {{"rlk", "4", "7"}, "\nnote: Error happen! error_code(-1)\n", -1, 1},
-        {{"rlk", "5", "1"}, k_first_note, rejected, 0},
-        {{"rlk", "5"}, k_first_note, rejected, 0}, /* option checked before count */
-        {{"rlk", "x4", "1"}, k_first_note, rejected, 0},
-        {{"rlk", "4"}, k_too_few_note, rejected, 0},
-        {{"rlk", "4", "2"}, k_second_note, rejected, 0},
-        {{"rlk", "4", "abc"}, k_second_note, rejected, 0},
-        {{"rlk", "4", "-1"}, k_second_note, rejected, 0},
+    const tolvek_subcmd_entry table[] = {{1, handler_ok}, {7, handler_fails}};
+    const struct {
+        std::vector<std::string> words;
+        std::string note; /* empty: no note and no help */
+        int result;
+        size_t table_len;
+    } cases[] = {
+        {{"rlk", "4", "1"}, "", 0, 2},
+        {{"rlk", "4", "1abc", "x"}, "", 0, 2},
+        {{"rlk", "4", "7"}, k_error_note, -1, 2},
+        {{"rlk", "5", "1"}, first_note(4), k_rejected, 2},
+        {{"rlk", "5"}, first_note(4), k_rejected, 2}, /* option checked before count */
+        {{"rlk", "x4", "1"}, first_note(4), k_rejected, 2},
+        {{"rlk", "4"}, k_too_few_note, k_rejected, 2},
+        {{"rlk", "4", "2"}, k_second_note, k_rejected, 2},
+        {{"rlk", "4", "abc"}, k_second_note, k_rejected, 2},
+        {{"rlk", "4", "-1"}, k_second_note, k_rejected, 2},
+        {{"rlk", "4", "0"}, k_second_note, k_rejected, 0}, /* an empty table rejects every sub-command */
     };
-    const std::string help = help_of(k_option);
-    for (const entry_case &c : cases) {
+    const std::string help = help_of(TOLVEK_OPTION_NVEFS);
+    for (const auto &c : cases) {
         arg_vector args(c.words);
         g_call = {0, 0, nullptr};
         int result = 0;
         std::string out = capture_stdout([&] {
-            result = tolvek_group_entry_run(k_option, args.argc(), args.argv(), k_table,
-                                            sizeof(k_table) / sizeof(k_table[0]));
+            result = tolvek_group_entry_run(TOLVEK_OPTION_NVEFS, args.argc(), args.argv(),
+                                            c.table_len ? table : nullptr, c.table_len);
         });
-        std::string expected = c.expected_note.empty() ? "" : c.expected_note + help;
         std::string label = testing::PrintToString(c.words);
-        EXPECT_EQ(out, expected) << label;
-        EXPECT_EQ(result, c.expected_result) << label;
-        ASSERT_EQ(g_call.count, c.expected_calls) << label;
-        if (c.expected_calls > 0) {
-            EXPECT_EQ(g_call.argc, args.argc()) << label;
-            EXPECT_EQ(g_call.argv, args.argv()) << label;
-        }
+        EXPECT_EQ(out, c.note.empty() ? "" : c.note + help) << label;
+        EXPECT_EQ(result, c.result) << label;
+        bool called = c.note.empty() || c.note == k_error_note;
+        EXPECT_EQ(g_call.count, called ? 1 : 0) << label;
+        EXPECT_EQ(g_call.argc, called ? args.argc() : 0) << label;
+        EXPECT_EQ(g_call.argv, called ? args.argv() : nullptr) << label;
     }
-}
-
-TEST(TolvekGroupEntryRun, EmptyTableRejectsEverySubCommand)
-{
-    arg_vector args({"rlk", "4", "0"});
-    std::string out = capture_stdout(
-        [&] { tolvek_group_entry_run(k_option, args.argc(), args.argv(), nullptr, 0); });
-    EXPECT_EQ(out, k_second_note + help_of(k_option));
 }
 
 TEST(TolvekGroupEntryRunDirect, SkipsTheSubCommandCheck)
@@ -121,33 +102,28 @@ TEST(TolvekGroupEntryRunDirect, SkipsTheSubCommandCheck)
     const struct {
         std::vector<std::string> words;
         tolvek_subcmd_handler handler;
-        std::string expected_out;
-        int expected_result;
+        std::string out;
+        int result;
     } cases[] = {
         {{"rlk", "6", "99", "1"}, handler_ok, "", 0},
-        {{"rlk", "6", "x"}, handler_fails, "\nnote: Error happen! error_code(-1)\n" + help, -1},
+        {{"rlk", "6", "x"}, handler_fails, k_error_note + help, -1},
         {{"rlk", "6", "x"}, nullptr, "", 0},
-        {{"rlk", "6"}, handler_ok, k_too_few_note + help, TOLVEK_GROUP_ENTRY_REJECTED},
-        {{"rlk", "4", "x"},
-         handler_ok,
-         "\nnote: the first parameters should be 6, Pls refer to the following cmd:\n" + help,
-         TOLVEK_GROUP_ENTRY_REJECTED},
+        {{"rlk", "6"}, handler_ok, k_too_few_note + help, k_rejected},
+        {{"rlk", "4", "x"}, handler_ok, first_note(6) + help, k_rejected},
     };
     for (const auto &c : cases) {
         arg_vector args(c.words);
         int result = 0;
-        std::string out = capture_stdout([&] {
-            result = tolvek_group_entry_run_direct(option, args.argc(), args.argv(), c.handler);
-        });
-        EXPECT_EQ(out, c.expected_out) << testing::PrintToString(c.words);
-        EXPECT_EQ(result, c.expected_result) << testing::PrintToString(c.words);
+        std::string out = capture_stdout(
+            [&] { result = tolvek_group_entry_run_direct(option, args.argc(), args.argv(), c.handler); });
+        EXPECT_EQ(out, c.out) << testing::PrintToString(c.words);
+        EXPECT_EQ(result, c.result) << testing::PrintToString(c.words);
     }
 }
 
 /* Each group entry answers a foreign option number with its own. */
 TEST(TolvekTestGroups, EachEntryChecksItsOwnOption)
 {
-    /* The AT group takes exactly one word after the option. */
     const struct {
         int option;
         int (*run)(int, char **);
@@ -164,13 +140,11 @@ TEST(TolvekTestGroups, EachEntryChecksItsOwnOption)
         {TOLVEK_OPTION_SMART_TEST, tolvek_smart_test_do},
     };
     for (const auto &g : groups) {
-        arg_vector args(g.option == TOLVEK_OPTION_AT_CMD
-                            ? std::vector<std::string>{"rlk", "0", "AT"}
-                            : std::vector<std::string>{"rlk", "0", "0", "0"});
+        /* The AT group takes exactly one word after the option. */
+        arg_vector args(g.option == TOLVEK_OPTION_AT_CMD ? std::vector<std::string>{"rlk", "0", "AT"}
+                                                          : std::vector<std::string>{"rlk", "0", "0", "0"});
         std::string out = capture_stdout([&] { g.run(args.argc(), args.argv()); });
-        EXPECT_EQ(out, "\nnote: the first parameters should be " + std::to_string(g.option) +
-                           ", Pls refer to the following cmd:\n" + help_of(g.option))
-            << "option " << g.option;
+        EXPECT_EQ(out, first_note(g.option) + help_of(g.option)) << "option " << g.option;
     }
 }
 

@@ -48,50 +48,37 @@ logged error_ending_in_newline()
     return end_capture(__LINE__ - 1);
 }
 
-logged entry_marker()
+logged quiet_entry_marker()
 {
+    console_quiet_scope quiet(true);
     begin_capture();
     TOLVEK_FUNC_ENTRY();
     return end_capture(__LINE__ - 1);
 }
 
-std::string sys_prefix(int priority, const std::string &func, int line)
-{
-    return std::to_string(priority) + "\tSUB[shell][tolvek_log_test.cpp:" + std::to_string(line) +
-           "] " + func + ": ";
-}
-
-std::string console_prefix(const std::string &func, int line)
-{
-    return "RIL[" + func + ":" + std::to_string(line) + "]: ";
-}
-
-TEST(TolvekLog, PairedLineFormatsAndEvaluatesArgumentsOnce)
+TEST(TolvekLog, PairedLinesWithLevelAndArgumentsEvaluatedOnce)
 {
     int counter = 0;
-    logged l = debug_with_args(&counter);
+    const struct {
+        logged l;
+        const char *func;
+        int priority;
+        std::string console; /* after the prefix; empty: nothing at all */
+        std::string syslog;
+    } cases[] = {
+        {debug_with_args(&counter), "debug_with_args", 7, "count 1, pct%\n", "count 1, pct%"},
+        /* The message's own newline and the line's newline: an empty line. */
+        {error_ending_in_newline(), "error_ending_in_newline", 3, "invalid input\n\n", "invalid input\\n"},
+        /* A quiet console keeps the system log. */
+        {quiet_entry_marker(), "quiet_entry_marker", 7, "", "function entry ------------->"},
+    };
     EXPECT_EQ(counter, 1);
-    EXPECT_EQ(l.console, console_prefix("debug_with_args", l.line) + "count 1, pct%\n");
-    ASSERT_EQ(l.syslog.size(), 1u);
-    EXPECT_EQ(l.syslog[0], sys_prefix(7, "debug_with_args", l.line) + "count 1, pct%");
-}
-
-TEST(TolvekLog, ErrorLevelAndTrailingNewlineKept)
-{
-    logged l = error_ending_in_newline();
-    /* The message's own newline and the line's newline: an empty line. */
-    EXPECT_EQ(l.console, console_prefix("error_ending_in_newline", l.line) + "invalid input\n\n");
-    ASSERT_EQ(l.syslog.size(), 1u);
-    EXPECT_EQ(l.syslog[0], sys_prefix(3, "error_ending_in_newline", l.line) + "invalid input\\n");
-}
-
-TEST(TolvekLog, QuietConsoleKeepsSystemLog)
-{
-    console_quiet_scope quiet(true);
-    logged l = entry_marker();
-    EXPECT_EQ(l.console, "");
-    ASSERT_EQ(l.syslog.size(), 1u);
-    EXPECT_EQ(l.syslog[0], sys_prefix(7, "entry_marker", l.line) + "function entry ------------->");
+    for (const auto &c : cases) {
+        const std::string func = c.func, line = std::to_string(c.l.line);
+        EXPECT_EQ(c.l.console, c.console.empty() ? "" : "RIL[" + func + ":" + line + "]: " + c.console);
+        const std::string sys = "\tSUB[shell][tolvek_log_test.cpp:" + line + "] " + func + ": " + c.syslog;
+        EXPECT_EQ(c.l.syslog, std::vector<std::string>{std::to_string(c.priority) + sys});
+    }
 }
 
 }  // namespace

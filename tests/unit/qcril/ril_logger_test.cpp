@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <vector>
 
 #include "Logger.h"
 #include "qcril_memory_management.h"
@@ -29,32 +30,24 @@ public:
     std::shared_ptr<LoggerImpl> getLoggerImpl() override { return nullptr; }
 };
 
-TEST(RilLogger, FailedAllocationPrintsOneHighLineAndReturnsNull)
+TEST(RilLogger, AllocationIsZeroFilledAndAFailedOnePrintsOneHighLine)
 {
     prctl(PR_SET_NAME, "alloc-test", 0, 0, 0);
     volatile size_t huge = SIZE_MAX - 4096;
     testing::internal::CaptureStdout();
-    void *p = qcril_malloc_adv(huge, "caller.cpp", 7);
+    unsigned char *p = static_cast<unsigned char *>(qcril_malloc_adv(4096, "caller.cpp", 1));
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(std::vector<unsigned char>(p, p + 4096), std::vector<unsigned char>(4096, 0));
+    qcril_free_adv(p, "caller.cpp", 2);
+    qcril_free_adv(nullptr, "caller.cpp", 3);
+    EXPECT_EQ(qcril_malloc_adv(huge, "caller.cpp", 7), nullptr);
     fflush(stdout);
-    std::string out = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(p, nullptr);
     char expected[256];
     snprintf(expected, sizeof(expected),
              "[HIGH      :util]: [qcril_memory_management.cpp: 184] [alloc-test(%ld,%ld)] qcril_malloc_adv: "
              "Fail to allocate memory\n",
              long(getpid()), long(my_gettid()));
-    EXPECT_EQ(out, expected);
-}
-
-TEST(RilLogger, AllocationIsZeroFilledAndNullFreeIsIgnored)
-{
-    testing::internal::CaptureStdout();
-    unsigned char *p = static_cast<unsigned char *>(qcril_malloc_adv(4096, "caller.cpp", 1));
-    ASSERT_NE(p, nullptr);
-    for (size_t i = 0; i < 4096; i++) ASSERT_EQ(p[i], 0) << i;
-    qcril_free_adv(p, "caller.cpp", 2);
-    qcril_free_adv(nullptr, "caller.cpp", 3);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), expected);
 }
 
 TEST(RilLogger, FirstFactoryOfANameStaysRegistered)
@@ -84,10 +77,12 @@ TEST(RilLogger, StdoutLoggerLinesAndLevelNames)
     testing::internal::CaptureStdout();
     for (unsigned lv = 0; lv < k_log_level_count; lv++) impl->vlog(LogLevel(lv), "t", "m");
     Logger::instance().log(INFO, "tag", "%s %d", "x", 5);
+    /* Long messages are cut at 1023 characters. */
+    Logger::instance().log(DEBUG, "t", "%s", std::string(3000, 'a').c_str());
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "[ESSENTIAL :t]: m\n[VERBOSE   :t]: m\n[DEBUG     :t]: m\n[INFO      :t]: m\n"
               "[WARN      :t]: m\n[HIGH      :t]: m\n[FATAL     :t]: m\n[MAX       :t]: m\n"
-              "[INFO      :tag]: x 5\n");
+              "[INFO      :tag]: x 5\n[DEBUG     :t]: " + std::string(1023, 'a') + "\n");
 }
 
 TEST(RilLoggerDeathTest, LevelEightAborts)
@@ -95,14 +90,6 @@ TEST(RilLoggerDeathTest, LevelEightAborts)
     StdoutLoggerFactory factory;
     std::shared_ptr<LoggerImpl> impl = factory.getLoggerImpl();
     EXPECT_DEATH(impl->vlog(LogLevel(8), "t", "m"), "");
-}
-
-TEST(RilLogger, LongMessagesAreCutAt1023Characters)
-{
-    std::string big(3000, 'a');
-    testing::internal::CaptureStdout();
-    Logger::instance().log(DEBUG, "t", "%s", big.c_str());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "[DEBUG     :t]: " + std::string(1023, 'a') + "\n");
 }
 
 }  // namespace

@@ -2,13 +2,11 @@
  * recovery, the subsystem-restart flag, the EID answer, indication 0x61,
  * and the ISD-R's answers to well- and badly-formed APDUs. */
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <thread>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -28,31 +26,20 @@ constexpr int k_wait_ms = 3000;
 /* A dropped request times out after this long (instead of 3 s). */
 constexpr unsigned k_short_timeout_ms = 300;
 constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
-const uint8_t k_seed_eid[TOLVEK_UIM_EID_LEN] = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
-                                                0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
+const std::vector<uint8_t> k_seed_eid = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
+                                         0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
 
 /* The unit-test binary links with --wrap=qmi_client_send_msg_sync: the next
  * g_forced_sends calls give g_forced_send_result without sending. */
 std::atomic<int> g_forced_send_result{0};
 std::atomic<int> g_forced_sends{0};
 
-bool wait_until(const std::function<bool()> &cond)
-{
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(k_wait_ms);
-    while (!cond()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
 class UimClientTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(sim.start());
-        syslog_path = sim.dir() + "/syslog";
-        setenv("RLK_SYSLOG_FILE", syslog_path.c_str(), 1);
+        syslog_path = sim.dir() + "/test-syslog.log";
         g_tolvek_console_quiet = true;
     }
     void TearDown() override
@@ -68,11 +55,22 @@ protected:
         tolvek_uim_power_params p = {up, slot, 1};
         return tolvek_uim_request_uicc_power_ex(&p);
     }
+    /* The EID the client gives for `slot`, over a buffer of 0xAA. */
+    std::vector<uint8_t> eid_of(uint8_t slot)
+    {
+        std::vector<uint8_t> eid(TOLVEK_UIM_EID_LEN, 0xAA);
+        EXPECT_EQ(tolvek_uim_request_eid(&slot, eid.data()), 0);
+        return eid;
+    }
     bool logged(const std::string &text) const
     {
         auto lines = texts(read_log_file(syslog_path, false));
         return std::any_of(lines.begin(), lines.end(),
                            [&](const std::string &l) { return l.find(text) != std::string::npos; });
+    }
+    void expect_logged(const std::vector<std::string> &parts) const
+    {
+        for (const std::string &p : parts) EXPECT_TRUE(logged(p)) << p;
     }
 
     sim_instance sim;
@@ -97,9 +95,8 @@ TEST_F(UimClientTest, ThreeFailedRequestsDropTheHandleAndTheFourthReconnects)
             EXPECT_EQ(failed_cnt.load(), i);
             EXPECT_EQ(uim_qmi_client.load() == nullptr, i == 3) << "after failure " << i << " of " << rc;
         }
-        EXPECT_TRUE(logged("send msg sync client error = " + std::to_string(rc) + ", failed_cnt = 3"));
-        EXPECT_TRUE(logged("uicc_power_ex res = " + std::to_string(rc) + ", failed_cnt = 3"));
-        EXPECT_TRUE(logged("QMI error, try recovery"));
+        expect_logged({"send msg sync client error = " + std::to_string(rc) + ", failed_cnt = 3",
+                       "uicc_power_ex res = " + std::to_string(rc) + ", failed_cnt = 3", "QMI error, try recovery"});
         g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
         EXPECT_EQ(power(0), 0);
         EXPECT_NE(uim_qmi_client.load(), nullptr);
@@ -122,96 +119,70 @@ TEST_F(UimClientTest, ServiceGoneInTheMiddleOfARequestRecoversAtOnce)
 
 TEST_F(UimClientTest, SubsystemRestartSetsTheFlagAndTheNextRequestReconnects)
 {
-    uint8_t eid[TOLVEK_UIM_EID_LEN] = {0};
-    ASSERT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
+    ASSERT_EQ(eid_of(k_slot2), k_seed_eid);
     sim.ctl_ok("ssr uim 100");
-    ASSERT_TRUE(wait_until([] { return SSR_Detected.load() == 1; }));
-    EXPECT_TRUE(logged("QMI error callback -2"));
-    EXPECT_TRUE(logged("SSR Detected, set SSR_Detected 1"));
-    memset(eid, 0, sizeof(eid));
-    EXPECT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
-    EXPECT_TRUE(logged("SSR_Detected, try recovery"));
+    ASSERT_TRUE(poll_until([] { return SSR_Detected.load() == 1; }, k_wait_ms));
+    expect_logged({"QMI error callback -2", "SSR Detected, set SSR_Detected 1"});
+    EXPECT_EQ(eid_of(k_slot2), k_seed_eid);
+    expect_logged({"SSR_Detected, try recovery"});
     EXPECT_EQ(SSR_Detected.load(), 0);
-    EXPECT_EQ(memcmp(eid, k_seed_eid, sizeof(eid)), 0);
 }
 
-TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValid)
+TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValidAndIndicationsAreDecoded)
 {
-    struct {
-        uint8_t slot;
-        const char *fault;
-        bool copied;
-    } cases[] = {
-        {k_slot2, nullptr, true},          /* the eUICC's EID */
-        {k_slot1, nullptr, false},         /* success, but no EID: validity 0 */
-        {k_slot2, "error uim 0x65 0x5A 1", false}, /* the modem refuses */
-    };
-    for (const auto &c : cases) {
-        if (c.fault) sim.ctl_ok(c.fault);
-        uint8_t eid[TOLVEK_UIM_EID_LEN];
-        memset(eid, 0xAA, sizeof(eid));
-        EXPECT_EQ(tolvek_uim_request_eid(&c.slot, eid), 0);
-        uint8_t untouched[TOLVEK_UIM_EID_LEN];
-        memset(untouched, 0xAA, sizeof(untouched));
-        EXPECT_EQ(memcmp(eid, c.copied ? k_seed_eid : untouched, sizeof(eid)), 0) << "slot " << int(c.slot);
-    }
-}
+    const std::vector<uint8_t> untouched(TOLVEK_UIM_EID_LEN, 0xAA);
+    EXPECT_EQ(eid_of(k_slot2), k_seed_eid); /* the eUICC's EID */
+    EXPECT_EQ(eid_of(k_slot1), untouched);  /* success, but no EID: validity 0 */
+    sim.ctl_ok("error uim 0x65 0x5A 1");
+    EXPECT_EQ(eid_of(k_slot2), untouched); /* the modem refuses */
 
-TEST_F(UimClientTest, IndicationNinetySevenIsDecodedAndABadOneReported)
-{
-    uint8_t eid[TOLVEK_UIM_EID_LEN];
-    ASSERT_EQ(tolvek_uim_request_eid(&k_slot2, eid), 0);
     sim.ctl_ok("uim ind97 1 5");
-    ASSERT_TRUE(wait_until([&] { return logged("qmi_client_message_decode result = 0"); }));
-    EXPECT_TRUE(logged("msg_id 97"));
+    ASSERT_TRUE(poll_until([&] { return logged("qmi_client_message_decode result = 0"); }, k_wait_ms));
+    expect_logged({"msg_id 97"});
     /* A result TLV two bytes short does not decode. */
     sim.ctl_ok("ind uim 0x61 02020001");
-    ASSERT_TRUE(wait_until([&] { return logged("purge guti failed. resp.result = 0 ,resp.result = 0"); }));
+    EXPECT_TRUE(poll_until([&] { return logged("purge guti failed. resp.result = 0 ,resp.result = 0"); }, k_wait_ms));
     /* Other indications are only reported. */
     sim.ctl_ok("uim slot-ind");
-    EXPECT_TRUE(wait_until([&] { return logged("msg_id 72"); }));
+    EXPECT_TRUE(poll_until([&] { return logged("msg_id 72"); }, k_wait_ms));
 }
 
-/* A STORE DATA command on `channel` carrying `data`. */
-std::vector<uint8_t> store_data(uint8_t channel, const std::vector<uint8_t> &data)
+/* A STORE DATA command on `channel` carrying `data`, with byte `at` of
+ * the command set to `value` when `at` is given. */
+std::vector<uint8_t> store_data(uint8_t channel, std::vector<uint8_t> data, int at = -1, uint8_t value = 0)
 {
     const uint8_t head[] = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
                             uint8_t(data.size())};
-    std::vector<uint8_t> apdu(sizeof(head) + data.size() + 1, 0);
-    memcpy(apdu.data(), head, sizeof(head));
-    if (!data.empty()) memcpy(apdu.data() + sizeof(head), data.data(), data.size());
-    return apdu;
+    data.insert(data.begin(), head, head + sizeof(head));
+    data.push_back(0);
+    if (at >= 0) data[size_t(at)] = value;
+    return data;
 }
 
 TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
 {
-    uint8_t channel = 0;
+    uint8_t ch = 0;
     uint16_t sw = 0;
-    ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &channel, &sw), 0);
+    ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &ch, &sw), 0);
     EXPECT_EQ(sw, k_sw_ok);
-    const std::vector<uint8_t> enabled_iccid = {0x98, 0x44, 0x05, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x71};
-    std::vector<uint8_t> delete_enabled = {0xBF, 0x33, 0x0C, 0x5A, 0x0A};
-    delete_enabled.insert(delete_enabled.end(), enabled_iccid.begin(), enabled_iccid.end());
-    std::vector<uint8_t> bad_cla = store_data(channel, {0xBF, 0x2D, 0x00});
-    bad_cla[0] = 0x00;
-    std::vector<uint8_t> bad_ins = store_data(channel, {0xBF, 0x2D, 0x00});
-    bad_ins[1] = 0xCA;
-    std::vector<uint8_t> bad_lc = store_data(channel, {0xBF, 0x2D, 0x00});
-    bad_lc[4] = 9;
-    struct {
+    /* Delete of the enabled profile 89445000000000000017. */
+    const std::vector<uint8_t> delete_enabled = {0xBF, 0x33, 0x0C, 0x5A, 0x0A, 0x98, 0x44, 0x05, 0x00,
+                                                 0x00, 0x00, 0x00, 0x00, 0x00, 0x71};
+    const std::vector<uint8_t> list = {0xBF, 0x2D, 0x00};
+    const struct {
         const char *what;
         std::vector<uint8_t> apdu;
         uint8_t on_channel;
         std::vector<uint8_t> tail; /* last bytes of the answer */
     } cases[] = {
-        {"list", store_data(channel, {0xBF, 0x2D, 0x00}), channel, {0x90, 0x00}},
-        {"unknown ES10 tag", store_data(channel, {0xBF, 0x3E, 0x00}), channel, {0x6A, 0x88}},
-        {"delete of the enabled profile", store_data(channel, delete_enabled), channel, {0x80, 0x01, 0x02, 0x90, 0x00}},
-        {"class byte of another channel", bad_cla, channel, {0x6E, 0x00}},
-        {"not STORE DATA", bad_ins, channel, {0x6D, 0x00}},
-        {"Lc beyond the data", bad_lc, channel, {0x67, 0x00}},
-        {"truncated TLV", store_data(channel, {0xBF, 0x2D, 0x05}), channel, {0x6A, 0x80}},
-        {"channel not open", store_data(3, {0xBF, 0x2D, 0x00}), 3, {0x68, 0x81}},
+        {"list", store_data(ch, list), ch, {0x90, 0x00}},
+        {"unknown ES10 tag", store_data(ch, {0xBF, 0x3E, 0x00}), ch, {0x6A, 0x88}},
+        {"delete of the enabled profile", store_data(ch, delete_enabled), ch, {0x80, 0x01, 0x02, 0x90, 0x00}},
+        {"class byte of another channel", store_data(ch, list, 0, 0x00), ch, {0x6E, 0x00}},
+        {"not STORE DATA", store_data(ch, list, 1, 0xCA), ch, {0x6D, 0x00}},
+        {"Lc beyond the data", store_data(ch, list, 4, 9), ch, {0x67, 0x00}},
+        {"truncated TLV", store_data(ch, {0xBF, 0x2D, 0x05}), ch, {0x6A, 0x80}},
+        {"channel not open", store_data(3, list), 3, {0x68, 0x81}},
     };
     for (const auto &c : cases) {
         uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
@@ -221,18 +192,14 @@ TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
         ASSERT_GE(len, c.tail.size()) << c.what;
         EXPECT_EQ(std::vector<uint8_t>(rsp + len - c.tail.size(), rsp + len), c.tail) << c.what;
     }
-    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, channel), 0);
+    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, ch), 0);
     /* Closing twice and opening an unknown application are refused. */
-    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, channel), 0x30);
+    EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, ch), 0x30);
     const uint8_t other_aid[] = {0xA0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02};
-    EXPECT_EQ(tolvek_uim_open_logical_channel(k_slot2, other_aid, sizeof(other_aid), &channel, &sw), 0x30);
+    EXPECT_EQ(tolvek_uim_open_logical_channel(k_slot2, other_aid, sizeof(other_aid), &ch, &sw), 0x30);
     EXPECT_EQ(sw, k_sw_not_found);
     EXPECT_EQ(failed_cnt.load(), 0u) << "refusals by the modem are not transport failures";
 }
-
-}  // namespace
-
-namespace {
 
 /* Card and slot status as a generic client (qmicli's --uim-get-card-status
  * and --uim-get-slot-status) reads them, before and after slot 2 is
@@ -244,38 +211,35 @@ TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
     ASSERT_EQ(qmi_client_init_instance(uim_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
                                        k_wait_ms, &client),
               QMI_NO_ERR);
-    for (bool slot2_on : {true, false}) {
-        if (!slot2_on) {
-            ASSERT_EQ(power(0), 0);
-        }
-        auto *card = new uim_get_card_status_resp_msg_v01();
-        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, card, sizeof(*card),
+    auto card_msg = std::make_unique<uim_get_card_status_resp_msg_v01>();
+    uim_get_slots_status_resp_msg_v01 slots;
+    for (bool on : {true, false}) {
+        ASSERT_EQ(on ? 0 : power(0), 0);
+        uim_get_card_status_resp_msg_v01 &card = *card_msg;
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, &card, sizeof(card),
                                            k_wait_ms),
                   QMI_NO_ERR);
-        EXPECT_EQ(card->resp.result, 0);
-        ASSERT_EQ(card->card_status.card_info_len, 2u);
-        EXPECT_EQ(card->card_status.index_gw_pri, 0x0000);
-        EXPECT_EQ(card->card_status.index_gw_sec, slot2_on ? 0x0100 : QMI_UIM_NO_APP_INDEX_V01);
-        const uim_card_info_type_v01 &c2 = card->card_status.card_info[1];
-        EXPECT_EQ(c2.card_state, slot2_on ? 1 : 2);
-        EXPECT_EQ(c2.error_code, slot2_on ? 0 : 1);
-        EXPECT_EQ(c2.app_info_len, slot2_on ? 1u : 0u);
-        if (slot2_on) {
-            EXPECT_EQ(c2.app_info[0].app_state, 7);
-        }
-        delete card;
+        EXPECT_EQ(card.resp.result, 0);
+        ASSERT_EQ(card.card_status.card_info_len, 2u);
+        EXPECT_EQ(card.card_status.index_gw_pri, 0x0000);
+        EXPECT_EQ(card.card_status.index_gw_sec, on ? 0x0100 : QMI_UIM_NO_APP_INDEX_V01);
+        const uim_card_info_type_v01 &c2 = card.card_status.card_info[1];
+        EXPECT_EQ(c2.card_state, on ? 1 : 2);
+        EXPECT_EQ(c2.error_code, on ? 0 : 1);
+        EXPECT_EQ(c2.app_info_len, on ? 1u : 0u);
+        EXPECT_EQ(c2.app_info[0].app_state, on ? 7 : c2.app_info[0].app_state);
 
-        uim_get_slots_status_resp_msg_v01 slots;
         ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_SLOTS_STATUS_REQ_V01, nullptr, 0, &slots,
                                            sizeof(slots), k_wait_ms),
                   QMI_NO_ERR);
         ASSERT_EQ(slots.status.physical_slot_status_len, 2u);
         EXPECT_EQ(slots.status.physical_slot_status[1].physical_slot_state,
-                  slot2_on ? uint32_t(UIM_SLOT_STATE_ACTIVE_V01) : uint32_t(UIM_SLOT_STATE_INACTIVE_V01));
+                  uint32_t(on ? UIM_SLOT_STATE_ACTIVE_V01 : UIM_SLOT_STATE_INACTIVE_V01));
         ASSERT_EQ(slots.status.eid_info_len, 2u);
         EXPECT_EQ(slots.status.eid_info[0].eid_len, 0u);
-        ASSERT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
-        EXPECT_EQ(memcmp(slots.status.eid_info[1].eid, k_seed_eid, TOLVEK_UIM_EID_LEN), 0);
+        EXPECT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
+        const uint8_t *eid = slots.status.eid_info[1].eid;
+        EXPECT_EQ(std::vector<uint8_t>(eid, eid + TOLVEK_UIM_EID_LEN), k_seed_eid);
     }
     qmi_client_release(client);
 }
