@@ -235,6 +235,11 @@ bool link_close()
                 g().cv.wait(wait, [&] { return lost->done; });
                 wait.release();
             }
+            /* Nothing of the lost session may reach the next one: it
+             * starts in the default mode with no callbacks registered. */
+            g().logging_mode = USB_MODE;
+            for (callback_slot &s : g().callbacks) s = callback_slot();
+            for (auto &kv : g().dci) kv.second.pending.clear();
             return false;
         }
         g().lost.reset();

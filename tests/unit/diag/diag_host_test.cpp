@@ -65,10 +65,6 @@ protected:
  * processors answering through their own callbacks on a library thread. */
 TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
 {
-    /* A session closed normally leaves the next one fresh (one ended by a
-     * lost link, as earlier tests end theirs, keeps its mode). */
-    ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
-    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
     uint16 mask = 0xFFFF;
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0);
@@ -123,6 +119,9 @@ TEST_F(DiagHostTest, ALostLinkEndsTheSession)
     while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
     EXPECT_EQ(Diag_LSM_DeInit(), FALSE) << "the lost link already ended the session";
+    ASSERT_TRUE(sim.restart());
+    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "the next session starts out of callback mode";
 }
 
 TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
