@@ -122,17 +122,6 @@ std::vector<std::string> describe_all(const std::vector<ind_event> &events)
 
 /* ---- Against the simulator: indications, commands and restart --------- */
 
-recorder<int> *g_statuses = nullptr;
-recorder<uint32_t> *g_events = nullptr;
-
-void record_status(modem_api_qmi_client_e_type kind, modem_api_operational_status_type status, void *)
-{
-    EXPECT_EQ(kind, MODEM_API_QMI_CLIENT_VS);
-    g_statuses->add(int(status));
-}
-
-void record_event(uint32_t event, modem_api_qmi_client_e_type, void *) { g_events->add(event); }
-
 /* Each reply as "<result>" or "<result>:<payload>". */
 void record_reply(int result, void *data, uint32_t len, void *user)
 {
@@ -183,11 +172,9 @@ protected:
         ASSERT_TRUE(sim.start());
         logcat = fresh_logcat(sim.dir(), "live-logcat.log");
         g_inds = &inds;
-        g_statuses = &statuses;
-        g_events = &events;
         modem_api_init();
         modem_api_set_indication_handler(record_ind);
-        ASSERT_EQ(modem_api_init_client(MODEM_API_QMI_CLIENT_VS, record_event, record_status, nullptr, &id), 0);
+        ASSERT_EQ(modem_api_init_client(MODEM_API_QMI_CLIENT_VS, record_event, record_status, this, &id), 0);
     }
     void TearDown() override
     {
@@ -195,8 +182,15 @@ protected:
         EXPECT_EQ(g_vs_client.client_handle, nullptr);
         EXPECT_EQ(g_vs_client.notifier_handle, nullptr);
         g_inds = nullptr;
-        g_statuses = nullptr;
-        g_events = nullptr;
+    }
+    static void record_status(modem_api_qmi_client_e_type kind, modem_api_operational_status_type status, void *self)
+    {
+        EXPECT_EQ(kind, MODEM_API_QMI_CLIENT_VS);
+        static_cast<VsClientLive *>(self)->statuses.add(int(status));
+    }
+    static void record_event(uint32_t event, modem_api_qmi_client_e_type, void *self)
+    {
+        static_cast<VsClientLive *>(self)->events.add(event);
     }
     sim_instance sim;
     std::string logcat;
