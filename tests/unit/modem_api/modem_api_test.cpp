@@ -70,8 +70,7 @@ TEST(ModemApiResponse, DeliveryByCaseAndCopyBounds)
     for (const auto &r : rows) {
         std::vector<std::string> got;
         auto *cb = static_cast<modem_api_cb_struct_type *>(orvex_malloc_adv(sizeof(modem_api_cb_struct_type), "t"));
-        cb->resp_fn = record_delivery;
-        cb->user_data = &got;
+        *cb = {record_delivery, &got};
         orvex_vs_command_resp_msg_v01 *resp = nullptr;
         if (r.payload) {
             resp = static_cast<orvex_vs_command_resp_msg_v01 *>(orvex_malloc_adv(full, "t"));
@@ -85,7 +84,7 @@ TEST(ModemApiResponse, DeliveryByCaseAndCopyBounds)
      * (ASan). */
     modem_api_process_response(0, orvex_malloc_adv(full, "t"), full, nullptr, QMI_NO_ERR);
     auto *empty = static_cast<modem_api_cb_struct_type *>(orvex_malloc_adv(sizeof(modem_api_cb_struct_type), "t"));
-    empty->resp_fn = nullptr;
+    *empty = {nullptr, nullptr};
     modem_api_process_response(0, orvex_malloc_adv(full, "t"), full, empty, QMI_NO_ERR);
 
     /* The copy never reads past the response: a payload length far above

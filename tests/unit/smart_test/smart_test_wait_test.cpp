@@ -27,8 +27,10 @@ unsigned int fake_sleep(unsigned int seconds)
 
 TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
 {
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
+    /* One simulator for the process: the extension client this process
+     * opens stays bound to it. */
+    static sim_instance sim;
+    ASSERT_TRUE(sim.running() || sim.start());
     tolvek_smart_test_set_sleep(fake_sleep);
     const struct {
         const char *value; /* "" leaves the property unset */
@@ -76,7 +78,7 @@ TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
     sim.ctl_ok("setprop " TOLVEK_PROP_SSR_LEVEL " ALL_DISABLE");
     sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " 1");
     sim.ctl_ok("respond ext 2 0104000000000002040000000000 1");
-    g_during_sleep = [&sim] { sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " -1"); };
+    g_during_sleep = [] { sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " -1"); };
     out = capture_stdout([] { tolvek_smart_test_modem_ssr(); });
     g_during_sleep = nullptr;
     tolvek_smart_test_set_sleep(nullptr);
