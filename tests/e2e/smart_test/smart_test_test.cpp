@@ -125,6 +125,7 @@ TEST_F(SmartTestTest, ArgumentNotesApPrintSwitchAndNvSync)
     expect_texts(rlk({"11", "2", "1"}).out, {"Will trigger NV SYNC\nRIL[tolvek_send_common_qmi_msg:", "]: l 0\n"},
                  {"note:"});
     EXPECT_EQ(typed_requests(), (typed{{35, -1}}));
+    EXPECT_EQ(ext_last_requests(sim, 1).at(0).u32(12), 0u) << "no value";
     EXPECT_EQ(counter("ext.nv_sync"), 1);
     EXPECT_EQ(counter("ext.restart.down"), 0);
 }
