@@ -1,7 +1,7 @@
-/* `rlk 9 <opt> <sub>` against the simulator: every opt prints the values of
- * the radio scene, the argument notes, the real ten attempts against an
- * absent service, the restart of the service between runs, and the
- * counters that option 7's debug info reports. */
+/* `rlk 9 <opt> <sub>` against the simulator: the argument notes, the
+ * restart of the service between runs and the counters option 7's debug
+ * info reports, every opt printing the values of the radio scene, and the
+ * real ten attempts against an absent service. */
 #include <string>
 
 #include <gtest/gtest.h>
@@ -22,61 +22,87 @@ std::string success(int sub, int id, int len)
            std::to_string(id) + ", data_len = " + std::to_string(len) + "\n";
 }
 
-/* Sets `field` of every name in `values` on subscription `sub`. */
-void set_scene(const sim_instance &sim, int sub, const std::vector<std::pair<std::string, std::string>> &values)
-{
-    for (const auto &v : values) sim.ctl_ok("vs set " + std::to_string(sub) + " " + v.first + " " + v.second);
-}
-
-int count_of(const std::string &text, const std::string &what)
-{
-    int n = 0;
-    for (size_t pos = text.find(what); pos != std::string::npos; pos = text.find(what, pos + 1)) n++;
-    return n;
-}
-
-TEST(Option9, EveryOptPrintsTheValuesOfTheScene)
+TEST(Option9, NotesRestartEveryOptAndAbsentServiceTenRealAttempts)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
-    /* LTE carriers: carrier c gets earfcn 1000 + c, pci 10 + c and levels
-     * c.xx so that a wrong carrier shows. */
+    rlk_run few = sim.run_rlk({"9", "7"});
+    EXPECT_EQ(few.out.find("\nnote: Too few parameters, Pls refer to the following cmd:\n"), 0u) << few.out;
+    EXPECT_NE(few.out.find("9: tolvek modem stats qmi test\n"), std::string::npos);
+    EXPECT_NE(few.out.find("   rlk 9 30 0                    /* Ant info */\n"), std::string::npos);
+    EXPECT_EQ(few.out.find("opt = "), std::string::npos);
+    EXPECT_TRUE(few.logcat.empty()); /* nothing was opened */
+    rlk_run unknown = sim.run_rlk({"9", "13", "0"});
+    EXPECT_EQ(unknown.out, head(13, 0) + "tolvek_test_qmi_modem_stats_hdl: Unknown opt(13), sub(0)\n");
+    ASSERT_FALSE(unknown.logcat.empty());
+    EXPECT_EQ(unknown.logcat.back().text, "modem_api_release: function exit");
+    EXPECT_EQ(sim.run_rlk({"9", "0", "2"}).out, head(0, 2) + "modem_api_get_stats_parameter, sub(2) is invalid\n");
+    EXPECT_EQ(sim.ctl_ok("last 256 vs").find("0x0207"), std::string::npos);
+
+    /* The restarted service forgets the started collection until the next
+     * run starts it again. */
+    sim.ctl_ok("counter set stats.main.cmd_ok_count 0");
+    EXPECT_NE(sim.run_rlk({"9", "20", "0"}).out.find("ASDIV DATA: rx_agc_0: -72.50"), std::string::npos);
+    EXPECT_EQ(sim.ctl_ok("vs feature"), "1");
+    sim.ctl_ok("ssr vs 50");
+    sim.ctl_ok("ssr ext 50");
+    rlk_run again;
+    for (int i = 0; i < 50 && again.out.find("ASDIV DATA") == std::string::npos; i++) {
+        again = sim.run_rlk({"9", "20", "0"});
+    }
+    EXPECT_NE(again.out.find("ASDIV DATA: rx_agc_0: -72.50, rx_agc_1: -75.25\n"), std::string::npos) << again.out;
+    /* Option 7's debug info counts the answers of the framework. */
+    EXPECT_NE(sim.ctl_ok("counters").find("stats.main.cmd_ok_count 4"), std::string::npos);
+    rlk_run debug = sim.run_rlk({"7", "2", "1"});
+    EXPECT_NE(debug.out.find("UNPK[size:1], g_modem_stats_feature_enable_status = 1\n"), std::string::npos) << debug.out;
+    EXPECT_NE(debug.out.find("UNPK[size:8], g_modem_stats_cmd_ok_count = 4\n"), std::string::npos) << debug.out;
+
+    /* The scene of subscription 1: LTE carrier c gets earfcn 1000 + c, pci
+     * 10 + c and levels c.xx so that a wrong carrier shows. */
+    auto set = [&](int sub, const std::string &key, const std::string &value) {
+        sim.ctl_ok("vs set " + std::to_string(sub) + " " + key + " " + value);
+    };
     for (int c = 0; c < 7; c++) {
-        std::string cs = std::to_string(c);
-        set_scene(sim, 1, {{"lte." + cs + ".present", "1"}, {"lte." + cs + ".earfcn", std::to_string(1000 + c)},
-                           {"lte." + cs + ".pci", std::to_string(10 + c)}, {"lte." + cs + ".rx_valid", "3"}});
-        for (int rx = 0; rx < 4; rx++) {
-            std::string r = std::to_string(rx);
-            set_scene(sim, 1, {{"lte." + cs + ".rsrp" + r, "-9" + cs + "." + r + "5"},
-                               {"lte." + cs + ".rsrq" + r, "-1" + cs + "." + r + "5"},
-                               {"lte." + cs + ".rssi" + r, "-6" + cs + "." + r + "5"},
-                               {"lte." + cs + ".snr" + r, cs + "." + r + "5"}});
+        const std::string lte = "lte." + std::to_string(c) + ".", cs = std::to_string(c);
+        set(1, lte + "present", "1");
+        set(1, lte + "earfcn", std::to_string(1000 + c));
+        set(1, lte + "pci", std::to_string(10 + c));
+        set(1, lte + "rx_valid", "3");
+        for (const std::string r : {"0", "1", "2", "3"}) {
+            set(1, lte + "rsrp" + r, "-9" + cs + "." + r + "5");
+            set(1, lte + "rsrq" + r, "-1" + cs + "." + r + "5");
+            set(1, lte + "rssi" + r, "-6" + cs + "." + r + "5");
+            set(1, lte + "snr" + r, cs + "." + r + "5");
         }
     }
-    set_scene(sim, 1, {{"nr.present", "1"}, {"nr.rssi0", "-50.25"}, {"nr.rssi1", "-51.5"}, {"nr.rssi2", "-52"},
-                       {"nr.rssi3", "-53.75"}, {"nr.snr0", "30"}, {"nr.snr1", "29.5"}, {"nr.snr2", "-1.25"},
-                       {"nr.snr3", "0"}, {"wcdma.present", "1"}, {"wcdma.agc0", "-80.5"}, {"wcdma.agc1", "-81.25"},
-                       {"gsm.present", "1"}, {"gsm.prx", "-90"}, {"gsm.drx", "-91.75"}});
+    const char *const scene[][2] = {
+        {"nr.present", "1"},    {"nr.rssi0", "-50.25"}, {"nr.rssi1", "-51.5"},   {"nr.rssi2", "-52"},
+        {"nr.rssi3", "-53.75"}, {"nr.snr0", "30"},      {"nr.snr1", "29.5"},     {"nr.snr2", "-1.25"},
+        {"nr.snr3", "0"},       {"wcdma.present", "1"}, {"wcdma.agc0", "-80.5"}, {"wcdma.agc1", "-81.25"},
+        {"gsm.present", "1"},   {"gsm.prx", "-90"},     {"gsm.drx", "-91.75"},
+    };
+    for (const auto &kv : scene) set(1, kv[0], kv[1]);
+    const char *const ant[][2] = {{"num", "2"}, {"path", "300"}, {"sig", "7"}, {"old", "1"}, {"new", "2"}};
+    for (const auto &kv : ant) set(0, std::string("ant.") + kv[0], kv[1]);
     for (int c = 0; c < 3; c++) {
-        std::string cs = std::to_string(c);
-        set_scene(sim, 1, {{"nr." + cs + ".present", "1"}, {"nr." + cs + ".rsrp0", "-7" + cs}, {"nr." + cs + ".rsrp1", "-8" + cs},
-                           {"nr." + cs + ".rsrp2", "-9" + cs}, {"nr." + cs + ".rsrp3", "-10" + cs}, {"nr." + cs + ".rsrq", "-1" + cs}});
+        const std::string nr = "nr." + std::to_string(c) + ".", cs = std::to_string(c);
+        set(1, nr + "present", "1");
+        for (int rx = 0; rx < 4; rx++) set(1, nr + "rsrp" + std::to_string(rx), "-" + std::to_string(7 + rx) + cs);
+        set(1, nr + "rsrq", "-1" + cs);
     }
-    for (int i = 0; i < 12; i++) set_scene(sim, 1, {{"asdiv." + std::to_string(i), std::to_string(20 + i)}});
-    set_scene(sim, 0, {{"ant.num", "2"}, {"ant.path", "300"}, {"ant.sig", "7"}, {"ant.old", "1"}, {"ant.new", "2"}});
+    for (int i = 0; i < 12; i++) set(1, "asdiv." + std::to_string(i), std::to_string(20 + i));
 
     const int lte_ids[7] = {82, 103, 104, 105, 106, 107, 108};
     for (int opt = 0; opt <= 6; opt++) {
-        std::string c = std::to_string(opt);
+        const std::string c = std::to_string(opt);
         std::string line = "ASDIV DATA: earfcn: " + std::to_string(1000 + opt) + ", pci: " + std::to_string(10 + opt) +
                            ", rx_valid: 3";
-        for (int rx = 0; rx < 4; rx++) {
-            std::string r = std::to_string(rx), v = c + "." + r + "5";
+        for (const std::string r : {"0", "1", "2", "3"}) {
+            const std::string v = c + "." + r + "5";
             line += ", rsrp_rx" + r + ": -9" + v + ", rsrq_rx" + r + ": -1" + v + ", rssi_rx" + r + ": -6" + v +
                     ", snr_rx" + r + ": " + v;
         }
-        rlk_run run = sim.run_rlk({"9", c, "1"});
-        EXPECT_EQ(run.out, head(opt, 1) + success(1, lte_ids[opt], 75) + line + "\n") << "opt " << opt;
+        EXPECT_EQ(sim.run_rlk({"9", c, "1"}).out, head(opt, 1) + success(1, lte_ids[opt], 75) + line + "\n");
     }
     const struct {
         int opt, sub, id, len;
@@ -99,71 +125,16 @@ TEST(Option9, EveryOptPrintsTheValuesOfTheScene)
         rlk_run run = sim.run_rlk({"9", std::to_string(r.opt), std::to_string(r.sub)});
         EXPECT_EQ(run.out, head(r.opt, r.sub) + success(r.sub, r.id, r.len) + r.line + "\n") << "opt " << r.opt;
     }
-}
 
-TEST(Option9, ArgumentNotesAndUnknownOpt)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
-    rlk_run few = sim.run_rlk({"9", "7"});
-    EXPECT_EQ(few.out.find("\nnote: Too few parameters, Pls refer to the following cmd:\n"), 0u) << few.out;
-    EXPECT_NE(few.out.find("9: tolvek modem stats qmi test\n"), std::string::npos);
-    EXPECT_NE(few.out.find("   rlk 9 30 0                    /* Ant info */\n"), std::string::npos);
-    EXPECT_EQ(few.out.find("opt = "), std::string::npos);
-    EXPECT_TRUE(few.logcat.empty()); /* nothing was opened */
-
-    rlk_run unknown = sim.run_rlk({"9", "13", "0"});
-    EXPECT_EQ(unknown.out, head(13, 0) + "tolvek_test_qmi_modem_stats_hdl: Unknown opt(13), sub(0)\n");
-    std::vector<std::string> lines = texts(unknown.logcat);
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.back(), "modem_api_release: function exit");
-
-    rlk_run sub2 = sim.run_rlk({"9", "0", "2"});
-    EXPECT_EQ(sub2.out, head(0, 2) + "modem_api_get_stats_parameter, sub(2) is invalid\n");
-    EXPECT_EQ(sim.ctl_ok("last 256 vs").find("0x0207"), std::string::npos);
-}
-
-TEST(Option9, AbsentServiceTenRealAttempts)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
+    /* An absent service: ten real attempts, a second apart. */
     sim.ctl_ok("down vs");
     long long start = monotonic_ms();
-    rlk_run run = sim.run_rlk({"9", "0", "0"});
+    rlk_run absent = sim.run_rlk({"9", "0", "0"});
     long long spent = monotonic_ms() - start;
     EXPECT_GE(spent, 9000);
     EXPECT_LT(spent, 20000);
-    EXPECT_EQ(run.out, "modem_api_set_orvex_feature_status, start fail, result = 1\n" + head(0, 0, -1) +
-                           "orvex qmi is not yet inited");
-    std::string log;
-    for (const std::string &l : texts(run.logcat)) log += l + "\n";
-    EXPECT_EQ(count_of(log, "vs_client_init_client_handles: Trying qmi_client_init_instance() try # "), 9);
-    EXPECT_EQ(count_of(log, "try # 9 port[65535]"), 1);
-    EXPECT_EQ(count_of(log, "vs_client_init_client_handles: qmi_client_init_instance returned failure(-3)\n"), 1);
-}
-
-TEST(Option9, RestartBetweenRunsAndDebugCounters)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
-    EXPECT_NE(sim.run_rlk({"9", "20", "0"}).out.find("ASDIV DATA: rx_agc_0: -72.50"), std::string::npos);
-    EXPECT_EQ(sim.ctl_ok("vs feature"), "1");
-    /* The restarted service forgets the started collection until the next
-     * run starts it again. */
-    sim.ctl_ok("ssr vs 50");
-    sim.ctl_ok("ssr ext 50");
-    rlk_run again;
-    for (int i = 0; i < 50; i++) {
-        again = sim.run_rlk({"9", "20", "0"});
-        if (again.out.find("ASDIV DATA") != std::string::npos) break;
-    }
-    EXPECT_NE(again.out.find("ASDIV DATA: rx_agc_0: -72.50, rx_agc_1: -75.25\n"), std::string::npos) << again.out;
-    /* Option 7's debug info counts the answers of the framework. */
-    std::string counters = sim.ctl_ok("counters");
-    EXPECT_NE(counters.find("stats.main.cmd_ok_count 4"), std::string::npos) << counters;
-    rlk_run debug = sim.run_rlk({"7", "2", "1"});
-    EXPECT_NE(debug.out.find("UNPK[size:1], g_modem_stats_feature_enable_status = 1\n"), std::string::npos) << debug.out;
-    EXPECT_NE(debug.out.find("UNPK[size:8], g_modem_stats_cmd_ok_count = 4\n"), std::string::npos) << debug.out;
+    EXPECT_EQ(absent.out, "modem_api_set_orvex_feature_status, start fail, result = 1\n" + head(0, 0, -1) +
+                              "orvex qmi is not yet inited");
 }
 
 }  // namespace

@@ -1,17 +1,19 @@
 /* Helpers of the modem API and vs client tests: the ORVEX lines of this
- * process, and a recorder of callbacks that arrive on other threads. */
+ * process's Android log, and a recorder of callbacks from other threads. */
 #ifndef RLK_TEST_MODEM_API_TEST_UTIL_H
 #define RLK_TEST_MODEM_API_TEST_UTIL_H
 
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "orvex_mem.h"
 #include "sim_fixture.h"
 
 /* Upper bound of every wait: success never waits for it. */
@@ -26,6 +28,26 @@ inline std::string fresh_logcat(const std::string &dir, const std::string &name)
     return path;
 }
 
+/* This process's Android log in a private directory, removed at the end,
+ * for tests without a simulator: the memory layer's one property read
+ * finds nothing instead of starting the default simulator (seconds). */
+struct temp_logcat {
+    temp_logcat()
+    {
+        orvex_mem_set_property_reader([](const char *, char *, const char *) { return 0; });
+        char tmpl[] = "/tmp/rlk-modem-api-XXXXXX";
+        dir = mkdtemp(tmpl) ? tmpl : "/tmp";
+        path = fresh_logcat(dir, "logcat.log");
+    }
+    ~temp_logcat()
+    {
+        orvex_mem_set_property_reader(nullptr);
+        unlink(path.c_str());
+        rmdir(dir.c_str());
+    }
+    std::string dir, path;
+};
+
 /* "<priority> <text>" of every ORVEX line in `path`. */
 inline std::vector<std::string> orvex_lines(const std::string &path)
 {
@@ -38,10 +60,7 @@ inline std::vector<std::string> orvex_lines(const std::string &path)
 
 inline bool has_line(const std::vector<std::string> &lines, const std::string &line)
 {
-    for (const std::string &l : lines) {
-        if (l == line) return true;
-    }
-    return false;
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
 /* Values recorded from callback threads, with a bounded wait. */
@@ -64,11 +83,6 @@ public:
     {
         std::lock_guard<std::mutex> g(mu_);
         return values_;
-    }
-    void clear()
-    {
-        std::lock_guard<std::mutex> g(mu_);
-        values_.clear();
     }
 
 private:

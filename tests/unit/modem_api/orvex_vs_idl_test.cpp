@@ -12,15 +12,10 @@
 
 namespace {
 
-std::vector<uint8_t> encode(qmi_idl_type_of_message_type type, uint16_t id, const void *c, uint32_t len)
+int decode_stats_answer(const std::vector<uint8_t> &wire, orvex_vs_get_stats_resp_msg_v01 *out)
 {
-    uint32_t max = 0;
-    EXPECT_EQ(qmi_idl_get_max_message_len(orvex_vs_get_service_object_v01(), type, id, &max), 0);
-    std::vector<uint8_t> out(max);
-    uint32_t n = 0;
-    EXPECT_EQ(qmi_idl_message_encode(orvex_vs_get_service_object_v01(), type, id, c, len, out.data(), max, &n), 0);
-    out.resize(n);
-    return out;
+    return qmi_idl_message_decode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01,
+                                  wire.data(), uint32_t(wire.size()), out, ORVEX_VS_GET_STATS_RESP_BUF_LEN);
 }
 
 TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
@@ -36,40 +31,34 @@ TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
         resp->data_list[i].data_len = 701; /* any value travels: the tool judges it */
         memset(resp->data_list[i].data, int(i + 1), ORVEX_VS_DATA_MAX);
     }
-    std::vector<uint8_t> wire =
-        encode(QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01, resp.get(), sizeof(*resp));
+    uint32_t max = 0, n = 0;
+    ASSERT_EQ(qmi_idl_get_max_message_len(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
+                                          ORVEX_VS_GET_STATS_MSG_ID_V01, &max),
+              0);
+    std::vector<uint8_t> wire(max);
+    ASSERT_EQ(qmi_idl_message_encode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
+                                     ORVEX_VS_GET_STATS_MSG_ID_V01, resp.get(), sizeof(*resp), wire.data(), max, &n),
+              0);
+    wire.resize(n);
     EXPECT_EQ(wire.size(), 7u + 3u + 2u + 712u * ORVEX_VS_GET_STATS_LIST_MAX);
     auto back = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
-    ASSERT_EQ(qmi_idl_message_decode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
-                                     ORVEX_VS_GET_STATS_MSG_ID_V01, wire.data(), uint32_t(wire.size()), back.get(),
-                                     ORVEX_VS_GET_STATS_RESP_BUF_LEN),
-              0);
+    ASSERT_EQ(decode_stats_answer(wire, back.get()), 0);
     EXPECT_EQ(memcmp(back.get(), resp.get(), sizeof(*resp)), 0);
 }
 
 TEST(OrvexVsIdl, ResultWordsAndMalformedLists)
 {
     /* A bare failure answer (result TLV 0x02 only: u16 1, u16 48). */
-    const uint8_t failure[] = {0x02, 0x04, 0x00, 0x01, 0x00, 0x30, 0x00};
     orvex_vs_get_stats_resp_msg_v01 resp;
-    ASSERT_EQ(qmi_idl_message_decode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
-                                     ORVEX_VS_GET_STATS_MSG_ID_V01, failure, sizeof(failure), &resp, sizeof(resp)),
-              0);
+    ASSERT_EQ(decode_stats_answer({0x02, 0x04, 0x00, 0x01, 0x00, 0x30, 0x00}, &resp), 0);
     EXPECT_EQ(resp.result, 1u);
     EXPECT_EQ(resp.error, 48u);
     EXPECT_EQ(resp.data_list_valid, 0);
-
     /* Eleven items announced: refused, never written past the list. */
-    std::vector<uint8_t> eleven = {0x02, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 0, 0, 11, 0};
+    const uint16_t tlv_len = uint16_t(2 + 712 * 11);
+    std::vector<uint8_t> eleven = {0x02, 0x04, 0, 0, 0, 0, 0, 0x10, uint8_t(tlv_len), uint8_t(tlv_len >> 8), 11, 0};
     eleven.resize(eleven.size() + 712 * 11, 0);
-    uint16_t tlv_len = uint16_t(2 + 712 * 11);
-    eleven[8] = uint8_t(tlv_len);
-    eleven[9] = uint8_t(tlv_len >> 8);
-    EXPECT_EQ(qmi_idl_message_decode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
-                                     ORVEX_VS_GET_STATS_MSG_ID_V01, eleven.data(), uint32_t(eleven.size()), &resp,
-                                     sizeof(resp)),
-              QMI_IDL_LIB_ARRAY_TOO_BIG);
-
+    EXPECT_EQ(decode_stats_answer(eleven, &resp), QMI_IDL_LIB_ARRAY_TOO_BIG);
     /* A request for eleven ids cannot even be encoded. */
     orvex_vs_get_stats_req_msg_v01 req = {};
     req.data_id_list_len = 11;
@@ -78,7 +67,6 @@ TEST(OrvexVsIdl, ResultWordsAndMalformedLists)
     EXPECT_EQ(qmi_idl_message_encode(orvex_vs_get_service_object_v01(), QMI_IDL_REQUEST, ORVEX_VS_GET_STATS_MSG_ID_V01,
                                      &req, sizeof(req), buf, sizeof(buf), &n),
               QMI_IDL_LIB_ARRAY_TOO_BIG);
-
     /* The largest indication fits one simulator packet. */
     uint32_t max = 0;
     ASSERT_EQ(qmi_idl_get_max_service_len(orvex_vs_get_service_object_v01(), &max), 0);

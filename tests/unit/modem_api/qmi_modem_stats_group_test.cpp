@@ -1,8 +1,7 @@
-/* Option 9 in this process: the bounded cursor readers on crafted items,
+/* Option 9 in this process: the bounded cursor readers on short items (the
+ * end-to-end test prints every full item),
  * and the group's steps against a private simulator (checks of an answer in
  * their order, refusals before any request, release on every path). */
-#include <string.h>
-
 #include <gtest/gtest.h>
 
 #include "../frontend/frontend_test_util.h"
@@ -15,63 +14,12 @@
 
 namespace {
 
-/* Little-endian item builder. */
-struct item {
-    std::vector<uint8_t> b;
-    item &u(uint32_t v, int width)
-    {
-        for (int i = 0; i < width; i++) b.push_back(uint8_t(v >> (8 * i)));
-        return *this;
-    }
-    item &f(float v)
-    {
-        uint32_t bits;
-        memcpy(&bits, &v, 4);
-        return u(bits, 4);
-    }
-};
-
-std::string read_with(void (*reader)(void), uint32_t id, const item &it)
-{
-    tolvek_qmi_stats_data_set(id, it.b.data(), int32_t(it.b.size()));
-    return capture_stdout(reader);
-}
-
-TEST(QmiStatsReaders, FullItemsPrintTheirLine)
-{
-    item rssi;
-    rssi.u(1, 4).f(-61.25f).f(-63.5f).f(-66.75f).f(-70.0f);
-    EXPECT_EQ(read_with(tolvek_qmi_stats_read_5g_rssi, 94, rssi),
-              "ASDIV DATA: rssi_rx0: -61.25, rssi_rx1: -63.50, rssi_rx2: -66.75, rssi_rx3: -70.00\n");
-    item lte;
-    lte.u(1, 4).u(1850, 4).u(101, 2).u(15, 1);
-    for (int i = 0; i < 16; i++) lte.f(float(i) - 0.5f);
-    EXPECT_EQ(read_with(tolvek_qmi_stats_read_4g_rssi, 82, lte),
-              "ASDIV DATA: earfcn: 1850, pci: 101, rx_valid: 15, rsrp_rx0: -0.50, rsrq_rx0: 0.50, rssi_rx0: 1.50, "
-              "snr_rx0: 2.50, rsrp_rx1: 3.50, rsrq_rx1: 4.50, rssi_rx1: 5.50, snr_rx1: 6.50, rsrp_rx2: 7.50, "
-              "rsrq_rx2: 8.50, rssi_rx2: 9.50, snr_rx2: 10.50, rsrp_rx3: 11.50, rsrq_rx3: 12.50, rssi_rx3: 13.50, "
-              "snr_rx3: 14.50\n");
-    EXPECT_EQ(g_orvex_data_left, 0);
-    EXPECT_EQ(g_pK_DATA_CNT, 75);
-    item ant;
-    ant.u(1, 4).u(4, 1).u(513, 2).u(258, 2).u(0, 1).u(255, 1);
-    EXPECT_EQ(read_with(tolvek_qmi_stats_read_ant_info, 100, ant),
-              "ANT INFO: ant_num: 4, ant_path: 513, sig_path: 258, old_config: 0, new_config: 255\n");
-    item asdiv;
-    asdiv.u(1, 4);
-    for (int i = 0; i < 12; i++) asdiv.u(uint32_t(i), 1);
-    EXPECT_EQ(read_with(tolvek_qmi_stats_read_5g_asdiv, 113, asdiv),
-              "ASDIV DATA: ant_rx_0_old = 0, ant_rx_0_new = 1, ant_rx_1_old = 2, ant_rx_1_new = 3, ant_rx_2_old = 4, "
-              "ant_rx_2_new = 5, ant_rx_3_old = 6, ant_rx_3_new = 7, ant_tx_0_old = 8, ant_tx_0_new = 9, "
-              "ant_tx_1_old = 10, ant_tx_1_new = 11\n");
-}
-
 TEST(QmiStatsReaders, ShortItemsStopAtTheFirstMissingField)
 {
     const struct {
         void (*reader)(void);
         uint32_t id;
-        size_t len; /* bytes kept of a long enough item */
+        size_t len; /* bytes of 0x11 */
         const char *out;
     } cases[] = {
         /* 12-byte 5G RSSI: version, rssi0, rssi1 read; rssi2 finds 0 left. */
@@ -88,18 +36,16 @@ TEST(QmiStatsReaders, ShortItemsStopAtTheFirstMissingField)
         {tolvek_qmi_stats_read_ant_info, 100, 0, "g_orvex_data_left(0) is not enough for version, id(0x64)\n"},
     };
     for (const auto &c : cases) {
-        item it;
-        for (int i = 0; i < 80; i++) it.u(0x11, 1);
-        it.b.resize(c.len);
-        EXPECT_EQ(read_with(c.reader, c.id, it), c.out) << c.id << " len " << c.len;
+        std::vector<uint8_t> item(c.len, 0x11);
+        tolvek_qmi_stats_data_set(c.id, item.data(), int32_t(item.size()));
+        EXPECT_EQ(capture_stdout(c.reader), c.out) << c.id << " len " << c.len;
     }
 }
 
 TEST(QmiStatsReaders, CursorGuards)
 {
-    item it;
-    it.u(1, 4).f(1.0f);
-    tolvek_qmi_stats_data_set(94, it.b.data(), int32_t(it.b.size()));
+    const uint8_t rssi[] = {1, 0, 0, 0, 0, 0, 0x80, 0x3F}; /* version 1, 1.0f */
+    tolvek_qmi_stats_data_set(94, rssi, int32_t(sizeof(rssi)));
     g_pK_DATA_CNT = -4;
     EXPECT_EQ(capture_stdout(tolvek_qmi_stats_read_5g_rssi), "g_pK_DATA_CNT(-4) is can not < 0 for version, id(0x5e)\n");
     /* Bytes left out of step with the cursor: a read past the buffer ends
@@ -120,115 +66,84 @@ TEST(QmiStatsReaders, CursorGuards)
 
 /* ---- The group's steps against the simulator -------------------------- */
 
-class QmiStatsGroup : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(sim.start());
-        fresh_logcat(sim.dir(), "group-logcat.log");
-    }
-    void TearDown() override
-    {
-        tolvek_qmi_modem_stats_api_deinit();
-        EXPECT_EQ(modem_api_client_count(), 0);
-        EXPECT_EQ(g_vs_client.client_handle, nullptr);
-    }
-    /* Runs `rlk 9 <opt> <sub>` in this process. */
-    std::string run(int opt, int sub)
-    {
-        std::vector<std::string> words = {"rlk", "9", std::to_string(opt), std::to_string(sub)};
-        std::vector<char *> argv;
-        for (std::string &w : words) argv.push_back(&w[0]);
-        return capture_stdout([&] { tolvek_test_qmi_modem_stats_do(int(argv.size()), argv.data()); });
-    }
-    /* Requests 0x0207 the simulator received. */
-    size_t get_requests()
-    {
+/* Runs `rlk 9 <opt> <sub>` in this process. */
+std::string run_group(int opt, int sub)
+{
+    std::vector<std::string> words = {"rlk", "9", std::to_string(opt), std::to_string(sub)};
+    std::vector<char *> argv;
+    for (std::string &w : words) argv.push_back(&w[0]);
+    return capture_stdout([&] { tolvek_test_qmi_modem_stats_do(int(argv.size()), argv.data()); });
+}
+
+TEST(QmiStatsGroup, RefusalsAnswerChecksInTheirOrderAndReleaseOnEveryPath)
+{
+    sim_instance sim;
+    ASSERT_TRUE(sim.start());
+    fresh_logcat(sim.dir(), "group-logcat.log");
+    /* Requests 0x0207 the simulator received so far. */
+    auto get_requests = [&] {
         std::string last = sim.ctl_ok("last 256 vs");
         size_t n = 0;
         for (size_t pos = 0; (pos = last.find("0xffe5 0x0207", pos)) != std::string::npos; pos++) n++;
         return n;
-    }
-    sim_instance sim;
-};
-
-TEST_F(QmiStatsGroup, UnknownOptStillFreesTheClient)
-{
-    EXPECT_EQ(run(13, 0), "opt = 13, sub = 0, g_orvex_client_id = 0\n"
-                          "tolvek_test_qmi_modem_stats_hdl: Unknown opt(13), sub(0)\n");
-    EXPECT_EQ(g_orvex_client_id, -1);
-    EXPECT_EQ(modem_api_client_count(), 0);
-    EXPECT_EQ(g_vs_client.client_handle, nullptr);
-    EXPECT_EQ(sim.ctl_ok("vs feature"), "1");
-    EXPECT_EQ(get_requests(), 0u);
-}
-
-TEST_F(QmiStatsGroup, SubscriptionTwoIsRefusedBeforeAnyRequest)
-{
-    EXPECT_EQ(run(7, 2), "opt = 7, sub = 2, g_orvex_client_id = 0\n"
-                         "modem_api_get_stats_parameter, sub(2) is invalid\n");
-    EXPECT_EQ(run(0, -1), "opt = 0, sub = -1, g_orvex_client_id = 0\n"
-                          "modem_api_get_stats_parameter, sub(-1) is invalid\n");
-    EXPECT_EQ(get_requests(), 0u);
-    /* The antenna information always asks for subscription 0. */
-    std::string out = run(30, 5);
-    EXPECT_NE(out.find("Success to get data, number = 1, sub = 0, ret id_num = 1, id = 100, data_len = 11"),
-              std::string::npos)
-        << out;
-    EXPECT_EQ(get_requests(), 1u);
-}
-
-TEST_F(QmiStatsGroup, AnswerChecksInTheirOrder)
-{
+    };
     const struct {
         const char *fault;
         int opt, sub;
+        size_t requests;
         const char *line;
     } cases[] = {
-        {"vs fault wrong-id", 7, 0,
+        {"ping", 13, 0, 0, "tolvek_test_qmi_modem_stats_hdl: Unknown opt(13), sub(0)\n"},
+        /* Subscriptions out of range are refused before any request. */
+        {"ping", 7, 2, 0, "modem_api_get_stats_parameter, sub(2) is invalid\n"},
+        {"ping", 0, -1, 0, "modem_api_get_stats_parameter, sub(-1) is invalid\n"},
+        /* The antenna information always asks for subscription 0. */
+        {"ping", 30, 5, 1, "Success to get data, number = 1, sub = 0, ret id_num = 1, id = 100, data_len = 11\n"
+                           "ANT INFO: ant_num: 4, ant_path: 2, sig_path: 1, old_config: 0, new_config: 1\n"},
+        {"vs fault wrong-id", 7, 0, 1,
          "Fail to get data, ret_id(95) is invalid, number = 1, sub = 0, ret id_num = 1, id = 94\n"},
-        {"vs fault wrong-sub", 7, 0,
+        {"vs fault wrong-sub", 7, 0, 1,
          "Fail to get data, ret_sub(1) is invalid, number = 1, sub = 0, ret id_num = 1, id = 94\n"},
-        {"vs fault data-len 0", 20, 0,
+        {"vs fault data-len 0", 20, 0, 1,
          "Fail to get data, data_len(0) is invalid, should be in (0, 700], number = 1, sub = 0, ret id_num = 1, "
          "id = 110\n"},
-        {"vs fault data-len 701", 20, 0,
+        {"vs fault data-len 701", 20, 0, 1,
          "Fail to get data, data_len(701) is invalid, should be in (0, 700], number = 1, sub = 0, ret id_num = 1, "
          "id = 110\n"},
-        {"vs fault empty", 0, 0,
+        {"vs fault empty", 0, 0, 1,
          "Fail to get data, ret_id(0) is invalid, number = 1, sub = 0, ret id_num = 0, id = 82\n"},
         /* Nothing for NR on the LTE-only second subscription. */
-        {"ping", 7, 1, "Fail to get data, ret_id(0) is invalid, number = 1, sub = 1, ret id_num = 0, id = 94\n"},
+        {"ping", 7, 1, 1, "Fail to get data, ret_id(0) is invalid, number = 1, sub = 1, ret id_num = 0, id = 94\n"},
         /* A subscription without a modem stack: QMI error 48 -> 5. */
-        {"vs set 1 served 0", 0, 1, "Fail to get data fail, number = 1, ret = 5, sub = 1, id = 82\n"},
-        {"error vs 0x0207 52", 8, 0, "Fail to get data fail, number = 1, ret = 8, sub = 0, id = 112\n"},
-        {"vs fault data-len 12", 7, 0,
+        {"vs set 1 served 0", 0, 1, 1, "Fail to get data fail, number = 1, ret = 5, sub = 1, id = 82\n"},
+        {"error vs 0x0207 52", 8, 0, 1, "Fail to get data fail, number = 1, ret = 8, sub = 0, id = 112\n"},
+        {"vs fault data-len 12", 7, 0, 1,
          "Success to get data, number = 1, sub = 0, ret id_num = 1, id = 94, data_len = 12\n"
          "g_orvex_data_left(0) is not enough for rssi2, id(0x5e)\n"},
     };
     for (const auto &c : cases) {
         sim.ctl_ok(c.fault);
-        std::string expected = std::string("opt = ") + std::to_string(c.opt) + ", sub = " + std::to_string(c.sub) +
-                               ", g_orvex_client_id = 0\n" + c.line;
-        EXPECT_EQ(run(c.opt, c.sub), expected) << c.fault;
+        size_t before = get_requests();
+        EXPECT_EQ(run_group(c.opt, c.sub), "opt = " + std::to_string(c.opt) + ", sub = " + std::to_string(c.sub) +
+                                               ", g_orvex_client_id = 0\n" + c.line)
+            << c.fault;
+        EXPECT_EQ(get_requests() - before, c.requests) << c.fault;
+        /* Every path frees the client and stops the collection. */
+        EXPECT_EQ(g_orvex_client_id, -1);
+        EXPECT_EQ(modem_api_client_count(), 0);
+        EXPECT_EQ(g_vs_client.client_handle, nullptr);
+        EXPECT_EQ(sim.ctl_ok("vs feature"), "1");
         sim.ctl_ok("clear-faults");
     }
-}
-
-TEST_F(QmiStatsGroup, StartFailureAndMissingClient)
-{
+    /* A collection that cannot start is reported; the request still goes. */
     sim.ctl_ok("error vs 0x0201 4");
-    std::string out = run(21, 0);
-    EXPECT_EQ(out.substr(0, out.find('\n') + 1), "modem_api_set_orvex_feature_status, start fail, result = 10\n");
-    sim.ctl_ok("clear-faults");
-    /* Without the service there is no client: every step says so. */
-    sim.ctl_ok("down vs");
-    vs_client_set_sleep([](unsigned int) {});
-    out = run(21, 0);
-    vs_client_set_sleep(nullptr);
-    EXPECT_EQ(out, "modem_api_set_orvex_feature_status, start fail, result = 1\n"
-                   "opt = 21, sub = 0, g_orvex_client_id = -1\n"
-                   "orvex qmi is not yet inited");
+    EXPECT_EQ(run_group(21, 0), "modem_api_set_orvex_feature_status, start fail, result = 10\n"
+                                "opt = 21, sub = 0, g_orvex_client_id = 0\n"
+                                "Success to get data, number = 1, sub = 0, ret id_num = 1, id = 111, data_len = 12\n"
+                                "ASDIV DATA: rx_prx: -68.00, rx_drx: -71.50\n");
+    tolvek_qmi_modem_stats_api_deinit();
+    EXPECT_EQ(modem_api_client_count(), 0);
+    EXPECT_EQ(g_vs_client.client_handle, nullptr);
 }
 
 }  // namespace
