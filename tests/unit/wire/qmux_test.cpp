@@ -1,10 +1,12 @@
 /* QMUX framing: frames split across reads, several in one read, and the
  * resynchronisation over bytes that start no frame; the TLV area reads. */
+#include <map>
 #include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "qmux.h"
+#include "qmux_link.h"
 
 namespace {
 
@@ -103,6 +105,37 @@ TEST(QmuxTlvs, FindAndResultReadRefuseMalformedAreas)
         uint16_t err = 0x5555;
         EXPECT_EQ(qmi_result_read(c.area.data(), c.area.size(), &err), c.ok);
         EXPECT_EQ(err, c.err);
+    }
+}
+
+/* The control service's version list: its count and its length both bound
+ * the entries taken, and an error answer leaves the versions unknown. */
+TEST(QmuxLinkVersions, CountAndLengthBothBoundTheEntries)
+{
+    const bytes ok = {0x02, 0x04, 0x00, 0, 0, 0, 0};
+    const bytes failed = {0x02, 0x04, 0x00, 1, 0, 0x1a, 0};
+    const bytes entries = {0x0b, 0x01, 0x00, 0x02, 0x00, 0x03, 0x03, 0x00, 0x01, 0x00};
+    const struct {
+        bytes result;
+        uint8_t count;
+        size_t entry_bytes;
+        std::map<uint8_t, uint16_t> majors;
+    } cases[] = {
+        {ok, 2, 10, {{0x0b, 1}, {0x03, 3}}},
+        {ok, 1, 10, {{0x0b, 1}}},
+        {ok, 3, 10, {{0x0b, 1}, {0x03, 3}}},
+        {ok, 2, 9, {{0x0b, 1}}},
+        {failed, 2, 10, {}},
+    };
+    for (const auto &c : cases) {
+        bytes list = {c.count};
+        list.insert(list.end(), entries.begin(), entries.begin() + long(c.entry_bytes));
+        bytes answer = c.result;
+        qmi_tlv_append(&answer, QMI_CTL_TLV_INFO, list);
+        rlk_host::qmux_link::device d;
+        rlk_host::qmux_link::take_versions(d, answer);
+        EXPECT_EQ(d.majors, c.majors) << int(c.count) << " " << c.entry_bytes;
+        EXPECT_EQ(d.have_versions, !c.majors.empty());
     }
 }
 
