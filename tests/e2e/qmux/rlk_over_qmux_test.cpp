@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -31,9 +31,27 @@ constexpr int k_client_wait_ms = 5000;
  * main thread, from their "RIL[" on) depending on timing. */
 std::string comparable(const std::string &text)
 {
-    static const std::regex address("0x[0-9a-fA-F]{6,}");
-    static const std::regex indication("(RIL\\[(?:(?!RIL\\[)[^\\n])*)?unsol_ind_cb[^\\n]*\\n?");
-    return std::regex_replace(std::regex_replace(text, address, "0x?"), indication, "");
+    std::string out;
+    for (size_t i = 0; i < text.size(); i++) {
+        size_t end = i + 2;
+        while (text.compare(i, 2, "0x") == 0 && end < text.size() && isxdigit((unsigned char)text[end])) end++;
+        if (end - i - 2 >= 6) {
+            out += "0x?";
+            i = end - 1;
+        } else {
+            out += text[i];
+        }
+    }
+    for (size_t at = out.find("unsol_ind_cb"); at != std::string::npos; at = out.find("unsol_ind_cb", at)) {
+        size_t line = out.rfind('\n', at);
+        line = line == std::string::npos ? 0 : line + 1;
+        size_t ril = out.rfind("RIL[", at);
+        size_t from = ril != std::string::npos && ril >= line ? ril : at;
+        size_t to = out.find('\n', at);
+        out.erase(from, to == std::string::npos ? std::string::npos : to + 1 - from);
+        at = from;
+    }
+    return out;
 }
 
 /* Polls `qmux clients` until it answers `want`; the last answer. */

@@ -3,8 +3,8 @@
  * unsigned sleep of about 136 years). */
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <functional>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -23,6 +23,23 @@ unsigned int fake_sleep(unsigned int seconds)
     g_sleeps.push_back(seconds);
     if (g_during_sleep) g_during_sleep();
     return 0;
+}
+
+/* ":123]" becomes ":N]": the texts do not depend on source line numbers. */
+std::string without_line_numbers(const std::string &text)
+{
+    std::string out;
+    for (size_t i = 0; i < text.size(); i++) {
+        size_t j = i + 1;
+        while (text[i] == ':' && j < text.size() && isdigit((unsigned char)text[j])) j++;
+        if (j > i + 1 && j < text.size() && text[j] == ']') {
+            out += ":N";
+            i = j - 1;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
 }
 
 TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
@@ -56,7 +73,7 @@ TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
          * line numbers are not compared. */
         std::string expected;
         for (const std::string &text : c.texts) expected += "RIL[tolvek_smart_test_ssr_wait_s:N]: " + text + "\n\n";
-        EXPECT_EQ(std::regex_replace(out, std::regex(":[0-9]+\\]"), ":N]"), expected) << c.value;
+        EXPECT_EQ(without_line_numbers(out), expected) << c.value;
     }
 
     /* A negative first wait stops before the request, the level left open. */
