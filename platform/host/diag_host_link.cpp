@@ -218,6 +218,16 @@ bool link_open()
     return true;
 }
 
+/* A closed session leaves nothing to the next one: it starts in the
+ * default mode, with no callbacks registered and no DCI pieces pending.
+ * Called with g().mu held. */
+static void reset_session_locked()
+{
+    g().logging_mode = USB_MODE;
+    for (callback_slot &s : g().callbacks) s = callback_slot();
+    for (auto &kv : g().dci) kv.second.pending.clear();
+}
+
 bool link_close()
 {
     std::lock_guard<std::mutex> life(g().life_mu);
@@ -235,18 +245,13 @@ bool link_close()
                 g().cv.wait(wait, [&] { return lost->done; });
                 wait.release();
             }
-            /* Nothing of the lost session may reach the next one: it
-             * starts in the default mode with no callbacks registered. */
-            g().logging_mode = USB_MODE;
-            for (callback_slot &s : g().callbacks) s = callback_slot();
-            for (auto &kv : g().dci) kv.second.pending.clear();
+            /* Nothing of the lost session may reach the next one. */
+            reset_session_locked();
             return false;
         }
         g().lost.reset();
         g().conn.reset();
-        g().logging_mode = USB_MODE;
-        for (callback_slot &s : g().callbacks) s = callback_slot();
-        for (auto &kv : g().dci) kv.second.pending.clear();
+        reset_session_locked();
         g().cv.notify_all();
     }
     link_interrupt(*l);
