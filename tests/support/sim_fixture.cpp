@@ -104,7 +104,7 @@ bool sim_instance::spawn()
         k_start_timeout_ms) && pid_ > 0;
 }
 
-bool sim_instance::start()
+bool sim_instance::start_without_simulator()
 {
     dir_ = make_temp_dir();
     if (dir_.empty()) return false;
@@ -113,7 +113,12 @@ bool sim_instance::start()
     setenv("RLK_MODEMD_SOCKET", socket_.c_str(), 1);
     setenv("RLK_SYSLOG_FILE", (dir_ + "/test-syslog.log").c_str(), 1);
     setenv("RLK_LOGCAT_FILE", (dir_ + "/test-logcat.log").c_str(), 1);
-    return spawn();
+    return true;
+}
+
+bool sim_instance::start()
+{
+    return start_without_simulator() && spawn();
 }
 
 bool sim_instance::restart()
@@ -153,8 +158,14 @@ std::vector<std::string> sim_instance::env() const
 rlk_run sim_instance::run_rlk(const std::vector<std::string> &args, const std::vector<std::string> &extra_env,
                               int timeout_ms)
 {
+    return run_program(RLK_BINARY, args, extra_env, timeout_ms);
+}
+
+rlk_run sim_instance::run_program(const std::string &binary, const std::vector<std::string> &args,
+                                  const std::vector<std::string> &extra_env, int timeout_ms)
+{
     std::string run = dir_ + "/run" + std::to_string(++runs_);
-    std::vector<std::string> argv = {RLK_BINARY};
+    std::vector<std::string> argv = {binary};
     argv.insert(argv.end(), args.begin(), args.end());
     std::vector<std::string> e = env();
     e.push_back("RLK_SYSLOG_FILE=" + run + "-syslog.log");

@@ -39,6 +39,9 @@ public:
      * answers; also points RLK_MODEMD_SOCKET of this process at it (for
      * tests that call the platform library directly). */
     bool start();
+    /* Creates the directory like start() but starts no simulator: runs
+     * then meet a socket that nobody serves. */
+    bool start_without_simulator();
     /* Starts again on the same state directory (after stop or kill). */
     bool restart();
     /* SIGTERM and wait; returns the exit status. */
@@ -57,6 +60,11 @@ public:
     /* Runs rlk with `args` against this simulator. */
     rlk_run run_rlk(const std::vector<std::string> &args, const std::vector<std::string> &extra_env = {},
                     int timeout_ms = k_run_process_default_timeout_ms);
+    /* Runs the program at `binary` (rlk, a companion or a test probe)
+     * with `args` against this simulator, like run_rlk. */
+    rlk_run run_program(const std::string &binary, const std::vector<std::string> &args,
+                        const std::vector<std::string> &extra_env = {},
+                        int timeout_ms = k_run_process_default_timeout_ms);
     /* Starts rlk with `args` against this simulator, its output dropped,
      * without waiting; its process id (the caller waits for it). */
     pid_t start_rlk(const std::vector<std::string> &args) const;
