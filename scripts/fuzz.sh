@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 dir=build-fuzz
 if [ ! -f "$dir/CMakeCache.txt" ]; then
     CC=clang-14 CXX=clang++-14 cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        -DRLK_SANITIZE=ON -DRLK_FUZZ=ON \
+        -DRLK_SANITIZE=ON -DRLK_FUZZ=ON -DRLK_LINE_TABLES=ON \
         -DCMAKE_C_FLAGS=-fsanitize=fuzzer-no-link -DCMAKE_CXX_FLAGS=-fsanitize=fuzzer-no-link >&2
 fi
 for target in stats_dispatch capture_reader; do
