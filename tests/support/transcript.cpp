@@ -14,6 +14,9 @@
 
 namespace {
 
+/* How long ">?" and "! wait-up" wait for the simulator. */
+constexpr int k_poll_ms = 5000;
+
 /* One expected line: exact, with '*' wildcards, or any run of lines. */
 struct expect_line {
     enum kind_t { exact, glob, any } kind;
@@ -21,7 +24,7 @@ struct expect_line {
 };
 
 struct step {
-    enum kind_t { run, control, restart } kind;
+    enum kind_t { run, control, poll, restart, wait_up, file } kind;
     size_t line = 0;       /* where it starts in the file */
     std::string command;   /* the command or control request as written */
     std::vector<expect_line> out, err, syslog, logcat;
@@ -34,6 +37,7 @@ struct transcript {
     bool simulator = true;
     bool needs_captures = false;
     std::vector<std::string> sim_args;
+    std::vector<expect_line> ignored; /* output lines left out of every comparison */
     std::vector<step> steps;
     std::vector<std::string> lines; /* the file, for rewriting */
 };
@@ -171,12 +175,28 @@ bool parse(const std::string &path, transcript *t)
         if (cur && is_expectation(l, cur)) {
             cur->end_line = n;
         } else if (l.empty() || l[0] == '#') {
-        } else if (starts(l, "$ ") || starts(l, "> ") || l == "! restart") {
+        } else if (starts(l, "$ ") || starts(l, "> ") || starts(l, ">? ") || starts(l, "! ")) {
             step s;
-            s.kind = l[0] == '$' ? step::run : l[0] == '>' ? step::control : step::restart;
             s.line = s.end_line = n;
-            s.command = l.substr(2);
+            s.command = l.substr(l.find(' ') + 1);
+            if (l[0] == '$') {
+                s.kind = step::run;
+            } else if (l[0] == '>') {
+                s.kind = l[1] == '?' ? step::poll : step::control;
+            } else if (l == "! restart") {
+                s.kind = step::restart;
+            } else if (starts(l, "! wait-up ")) {
+                s.kind = step::wait_up;
+                s.command = l.substr(10);
+            } else if (starts(l, "! file ") && l.find("..") == std::string::npos) {
+                s.kind = step::file;
+                s.command = l.substr(7);
+            } else {
+                ADD_FAILURE() << path << ":" << n << ": no such step: " << l;
+                return false;
+            }
             t->steps.push_back(s);
+        } else if (t->steps.empty() && take_expect(l, "ignore", &t->ignored)) {
         } else if (t->steps.empty() && starts(l, "simulator: ")) {
             t->simulator = l != "simulator: off";
             if (t->simulator) t->sim_args = split_words(l.substr(11));
@@ -218,14 +238,38 @@ std::string render(const std::vector<std::string> &lines, const char *tag)
     return s;
 }
 
+/* An output line as an expectation: run-to-run values (addresses of nine
+ * or more hex digits, UTC times "2026-11-26T05:01:02Z") become '*' in a
+ * "~" line. */
+std::string expectation_of(const std::string &line, const char *tag)
+{
+    std::string e;
+    bool varies = false;
+    for (size_t i = 0; i < line.size();) {
+        size_t hex = starts(line.substr(i, 2), "0x") ? line.find_first_not_of("0123456789abcdef", i + 2) : i;
+        if (hex == std::string::npos) hex = line.size();
+        bool time = line.size() - i >= 20 && line[i + 4] == '-' && line[i + 10] == 'T' && line[i + 19] == 'Z' &&
+                    isdigit(static_cast<unsigned char>(line[i]));
+        if (hex - i >= 11 || time) {
+            e += '*';
+            i = time ? i + 20 : hex;
+            varies = true;
+        } else {
+            e += line[i++];
+        }
+    }
+    std::string head = std::string(tag) + (varies ? "~" : "|");
+    return e.empty() ? head : head + " " + e;
+}
+
 /* The expectation lines a run's actual results would be written as. */
 std::vector<std::string> rewrite(const rlk_run &r, const step &s)
 {
     std::vector<std::string> out;
     bool no_eol = false;
-    for (const std::string &l : split_lines(r.out, &no_eol)) out.push_back(l.empty() ? "|" : "| " + l);
+    for (const std::string &l : split_lines(r.out, &no_eol)) out.push_back(expectation_of(l, ""));
     if (no_eol) out.push_back("(no newline at end)");
-    for (const std::string &l : split_lines(r.err)) out.push_back(l.empty() ? "2|" : "2| " + l);
+    for (const std::string &l : split_lines(r.err)) out.push_back(expectation_of(l, "2"));
     if (status_text(r.status) != "0") out.push_back("? " + status_text(r.status));
     for (const expect_line &e : s.syslog) out.push_back(std::string(e.kind == expect_line::exact ? "log| " : "log~ ") + e.text);
     for (const expect_line &e : s.logcat) out.push_back(std::string(e.kind == expect_line::exact ? "logcat| " : "logcat~ ") + e.text);
@@ -270,12 +314,36 @@ void run_transcript(const std::string &path)
             ASSERT_TRUE(sim.restart()) << where;
             continue;
         }
-        if (s.kind == step::control) {
-            std::string answer = sim.ctl(s.command);
-            EXPECT_TRUE(answer == "ok" || starts(answer, "ok ")) << where << ": " << s.command << " -> " << answer;
-            std::vector<std::string> data = split_lines(answer.size() > 3 ? answer.substr(3) : "");
-            EXPECT_TRUE(s.out.empty() || lines_match(s.out, 0, data, 0))
-                << where << ": answer of " << s.command << ":\n" << render(data, "|");
+        if (s.kind == step::control || s.kind == step::poll) {
+            std::string answer;
+            std::vector<std::string> data;
+            auto answered = [&] {
+                answer = sim.ctl(s.command);
+                data = split_lines(answer.size() > 3 ? answer.substr(3) : "");
+                bool ok = answer == "ok" || starts(answer, "ok ") || starts(answer, "ok\n");
+                return ok && (s.out.empty() || lines_match(s.out, 0, data, 0));
+            };
+            EXPECT_TRUE(s.kind == step::control ? answered() : poll_until(answered, k_poll_ms))
+                << where << ": " << s.command << " -> " << answer;
+            continue;
+        }
+        if (s.kind == step::wait_up) {
+            /* The modem is back from its N-th restart with every service up. */
+            const long long ups = atoll(s.command.c_str());
+            EXPECT_TRUE(poll_until(
+                [&] {
+                    return atoll(sim.ctl_ok("counter get ext.restart.up").c_str()) >= ups &&
+                           sim.ctl_ok("services").find(" down ") == std::string::npos;
+                },
+                k_poll_ms))
+                << where << ": the modem did not come back";
+            continue;
+        }
+        if (s.kind == step::file) {
+            std::ifstream f(sim.state_dir() + "/" + s.command);
+            std::vector<std::string> content = split_lines(std::string(std::istreambuf_iterator<char>(f), {}));
+            EXPECT_TRUE(f && lines_match(s.out, 0, content, 0)) << where << ": state file " << s.command << ":\n"
+                                                               << render(content, "|");
             continue;
         }
         const std::map<std::string, std::string> vars = {
@@ -294,10 +362,20 @@ void run_transcript(const std::string &path)
         rlk_run r = sim.run_program(binary, words, env);
         bool no_eol = false;
         std::vector<std::string> out = split_lines(r.out, &no_eol), err = split_lines(r.err);
+        out.erase(std::remove_if(out.begin(), out.end(),
+                                 [&](const std::string &l) {
+                                     return std::any_of(t.ignored.begin(), t.ignored.end(),
+                                                        [&](const expect_line &e) { return line_matches(e, l); });
+                                 }),
+                  out.end());
         bool output_ok = lines_match(s.out, 0, out, 0) && no_eol == s.out_no_eol && lines_match(s.err, 0, err, 0) &&
                          status_text(r.status) == s.status;
         if (!output_ok && rewriting) {
-            rewrites.push_back({&s, rewrite(r, s)});
+            rlk_run shown = r;
+            shown.out.clear();
+            for (const std::string &l : out) shown.out += l + "\n";
+            if (no_eol && !shown.out.empty()) shown.out.pop_back();
+            rewrites.push_back({&s, rewrite(shown, s)});
         } else {
             EXPECT_TRUE(output_ok) << where << ": $ " << s.command << "\nprinted (status " << status_text(r.status)
                                    << (no_eol ? ", no newline at end" : "") << "):\n"

@@ -6,9 +6,17 @@
  *   simulator: --opt value    extra simulator options
  *   requires: captures        skipped when the sample captures are absent
  *
+ *   ignore~ *_unsol_ind_cb*   output lines left out of every comparison
+ *                             (lines of other threads that land anywhere)
+ *
  *   > sar state 7             control request that must answer "ok"; "|" and
  *   | ...                     "~" lines after it give the answer's data lines
+ *                             (what follows "ok " or "ok" and a newline)
+ *   >? counter get x          the same, asked again until it answers so (5 s)
  *   ! restart                 restart the simulator on the same state
+ *   ! wait-up 2               wait until the modem is back from its 2nd
+ *                             restart with every service up (5 s)
+ *   ! file dumps/a.txt        the lines after it give this state file's lines
  *   $ [NAME=value ...] rlk 5 5   run rlk (or rlk-mbn, rlk-replay, ext_probe,
  *                             platform_probe, mbn_retry_probe); words in '...'
  *                             keep their spaces; $DIR, $CAPTURES and $HERE
