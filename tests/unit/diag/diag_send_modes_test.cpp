@@ -227,7 +227,7 @@ TEST_F(DiagSendModesTest, WithResultCommandsFromSeveralThreadsEachGetTheirOwnRep
 
 TEST(DiagSendNoSimulator, BothWithResultModesFailAtOnceAndReleaseWhatTheyOpened)
 {
-    diag_test::scoped_env socket("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock");
+    setenv("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock", 1); /* no simulator */
     testing::internal::CaptureStdout();
     long long t0 = monotonic_ms();
     reply callback = send(TOLVEK_DIAG_MODE_CALLBACK, {0x1C}, 3000);
