@@ -1,6 +1,7 @@
 /* The tool's diag channel below the library: mask and channel names, the
  * command, reply-buffer and response checks, the DCI append rule with its
- * semaphore posts, and the wait thread's three endings.  No simulator. */
+ * semaphore posts, and a wait thread outliving its wait (its other endings
+ * are in send_timeouts.data).  No simulator. */
 #include <errno.h>
 #include <pthread.h>
 #include <semaphore.h>
@@ -16,7 +17,6 @@ namespace {
 
 using diag_test::bytes;
 using diag_test::captured;
-using diag_test::expect_all;
 
 int sem_value()
 {
@@ -36,13 +36,6 @@ struct timespec realtime_in(int ms)
     return ts;
 }
 
-/* Waits at most `ms` for one post of the response semaphore. */
-bool sem_wait_ms(int ms)
-{
-    struct timespec ts = realtime_in(ms);
-    return sem_timedwait(&g_diag_rsp_sem, &ts) == 0;
-}
-
 bytes piece(size_t n, uint8_t first)
 {
     bytes b(n);
@@ -51,16 +44,17 @@ bytes piece(size_t n, uint8_t first)
     return b;
 }
 
-/* A fresh semaphore, an empty response and a fast wait tick per test,
- * restored after. */
+/* The stored response (no other thread running). */
+bytes stored() { return bytes(g_qcril_diag_rsp_buf.data, g_qcril_diag_rsp_buf.data + g_qcril_diag_rsp_buf.length); }
+
+/* A fresh semaphore and an empty response per test; no wait thread left
+ * after it. */
 class DiagSendStateTest : public testing::Test {
 protected:
     void SetUp() override
     {
         tolvek_diag_rsp_buf_clear();
         sem_init(&g_diag_rsp_sem, 0, 0);
-        saved_tick_ = g_diag_wait_tick_us;
-        g_diag_wait_tick_us = 2000;
     }
     void TearDown() override
     {
@@ -69,7 +63,6 @@ protected:
         tolvek_diag_wait_end_locked();
         EXPECT_EQ(tolvek_diag_wait_threads_gone_locked(1000), 0) << "a wait thread ends with its wait";
         pthread_mutex_unlock(&g_diag_rsp_mutex);
-        g_diag_wait_tick_us = saved_tick_;
         tolvek_diag_rsp_buf_clear();
         sem_destroy(&g_diag_rsp_sem);
     }
@@ -81,21 +74,6 @@ protected:
         g_diag_wait.timed_out = 0;
         pthread_mutex_unlock(&g_diag_rsp_mutex);
     }
-    uint8_t timed_out()
-    {
-        pthread_mutex_lock(&g_diag_rsp_mutex);
-        uint8_t v = g_diag_wait.timed_out;
-        pthread_mutex_unlock(&g_diag_rsp_mutex);
-        return v;
-    }
-    bytes stored()
-    {
-        pthread_mutex_lock(&g_diag_rsp_mutex);
-        bytes b(g_qcril_diag_rsp_buf.data, g_qcril_diag_rsp_buf.data + g_qcril_diag_rsp_buf.length);
-        pthread_mutex_unlock(&g_diag_rsp_mutex);
-        return b;
-    }
-    uint32_t saved_tick_ = 0;
 };
 
 /* Mask and channel names (only the lowest mask bit is named, channels
@@ -165,40 +143,10 @@ TEST_F(DiagSendStateTest, ResponsesAreJoinedReplacedOrRefused)
     expect_golden(captured(), __FILE__, "send_responses.golden");
 }
 
-TEST_F(DiagSendStateTest, WaitThreadEndsAWaitOnlyAtItsLimit)
-{
-    /* Nothing arrived: the limit times the command out. */
-    arm_wait(3);
-    testing::internal::CaptureStdout();
-    ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
-    ASSERT_TRUE(sem_wait_ms(2000));
-    std::string out = captured();
-    EXPECT_EQ(timed_out(), 1);
-    expect_all(out, {"cnt_of_100ms = 3", "stop waiting"});
-    EXPECT_FALSE(diag_test::has(out, "cnt_of_100ms = 4"));
-
-    /* Exactly 8192 bytes in two full pieces: no callback posted, the wait
-     * thread ends the wait as a success. */
-    pthread_mutex_lock(&g_diag_rsp_mutex);
-    tolvek_diag_wait_end_locked();
-    pthread_mutex_unlock(&g_diag_rsp_mutex);
-    bytes full = piece(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B);
-    arm_wait(3);
-    testing::internal::CaptureStdout();
-    tolvek_diag_cmd_response_by_dci(full.data(), int(full.size()), nullptr);
-    tolvek_diag_cmd_response_by_dci(full.data(), int(full.size()), nullptr);
-    EXPECT_EQ(sem_value(), 0);
-    ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
-    ASSERT_TRUE(sem_wait_ms(2000));
-    expect_all(captured(), {"stop waiting, receive success, length is times of 4096"});
-    EXPECT_EQ(timed_out(), 0);
-    EXPECT_EQ(stored().size(), 8192u);
-}
-
 TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
 {
     /* A full tick, so that the wait surely ends before the first one. */
-    g_diag_wait_tick_us = TOLVEK_DIAG_WAIT_TICK_US;
+    ASSERT_EQ(g_diag_wait_tick_us, TOLVEK_DIAG_WAIT_TICK_US);
     arm_wait(2);
     testing::internal::CaptureStdout();
     ASSERT_EQ(tolvek_diag_cmd_send_with_result_wait_create_thread(), 0);
@@ -209,10 +157,11 @@ TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
     int left = tolvek_diag_wait_threads_gone_locked(1000);
     pthread_mutex_unlock(&g_diag_rsp_mutex);
     arm_wait(1000);
-    EXPECT_FALSE(sem_wait_ms(50));
+    struct timespec soon = realtime_in(50);
+    EXPECT_NE(sem_timedwait(&g_diag_rsp_sem, &soon), 0) << "nothing woke the next wait";
     std::string out = captured();
     EXPECT_EQ(left, 0);
-    EXPECT_EQ(timed_out(), 0);
+    EXPECT_EQ(g_diag_wait.timed_out, 0);
     EXPECT_FALSE(diag_test::has(out, "cnt_of_100ms"));
 }
 

@@ -17,6 +17,7 @@ namespace {
 
 using diag_test::bytes;
 using diag_test::frame;
+using diag_test::parse_bytes;
 
 diag_test::call_box g_answers;
 
@@ -58,62 +59,35 @@ protected:
         }
         return frames.empty() ? bytes() : frames[0].payload;
     }
-    void modem_writes(const std::vector<bytes> &chunks)
-    {
-        for (const bytes &c : chunks) {
-            ASSERT_EQ(write(master, c.data(), c.size()), ssize_t(c.size()));
-            usleep(20000); /* each chunk its own read */
-        }
-    }
     int master = -1;
     std::string path;
     hdlc_decoder dec;
 };
 
+/* The rows of serial_answers.data: the answer (however late the reader
+ * runs), and no second one. */
 TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 {
-    open_callback_session();
-    const bytes ver = {0x1C, 0x08, 0x00};
-    bytes ver_frame = frame(ver);
-    bytes bad_crc = ver_frame;
-    bad_crc[1] ^= 0x01;
-    bytes both = frame({0x10, 0, 14, 0, 14, 0, 0x93, 0xB1, 1, 2, 3, 4, 5, 6, 7, 8, 0xAA, 0xBB});
-    both.insert(both.end(), ver_frame.begin(), ver_frame.end());
-    const struct {
-        const char *name;
-        bytes cmd;
-        std::vector<bytes> chunks; /* what the modem writes, one read each */
-        bytes want;
-    } cases[] = {
-        {"split across reads", {0x1C}, {bytes(ver_frame.begin(), ver_frame.begin() + 2),
-                                        bytes(ver_frame.begin() + 2, ver_frame.end())}, ver},
-        {"a log packet and the answer in one read", {0x1C}, {both}, ver},
-        {"a bad frame first", {0x1C}, {bad_crc, ver_frame}, ver},
-        {"a stale answer of another command first", {0x1C}, {frame({0x00, 1, 2}), ver_frame}, ver},
-        {"an event report before the EVENT_REPORT answer", {0x60, 0},
-         {frame({0x60, 5, 0, 0x46, 0x26, 9, 9, 4}), frame({0x60, 0, 0})}, {0x60, 0, 0}},
-        {"an error answer", {0x1C, 0x01}, {frame({0x15, 0x1C, 0x01})}, {0x15, 0x1C, 0x01}},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        if (&c == &cases[3]) {
-            /* A session after another in one process: the port was let go. */
-            ASSERT_TRUE(Diag_LSM_DeInit());
-            open_callback_session();
-        }
-        bytes cmd = c.cmd;
+    for (const std::vector<std::string> &row : diag_test::data_rows(__FILE__, "serial_answers.data")) {
+        SCOPED_TRACE(row[0] + " | " + row[1]);
+        open_callback_session();
+        bytes cmd = parse_bytes(row[0]);
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
-        EXPECT_EQ(command(), c.cmd);
-        modem_writes(c.chunks);
-        /* The answer (however late the reader runs), and no second one. */
+        EXPECT_EQ(command(), cmd);
+        for (const std::string &chunk : diag_test::fields(row[1], ';')) {
+            bytes wire = parse_bytes(chunk);
+            ASSERT_EQ(write(master, wire.data(), wire.size()), ssize_t(wire.size()));
+            usleep(20000); /* each chunk its own read */
+        }
         std::vector<bytes> got = g_answers.take(1, 2000);
         for (const bytes &more : g_answers.take(1, 50)) got.push_back(more);
-        EXPECT_EQ(got, std::vector<bytes>{c.want});
+        EXPECT_EQ(got, std::vector<bytes>{parse_bytes(row[2])});
+        /* Only the local processor is there. */
+        uint16 mask = 0xFFFF;
+        EXPECT_EQ(diag_has_remote_device(&mask), 1);
+        EXPECT_EQ(mask, 0);
+        EXPECT_TRUE(Diag_LSM_DeInit()) << "the port is let go for the next session";
     }
-    /* Only the local processor is there. */
-    uint16 mask = 0xFFFF;
-    EXPECT_EQ(diag_has_remote_device(&mask), 1);
-    EXPECT_EQ(mask, 0);
 }
 
 TEST_F(DiagSerialTest, DciIsServedOverTheSameFramesInPiecesOf4096)
@@ -131,7 +105,8 @@ TEST_F(DiagSerialTest, DciIsServedOverTheSameFramesInPiecesOf4096)
     EXPECT_EQ(command(), bytes(cmd, cmd + 4));
     bytes big(5000, 0x5A);
     big[0] = 0x4B;
-    modem_writes({frame(big)});
+    bytes wire = frame(big);
+    ASSERT_EQ(write(master, wire.data(), wire.size()), ssize_t(wire.size()));
     EXPECT_EQ(g_answers.take(2, 2000),
               (std::vector<bytes>{bytes(big.begin(), big.begin() + 4096), bytes(big.begin() + 4096, big.end())}));
     EXPECT_EQ(diag_release_dci_client(&id), DIAG_DCI_NO_ERROR);

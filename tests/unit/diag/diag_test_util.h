@@ -90,6 +90,30 @@ inline void expect_transcript(const char *source, const std::string &name,
     expect_golden(out, source, name);
 }
 
+/* `text` split at `sep`, each field without its surrounding spaces. */
+inline std::vector<std::string> fields(const std::string &text, char sep)
+{
+    std::vector<std::string> out;
+    std::istringstream in(text + sep);
+    for (std::string f; std::getline(in, f, sep);) {
+        size_t first = f.find_first_not_of(' ');
+        out.push_back(first == std::string::npos ? "" : f.substr(first, f.find_last_not_of(' ') - first + 1));
+    }
+    return out;
+}
+
+/* The rows of the data file `name` next to `source` (`#` lines are
+ * comments), each split into its "|"-separated columns. */
+inline std::vector<std::vector<std::string>> data_rows(const char *source, const std::string &name)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream in(read_golden(source, name));
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line[0] != '#') rows.push_back(fields(line, '|'));
+    }
+    return rows;
+}
+
 inline bool has(const std::string &out, const std::string &text) { return out.find(text) != std::string::npos; }
 
 /* Fails the test once for each of `texts` that `out` lacks. */
