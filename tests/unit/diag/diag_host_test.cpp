@@ -167,20 +167,6 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
 }
 
-TEST(DiagHostNoSimulator, InitFailsAndDciCannotRegister)
-{
-    setenv("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock", 1); /* no simulator */
-    EXPECT_EQ(Diag_LSM_Init(nullptr), FALSE);
-    EXPECT_EQ(Diag_LSM_DeInit(), FALSE);
-    int id = 0, sig = 18;
-    diag_dci_peripherals list = DIAG_CON_MPSS;
-    EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, &sig), DIAG_DCI_SEND_DATA_FAIL);
-    EXPECT_EQ(id, 0);
-    uint16 mask = 7;
-    EXPECT_EQ(diag_has_remote_device(&mask), 0);
-    EXPECT_EQ(mask, 0);
-}
-
 TEST_F(DiagHostTest, DciRegistrationCodes)
 {
     int id = 0;
