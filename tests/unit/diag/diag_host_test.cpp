@@ -21,20 +21,19 @@ using diag_test::hex_of;
 constexpr size_t k_dci_buf = 16384;
 const char k_status_idle[] = "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0";
 
-call_box *g_box = nullptr, *g_logs = nullptr, *g_events = nullptr;
+/* What the callbacks got; emptied before each test. */
+call_box box, logs, events;
 
-int on_response(unsigned char *ptr, int len, void *ctx) { return g_box->add(ptr, len, ctx), 0; }
-void on_dci_response(unsigned char *ptr, int len, void *data) { g_box->add(ptr, len, data); }
-void on_log(unsigned char *ptr, int len) { g_logs->add(ptr, len, nullptr); }
-void on_event(unsigned char *ptr, int len) { g_events->add(ptr, len, nullptr); }
+int on_response(unsigned char *ptr, int len, void *ctx) { return box.add(ptr, len, ctx), 0; }
+void on_dci_response(unsigned char *ptr, int len, void *data) { box.add(ptr, len, data); }
+void on_log(unsigned char *ptr, int len) { logs.add(ptr, len, nullptr); }
+void on_event(unsigned char *ptr, int len) { events.add(ptr, len, nullptr); }
 
 class DiagHostTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        g_box = &box;
-        g_logs = &logs;
-        g_events = &events;
+        for (call_box *b : {&box, &logs, &events}) b->take(0, 0);
         ASSERT_TRUE(sim.start());
         ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
     }
@@ -54,7 +53,6 @@ protected:
         return diag_send_dci_async_req(client_id, cmd.data(), int(cmd.size()), rsp, rsp_len, on_dci_response, data);
     }
     sim_instance sim;
-    call_box box, logs, events;
     int client_id = 0;
     int os_signal = 18;
     int marker = 0;
@@ -124,29 +122,13 @@ TEST_F(DiagHostTest, ALostLinkEndsTheSession)
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "the next session starts out of callback mode";
 }
 
-TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
-{
-    static std::atomic<int> closed{-1};
-    diag_register_callback(
-        [](unsigned char *p, int len, void *ctx) {
-            closed = Diag_LSM_DeInit();
-            return on_response(p, len, ctx);
-        },
-        nullptr);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    unsigned char cmd[] = {0x0c};
-    ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
-    ASSERT_EQ(box.wait(1).size(), 1u);
-    EXPECT_EQ(closed.load(), TRUE);
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
-    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
-}
-
-TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
+/* A DCI callback may release its own client and a callback may close the
+ * session, both from the library thread, without waiting for it. */
+TEST_F(DiagHostTest, CallbacksMayReleaseTheirClientAndCloseTheSessionFromTheLibraryThread)
 {
     register_dci();
     static int *s_client = nullptr;
-    static std::atomic<int> s_released{0}, s_mask_rc{0};
+    static std::atomic<int> s_released{0}, s_mask_rc{0}, s_closed{-1};
     s_client = &client_id;
     unsigned char cmd[] = {0x1c};
     long long start = monotonic_ms();
@@ -157,7 +139,7 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
         on_dci_response(p, len, data);
     };
     ASSERT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, int(sizeof(rsp)), release, &marker), DIAG_DCI_NO_ERROR);
-    ASSERT_EQ(box.wait(1).size(), 1u);
+    ASSERT_EQ(box.take(1, 3000).size(), 1u);
     EXPECT_EQ(s_released.load(), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(s_mask_rc.load(), 1) << "the mask last learnt";
     EXPECT_EQ(client_id, 0);
@@ -165,9 +147,22 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
     long long deadline = monotonic_ms() + 3000;
     while (sim.ctl_ok("diag status") != k_status_idle && monotonic_ms() < deadline) std::this_thread::yield();
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
+
+    diag_register_callback(
+        [](unsigned char *p, int len, void *ctx) {
+            s_closed = Diag_LSM_DeInit();
+            return on_response(p, len, ctx);
+        },
+        nullptr);
+    diag_switch_logging(CALLBACK_MODE, nullptr);
+    ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    ASSERT_EQ(box.wait(1).size(), 1u);
+    EXPECT_EQ(s_closed.load(), TRUE);
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
+    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
 }
 
-TEST_F(DiagHostTest, DciRegistrationCodes)
+TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
 {
     int id = 0;
     diag_dci_peripherals list = DIAG_CON_MPSS;
@@ -189,25 +184,21 @@ TEST_F(DiagHostTest, DciRegistrationCodes)
     EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, nullptr), DIAG_DCI_PARAM_FAIL);
 
     int released = client_id;
+    unsigned char cmd[] = {0x1c};
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(client_id, 0);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_signal_data(released, SIGRTMIN + 30), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_stream_proc(released, on_log, on_event), DIAG_DCI_NO_REG);
-    client_id = released;
-    EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_NO_REG);
-    client_id = 0;
+    EXPECT_EQ(diag_send_dci_async_req(released, cmd, 1, rsp, 10, on_dci_response, nullptr), DIAG_DCI_NO_REG);
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
-}
 
-TEST_F(DiagHostTest, DciClientOpensTheLinkItselfAndIsReleasedAfterTheSessionCloses)
-{
+    /* A client opens the link itself, and is released after the session
+     * closes. */
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     register_dci();
     ASSERT_EQ(send_dci({0x1c}), DIAG_DCI_NO_ERROR);
-    std::vector<call_box::call> calls = box.wait(1);
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].data, (bytes{0x1c, 0x08, 0x00}));
+    EXPECT_EQ(box.take(1, 3000), (std::vector<bytes>{{0x1c, 0x08, 0x00}}));
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_SEND_DATA_FAIL);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
