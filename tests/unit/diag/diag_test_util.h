@@ -76,14 +76,14 @@ inline std::string bytes_text(const bytes &b)
  * answer" (`#` lines are comments), with the answers `answer` gives to its
  * requests in order. */
 inline void expect_transcript(const char *source, const std::string &name,
-                              const std::function<bytes(const bytes &)> &answer)
+                              const std::function<std::string(const bytes &)> &answer)
 {
     std::istringstream in(read_golden(source, name));
     std::string out;
     for (std::string line; std::getline(in, line);) {
         if (!line.empty() && line[0] != '#') {
             std::string request = line.substr(0, line.find(" =>"));
-            line = request + " => " + bytes_text(answer(parse_bytes(request)));
+            line = request + " => " + answer(parse_bytes(request));
         }
         out += line + "\n";
     }
