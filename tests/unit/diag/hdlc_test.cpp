@@ -115,7 +115,8 @@ std::string decoded(const bytes &stream)
     }
     bytes one;
     hdlc_status status = hdlc_decode_one(stream.data(), stream.size(), &one);
-    return (out.empty() ? "-" : out) + " | one " + names[status] + (status == HDLC_OK ? " " + diag_test::bytes_text(one) : "");
+    out = (out.empty() ? "-" : out) + " | one " + names[status];
+    return status == HDLC_OK ? out + " " + diag_test::bytes_text(one) : out;
 }
 
 TEST(HdlcDecode, BadFramesAreReportedAndDecodingGoesOnAndDecodeOneTakesOneFrame)
