@@ -41,15 +41,10 @@ protected:
         unsetenv("RLK_DIAG_DEVICE");
         if (master >= 0) close(master);
     }
-    void open_callback_session()
-    {
-        ASSERT_TRUE(Diag_LSM_Init(nullptr));
-        diag_register_callback(on_answer, nullptr);
-        diag_switch_logging(CALLBACK_MODE, nullptr);
-    }
     /* The next command the library wrote, decoded. */
     bytes command()
     {
+        hdlc_decoder dec;
         std::vector<hdlc_frame> frames;
         uint8_t buf[4096];
         for (int i = 0; i < 100 && frames.empty(); i++) {
@@ -61,7 +56,6 @@ protected:
     }
     int master = -1;
     std::string path;
-    hdlc_decoder dec;
 };
 
 /* The rows of serial_answers.data: the answer (however late the reader
@@ -70,7 +64,9 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 {
     for (const std::vector<std::string> &row : diag_test::data_rows(__FILE__, "serial_answers.data")) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
-        open_callback_session();
+        ASSERT_TRUE(Diag_LSM_Init(nullptr));
+        diag_register_callback(on_answer, nullptr);
+        diag_switch_logging(CALLBACK_MODE, nullptr);
         bytes cmd = parse_bytes(row[0]);
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
         EXPECT_EQ(command(), cmd);
