@@ -44,7 +44,8 @@ inline std::string hex_of(const bytes &b)
 }
 
 /* Bytes written as text: "4b 13" byte by byte, "00*130" for 130 zero
- * bytes, 'text' for the characters of a word, "-" for nothing. */
+ * bytes, "00..ff" for the values from 00 to ff, 'text' for the characters
+ * of a word, "-" for nothing. */
 inline bytes parse_bytes(const std::string &text)
 {
     bytes out;
@@ -52,6 +53,10 @@ inline bytes parse_bytes(const std::string &text)
     for (std::string w; words >> w;) {
         if (w[0] == '\'') {
             out.insert(out.end(), w.begin() + 1, w.end() - 1);
+        } else if (w.size() == 6 && w.compare(2, 2, "..") == 0) {
+            unsigned first = unsigned(std::stoul(w.substr(0, 2), nullptr, 16));
+            unsigned last = unsigned(std::stoul(w.substr(4), nullptr, 16));
+            for (unsigned v = first; v <= last; v++) out.push_back(uint8_t(v));
         } else if (w != "-") {
             size_t count = w.size() > 3 ? std::stoul(w.substr(3)) : 1;
             out.insert(out.end(), count, uint8_t(std::stoul(w.substr(0, 2), nullptr, 16)));
