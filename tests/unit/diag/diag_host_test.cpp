@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <atomic>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -72,13 +73,11 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
     diag_switch_logging(CALLBACK_MODE, nullptr);
     bytes huge(k_dci_buf + 1, 0);
-    const struct {
-        int proc;
-        unsigned char *buf;
-        int len;
-    } refused[] = {{-1, cmd, 1}, {NUM_PROC, cmd, 1}, {MDM, cmd, 1} /* no remote processor */, {MSM, nullptr, 1},
-                   {MSM, cmd, 0}, {MSM, huge.data(), int(huge.size())}};
-    for (const auto &r : refused) EXPECT_EQ(diag_callback_send_data(r.proc, r.buf, r.len), -1) << r.proc << r.len;
+    /* MDM: no remote processor yet. */
+    for (int proc : {-1, int(NUM_PROC), int(MDM)}) EXPECT_EQ(diag_callback_send_data(proc, cmd, 1), -1) << proc;
+    EXPECT_EQ(diag_callback_send_data(MSM, nullptr, 1), -1);
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 0), -1);
+    EXPECT_EQ(diag_callback_send_data(MSM, huge.data(), int(huge.size())), -1);
 
     unsigned char unknown[] = {0xf0, 0x7e, 0x7d};
     ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
@@ -226,23 +225,19 @@ TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
     EXPECT_EQ(bytes(rsp, rsp + got[0].size()), got[0]) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
 
-    const struct {
-        size_t total;
-        const char *piece_ctl;
+    for (const std::vector<std::string> &row : diag_test::data_rows(__FILE__, "dci_pieces.data")) {
+        SCOPED_TRACE(row[0] + " | " + row[1]);
+        if (row[1] != "-") sim.ctl_ok(row[1]);
+        size_t total = std::stoul(row[0]);
         std::vector<size_t> pieces;
-    } cases[] = {
-        {4196, nullptr, {4096, 100}}, {8192, nullptr, {4096, 4096}}, {100, nullptr, {100}},
-        {8192, "diag dci-piece 16384", {4096, 4096}}, {2500, "diag dci-piece 1000", {1000, 1000, 500}},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.total);
-        if (c.piece_ctl) sim.ctl_ok(c.piece_ctl);
-        bytes reply(c.total);
-        for (size_t i = 0; i < c.total; i++) reply[i] = uint8_t(i * 7 + 3);
+        std::istringstream sizes_in(row[2]);
+        for (size_t n; sizes_in >> n;) pieces.push_back(n);
+        bytes reply(total);
+        for (size_t i = 0; i < total; i++) reply[i] = uint8_t(i * 7 + 3);
         reply[0] = 0x4b;
         sim.ctl_ok("diag reply 0x4b " + hex_of(reply));
         ASSERT_EQ(send_dci({0x4b, 0x12, 0x00, 0x00}, &marker), DIAG_DCI_NO_ERROR);
-        std::vector<call_box::call> calls = box.wait(c.pieces.size());
+        std::vector<call_box::call> calls = box.wait(pieces.size());
         std::vector<size_t> sizes;
         bytes joined;
         for (const call_box::call &p : calls) {
@@ -252,7 +247,7 @@ TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
             joined.insert(joined.end(), p.data.begin(), p.data.end());
         }
         box.take(0, 0);
-        EXPECT_EQ(sizes, c.pieces);
+        EXPECT_EQ(sizes, pieces);
         EXPECT_EQ(joined, reply);
     }
 }

@@ -36,14 +36,6 @@ struct timespec realtime_in(int ms)
     return ts;
 }
 
-bytes piece(size_t n, uint8_t first)
-{
-    bytes b(n);
-    for (size_t i = 0; i < n; i++) b[i] = uint8_t(i * 13 + 1);
-    b[0] = first;
-    return b;
-}
-
 /* The stored response (no other thread running). */
 bytes stored() { return bytes(g_qcril_diag_rsp_buf.data, g_qcril_diag_rsp_buf.data + g_qcril_diag_rsp_buf.length); }
 
@@ -109,8 +101,8 @@ TEST(DiagChecks, NamesAndTheChecksOfCommandsReplyBuffersAndResponses)
  * semaphore alone; callback mode replaces what was stored. */
 TEST_F(DiagSendStateTest, ResponsesAreJoinedReplacedOrRefused)
 {
-    bytes first = piece(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B), second = piece(100, 0x77);
-    bytes too_long = piece(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D), other = piece(4, 0x00);
+    bytes first(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B), second(100, 0x77);
+    bytes too_long(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D), other(4, 0x00);
     int32_t local = 0;
     testing::internal::CaptureStdout();
     tolvek_diag_cmd_response_by_dci(first.data(), int(first.size()), nullptr);
