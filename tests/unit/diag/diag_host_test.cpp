@@ -60,9 +60,10 @@ protected:
     unsigned char rsp[k_dci_buf];
 };
 
-/* Callback mode: argument and mode checks, and the local and remote
- * processors answering through their own callbacks on a library thread. */
-TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
+/* Callback mode: argument and mode checks, the local and remote processors
+ * answering through their own callbacks on a library thread, and a lost
+ * link that ends the session. */
+TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEndsTheSession)
 {
     uint16 mask = 0xFFFF;
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
@@ -103,14 +104,8 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
     EXPECT_EQ(answers, (std::vector<bytes>{{0x1c, 0x08, 0x00}, {0x13, 0xf0, 0x7e, 0x7d}, esn_answer, esn_answer}));
     EXPECT_EQ(contexts, (std::vector<void *>{&local, &local, &fifth, &mdm}));
     EXPECT_EQ(sim.ctl_ok("diag last 4"), "cmd 0 1c\ncmd 0 f07e7d\ncmd 5 01\ncmd 1 01");
-}
 
-TEST_F(DiagHostTest, ALostLinkEndsTheSession)
-{
-    diag_register_callback(on_response, nullptr);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    unsigned char cmd[] = {0x1c};
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    /* A lost link ends the session. */
     sim.stop();
     long long deadline = monotonic_ms() + 3000;
     while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
@@ -204,10 +199,13 @@ TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
     EXPECT_EQ(client_id, 0);
 }
 
+std::atomic<int> g_signals{0};
+void count_signal(int) { g_signals++; }
+
 /* Argument checks, then answers with the caller's data pointer on a library
  * thread, copied into its buffer, in pieces of at most 4096 bytes (or of
- * the piece size the simulator is set to). */
-TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
+ * the piece size the simulator is set to); then log and event records. */
+TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledSignal)
 {
     register_dci();
     unsigned char cmd[] = {0x7c};
@@ -250,23 +248,18 @@ TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
         EXPECT_EQ(sizes, pieces);
         EXPECT_EQ(joined, reply);
     }
-}
 
-std::atomic<int> g_signals{0};
-void count_signal(int) { g_signals++; }
-
-TEST_F(DiagHostTest, StreamRecordsReachTheirCallbacksAndRaiseOnlyAHandledSignal)
-{
-    register_dci();
+    /* Stream records reach their callbacks and raise only a handled
+     * signal. */
     ASSERT_EQ(diag_register_dci_stream_proc(client_id, on_log, on_event), DIAG_DCI_NO_ERROR);
     /* No handler: the signal must not be raised (its default kills). */
     ASSERT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
     const bytes log = {0x14, 0x00, 0x6d, 0xb1, 1, 2, 3, 4, 5, 6, 7, 8, 0x7e, 0x7d, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
     EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "ok 1");
-    std::vector<call_box::call> got = logs.wait(1);
-    ASSERT_EQ(got.size(), 1u);
-    EXPECT_EQ(got[0].data, log);
-    EXPECT_NE(got[0].thread, std::this_thread::get_id());
+    std::vector<call_box::call> records = logs.wait(1);
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].data, log);
+    EXPECT_NE(records[0].thread, std::this_thread::get_id());
 
     g_signals = 0;
     struct sigaction sa = {}, old = {};
