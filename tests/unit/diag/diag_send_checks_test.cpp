@@ -70,41 +70,34 @@ protected:
 
 /* Mask and channel names (only the lowest mask bit is named, channels
  * beyond two are unknown); commands of 1 to 4096 bytes pass and others are
- * refused with their length; the reply buffer and response checks. */
-TEST(DiagChecks, NamesAndTheChecksOfCommandsReplyBuffersAndResponses)
-{
-    bytes big(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1C);
-    int zero = 0, one = 1;
-    int32_t remote = 1;
-    testing::internal::CaptureStdout();
-    for (uint16_t mask : {0, 1, 6, 0x22, 0x20, 0x10, 0x40, 0xFFC0}) {
-        printf("mask %#x:%s\n", mask, tolvek_print_diag_mask_name(mask));
-    }
-    for (int ch = -1; ch <= 3; ch++) printf("channel %d: %s\n", ch, tolvek_diag_channel_name(ch));
-    for (int len : {TOLVEK_DIAG_CMD_MAX_LEN, 1, TOLVEK_DIAG_CMD_MAX_LEN + 1, 0, -1}) {
-        printf("-> %d\n", tolvek_diag_comand_input_check(big.data(), len));
-    }
-    printf("-> %d\n", tolvek_diag_comand_input_check(nullptr, 1));
-    printf("-> %d\n", tolvek_diag_comand_output_check(nullptr, &one));
-    printf("-> %d\n", tolvek_diag_comand_output_check(big.data(), nullptr));
-    printf("-> %d\n", tolvek_diag_comand_output_check(big.data(), &zero));
-    printf("-> %d\n", tolvek_diag_comand_output_check(big.data(), &one));
-    printf("-> %d\n", tolvek_diag_cmd_response_check(big.data(), TOLVEK_DIAG_RSP_MAX_LEN, &remote));
-    printf("-> %d\n", tolvek_diag_cmd_response_check(big.data(), TOLVEK_DIAG_RSP_MAX_LEN + 1, nullptr));
-    printf("-> %d\n", tolvek_diag_cmd_response_check(big.data(), 0, &remote));
-    printf("-> %d\n", tolvek_diag_cmd_response_check(nullptr, 3, &remote));
-    expect_golden(captured(), __FILE__, "send_checks.golden");
-}
-
-/* DCI pieces of 4096 and 100 bytes are joined and only the short one
- * wakes the caller; refused responses leave the stored one and the
- * semaphore alone; callback mode replaces what was stored. */
-TEST_F(DiagSendStateTest, ResponsesAreJoinedReplacedOrRefused)
+ * refused with their length; the reply buffer and response checks.  DCI
+ * pieces of 4096 and 100 bytes are joined and only the short one wakes the
+ * caller; refused responses leave the stored one and the semaphore alone;
+ * callback mode replaces what was stored. */
+TEST_F(DiagSendStateTest, ChecksAndResponsesJoinedReplacedOrRefused)
 {
     bytes first(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B), second(100, 0x77);
     bytes too_long(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D), other(4, 0x00);
     int32_t local = 0;
     testing::internal::CaptureStdout();
+    int zero = 0, one = 1;
+    int32_t remote = 1;
+    for (uint16_t mask : {0, 1, 6, 0x22, 0x20, 0x10, 0x40, 0xFFC0}) {
+        printf("mask %#x:%s\n", mask, tolvek_print_diag_mask_name(mask));
+    }
+    for (int ch = -1; ch <= 3; ch++) printf("channel %d: %s\n", ch, tolvek_diag_channel_name(ch));
+    for (int len : {TOLVEK_DIAG_CMD_MAX_LEN, 1, TOLVEK_DIAG_CMD_MAX_LEN + 1, 0, -1}) {
+        printf("-> %d\n", tolvek_diag_comand_input_check(too_long.data(), len));
+    }
+    printf("-> %d\n", tolvek_diag_comand_input_check(nullptr, 1));
+    printf("-> %d\n", tolvek_diag_comand_output_check(nullptr, &one));
+    printf("-> %d\n", tolvek_diag_comand_output_check(too_long.data(), nullptr));
+    printf("-> %d\n", tolvek_diag_comand_output_check(too_long.data(), &zero));
+    printf("-> %d\n", tolvek_diag_comand_output_check(too_long.data(), &one));
+    printf("-> %d\n", tolvek_diag_cmd_response_check(too_long.data(), TOLVEK_DIAG_RSP_MAX_LEN, &remote));
+    printf("-> %d\n", tolvek_diag_cmd_response_check(too_long.data(), TOLVEK_DIAG_RSP_MAX_LEN + 1, nullptr));
+    printf("-> %d\n", tolvek_diag_cmd_response_check(too_long.data(), 0, &remote));
+    printf("-> %d\n", tolvek_diag_cmd_response_check(nullptr, 3, &remote));
     tolvek_diag_cmd_response_by_dci(first.data(), int(first.size()), nullptr);
     printf("posts %d\n", sem_value());
     tolvek_diag_cmd_response_by_dci(second.data(), int(second.size()), nullptr);
@@ -132,7 +125,7 @@ TEST_F(DiagSendStateTest, ResponsesAreJoinedReplacedOrRefused)
     pthread_mutex_unlock(&g_diag_rsp_mutex);
     pthread_join(t, nullptr);
     EXPECT_EQ(stored(), other);
-    expect_golden(captured(), __FILE__, "send_responses.golden");
+    expect_golden(captured(), __FILE__, "send_checks.golden");
 }
 
 TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)

@@ -1,7 +1,7 @@
 /* The host diag library over a serial diag port (RLK_DIAG_DEVICE): a
  * pseudo-terminal whose other side the test plays as a modem, answering in
- * pieces, among log packets and event reports, after bad frames; DCI over
- * the same frames; the lock; a port that goes away. */
+ * pieces, among log packets and event reports, after bad frames; the lock;
+ * DCI over the same frames; a port that goes away. */
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
@@ -86,8 +86,16 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
     }
 }
 
-TEST_F(DiagSerialTest, DciIsServedOverTheSameFramesInPiecesOf4096)
+/* A second user of the port is refused; DCI is served over the same
+ * frames, in pieces of 4096; a vanished port ends the link. */
+TEST_F(DiagSerialTest, ASecondUserIsRefusedDciIsServedInPiecesOf4096AndAVanishedPortEndsTheLink)
 {
+    int other = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(other, 0);
+    ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+    EXPECT_FALSE(Diag_LSM_Init(nullptr));
+    close(other);
+
     int id = 0, sig = 18;
     diag_dci_peripherals list = DIAG_CON_MPSS;
     EXPECT_EQ(diag_register_dci_client(&id, &list, MDM, &sig), DIAG_DCI_NOT_SUPPORTED);
@@ -106,15 +114,6 @@ TEST_F(DiagSerialTest, DciIsServedOverTheSameFramesInPiecesOf4096)
     EXPECT_EQ(g_answers.take(2, 2000),
               (std::vector<bytes>{bytes(big.begin(), big.begin() + 4096), bytes(big.begin() + 4096, big.end())}));
     EXPECT_EQ(diag_release_dci_client(&id), DIAG_DCI_NO_ERROR);
-}
-
-TEST_F(DiagSerialTest, ASecondUserOfThePortIsRefusedAndAVanishedPortEndsTheLink)
-{
-    int other = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_GE(other, 0);
-    ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
-    EXPECT_FALSE(Diag_LSM_Init(nullptr));
-    close(other);
 
     ASSERT_TRUE(Diag_LSM_Init(nullptr));
     diag_switch_logging(CALLBACK_MODE, nullptr);
@@ -123,7 +122,6 @@ TEST_F(DiagSerialTest, ASecondUserOfThePortIsRefusedAndAVanishedPortEndsTheLink)
     uint16 mask = 0;
     for (int i = 0; i < 500 && diag_has_remote_device(&mask); i++) usleep(10000);
     EXPECT_EQ(diag_has_remote_device(&mask), 0) << "the session ended with the port";
-    unsigned char cmd[] = {0x1C};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
     EXPECT_FALSE(Diag_LSM_DeInit());
 }

@@ -136,7 +136,7 @@ inline std::string captured()
     for (size_t at = 0; (at = out.find("RIL[", at)) != std::string::npos;) {
         size_t colon = out.find(':', at), close = out.find(']', at);
         if (colon < close) out.erase(colon, close - colon);
-        at = close;
+        at += 4;
     }
     return out;
 }
