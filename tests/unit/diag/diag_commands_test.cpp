@@ -11,7 +11,7 @@
 
 namespace {
 
-using diag_test::bytes;
+using namespace diag_test;
 using namespace modemd;
 
 TEST(DiagCommands, AnswersToASequenceOfRequestsAndTheStateItLeaves)
@@ -27,8 +27,7 @@ TEST(DiagCommands, AnswersToASequenceOfRequestsAndTheStateItLeaves)
         diag_answer_command(modem, req.data(), req.size(), &rsp);
         return rsp;
     };
-    diag_test::expect_transcript(__FILE__, "diag_commands.golden",
-                                 [&](const bytes &req) { return diag_test::bytes_text(ask(req)); });
+    expect_transcript(__FILE__, "diag_commands.golden", [&](const bytes &req) { return bytes_text(ask(req)); });
 
     bytes ts = ask({k_diag_cmd_timestamp});
     ASSERT_EQ(ts.size(), 9u);

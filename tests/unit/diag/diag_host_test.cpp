@@ -15,9 +15,7 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::call_box;
-using diag_test::hex_of;
+using namespace diag_test;
 
 constexpr size_t k_dci_buf = 16384;
 const char k_status_idle[] = "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0";
@@ -216,13 +214,12 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
     EXPECT_EQ(send_dci(bytes(k_dci_buf + 1, 0x4b), nullptr, 10), DIAG_DCI_HUGE_PACKET);
 
     ASSERT_EQ(send_dci({0x7c}, &marker), DIAG_DCI_NO_ERROR);
-    const bytes build_id =
-        diag_test::parse_bytes("7c 02 00*4 0b 0a 0d f0 00 00 'MPSS.RLK.1.0-00001-SIM' 00 'rlk-modemd' 00");
+    const bytes build_id = parse_bytes("7c 02 00*4 0b 0a 0d f0 00 00 'MPSS.RLK.1.0-00001-SIM' 00 'rlk-modemd' 00");
     EXPECT_EQ(box.take(1, 3000), std::vector<bytes>{build_id});
     EXPECT_EQ(bytes(rsp, rsp + build_id.size()), build_id) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
 
-    for (const std::vector<std::string> &row : diag_test::data_rows(__FILE__, "dci_pieces.data")) {
+    for (const std::vector<std::string> &row : data_rows(__FILE__, "dci_pieces.data")) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
         if (row[1] != "-") sim.ctl_ok(row[1]);
         size_t total = std::stoul(row[0]);

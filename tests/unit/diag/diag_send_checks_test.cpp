@@ -15,8 +15,7 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::captured;
+using namespace diag_test;
 
 int sem_value()
 {
@@ -147,7 +146,7 @@ TEST_F(DiagSendStateTest, WaitThreadOfAFinishedWaitNeverWakesTheNextOne)
     std::string out = captured();
     EXPECT_EQ(left, 0);
     EXPECT_EQ(g_diag_wait.timed_out, 0);
-    EXPECT_FALSE(diag_test::has(out, "cnt_of_100ms"));
+    EXPECT_FALSE(has(out, "cnt_of_100ms"));
 }
 
 }  // namespace

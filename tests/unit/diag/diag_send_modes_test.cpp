@@ -18,10 +18,7 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::captured;
-using diag_test::expect_all;
-using diag_test::has;
+using namespace diag_test;
 
 /* Threads of this process named "TOLV DIAG". */
 int diag_threads()
@@ -86,7 +83,7 @@ TEST_F(DiagSendModesTest, SessionCountAndOneCallbackPerRemoteMaskBit)
  * end a line. */
 TEST_F(DiagSendModesTest, TimeOutStepsEarlyLateAndPiecedAnswers)
 {
-    for (const std::vector<std::string> &col : diag_test::data_rows(__FILE__, "send_timeouts.data")) {
+    for (const std::vector<std::string> &col : data_rows(__FILE__, "send_timeouts.data")) {
         SCOPED_TRACE(col[0] + " | " + col[1] + " | " + col[2]);
         ASSERT_EQ(col.size(), 8u);
         if (col[1] != "-") sim.ctl_ok(col[1]);
@@ -102,7 +99,7 @@ TEST_F(DiagSendModesTest, TimeOutStepsEarlyLateAndPiecedAnswers)
         }
         EXPECT_GE(r.ms, std::stoll(col[5]));
         EXPECT_LT(r.ms, std::stoll(col[6]) ? std::stoll(col[6]) : 60000);
-        for (const std::string &t : diag_test::fields(col[7], ';')) {
+        for (const std::string &t : fields(col[7], ';')) {
             bool absent = t[0] == '!';
             EXPECT_TRUE(t.empty() || has(out, absent ? t.substr(1) : t + "\n") != absent) << t;
         }

@@ -15,11 +15,9 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::frame;
-using diag_test::parse_bytes;
+using namespace diag_test;
 
-diag_test::call_box g_answers;
+call_box g_answers;
 
 int on_answer(unsigned char *p, int len, void *) { return g_answers.add(p, len, nullptr), 0; }
 void on_dci_answer(unsigned char *p, int len, void *) { g_answers.add(p, len, nullptr); }
@@ -62,7 +60,7 @@ protected:
  * runs), and no second one. */
 TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 {
-    for (const std::vector<std::string> &row : diag_test::data_rows(__FILE__, "serial_answers.data")) {
+    for (const std::vector<std::string> &row : data_rows(__FILE__, "serial_answers.data")) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
         ASSERT_TRUE(Diag_LSM_Init(nullptr));
         diag_register_callback(on_answer, nullptr);
@@ -70,7 +68,7 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
         bytes cmd = parse_bytes(row[0]);
         ASSERT_EQ(diag_callback_send_data(MSM, cmd.data(), int(cmd.size())), 0);
         EXPECT_EQ(command(), cmd);
-        for (const std::string &chunk : diag_test::fields(row[1], ';')) {
+        for (const std::string &chunk : fields(row[1], ';')) {
             bytes wire = parse_bytes(chunk);
             ASSERT_EQ(write(master, wire.data(), wire.size()), ssize_t(wire.size()));
             usleep(20000); /* each chunk its own read */

@@ -7,8 +7,7 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::frame;
+using namespace diag_test;
 
 /* The frames of `stream` fed in two reads, split at `split`. */
 std::vector<hdlc_frame> decode_all(const bytes &stream, size_t split)
@@ -25,7 +24,7 @@ std::vector<hdlc_frame> decode_all(const bytes &stream, size_t split)
  * blocks, and every byte value in every slot of a block. */
 TEST(HdlcCrc, KnownAnswersAndBlocks)
 {
-    diag_test::expect_transcript(__FILE__, "hdlc_crc.golden", [](const bytes &d) {
+    expect_transcript(__FILE__, "hdlc_crc.golden", [](const bytes &d) {
         char crc[8];
         snprintf(crc, sizeof(crc), "%04x", hdlc_crc16(d.data(), d.size()));
         return std::string(crc);
@@ -53,8 +52,7 @@ bytes round_trip(const bytes &payload)
 
 TEST(HdlcFrames, ExactWireBytesAndRoundTrip)
 {
-    diag_test::expect_transcript(__FILE__, "hdlc_frames.golden",
-                                 [](const bytes &p) { return diag_test::bytes_text(round_trip(p)); });
+    expect_transcript(__FILE__, "hdlc_frames.golden", [](const bytes &p) { return bytes_text(round_trip(p)); });
 }
 
 /* Leading flags (an empty frame among them) are skipped, and a stream of
@@ -66,7 +64,7 @@ std::string frames_text(const std::vector<hdlc_frame> &frames)
     std::string out;
     for (const hdlc_frame &f : frames) {
         out += std::string(out.empty() ? "" : ", ") + names[f.status];
-        if (f.status == HDLC_OK) out += " " + diag_test::bytes_text(f.payload);
+        if (f.status == HDLC_OK) out += " " + bytes_text(f.payload);
     }
     return out.empty() ? "-" : out;
 }
@@ -87,7 +85,7 @@ std::string decoded(const bytes &stream)
 
 TEST(HdlcDecode, LeadingFlagsSplitReadsBadFramesAndDecodeOne)
 {
-    diag_test::expect_transcript(__FILE__, "hdlc_streams.golden", decoded);
+    expect_transcript(__FILE__, "hdlc_streams.golden", decoded);
 }
 
 TEST(DiagPacket, EnvelopeAndFrameRoundTrip)
