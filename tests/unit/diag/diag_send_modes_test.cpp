@@ -61,11 +61,14 @@ protected:
 };
 
 /* Opening twice counts and one close ends the session; a callback is
- * registered for each bit of the remote mask. */
-TEST_F(DiagSendModesTest, SessionCountAndOneCallbackPerRemoteMaskBit)
+ * registered for each bit of the remote mask.  Then the rows of
+ * send_timeouts.data: the answer is the simulator's 1C 08 00, or that
+ * followed by filler up to the size asked for; a console text must end a
+ * line. */
+TEST_F(DiagSendModesTest, SessionCountThenTimeOutStepsEarlyLateAndPiecedAnswers)
 {
     testing::internal::CaptureStdout();
-    for (const char *mask : {"0", "0x22"}) {
+    for (const char *mask : {"0x22", "0"}) {
         sim.ctl_ok(std::string("diag remote-mask ") + mask);
         for (int i = 0; i < 2; i++) {
             tolvek_diag_init_with_result();
@@ -76,13 +79,7 @@ TEST_F(DiagSendModesTest, SessionCountAndOneCallbackPerRemoteMaskBit)
         printf("sessions %d\n", g_diag_init_status);
     }
     expect_golden(captured(), __FILE__, "send_sessions.golden");
-}
 
-/* The rows of send_timeouts.data; the answer is the simulator's 1C 08 00,
- * or that followed by filler up to the size asked for; a console text must
- * end a line. */
-TEST_F(DiagSendModesTest, TimeOutStepsEarlyLateAndPiecedAnswers)
-{
     for (const std::vector<std::string> &col : data_rows(__FILE__, "send_timeouts.data")) {
         SCOPED_TRACE(col[0] + " | " + col[1] + " | " + col[2]);
         ASSERT_EQ(col.size(), 8u);
