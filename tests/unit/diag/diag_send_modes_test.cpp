@@ -103,7 +103,7 @@ TEST_F(DiagSendModesTest, SessionCountThenTimeOutStepsEarlyLateAndPiecedAnswers)
     }
 }
 
-TEST_F(DiagSendModesTest, SenderThreadsLeaveNoThreadClientOrConnectionBehind)
+TEST_F(DiagSendModesTest, SenderThreadsLeaveNothingBehindAndWithResultThreadsEachGetTheirOwnReply)
 {
     sim.ctl_ok("diag drop 0x1c");
     bytes cmd = {0x1C};
@@ -135,10 +135,9 @@ TEST_F(DiagSendModesTest, SenderThreadsLeaveNoThreadClientOrConnectionBehind)
     testing::internal::CaptureStdout();
     EXPECT_EQ(tolvek_diag_cmd_send_without_result_start_thread(cmd.data(), 0, 0), 1);
     expect_all(captured(), {"tolvek_diag_comand_input_check fail"});
-}
 
-TEST_F(DiagSendModesTest, WithResultCommandsFromSeveralThreadsEachGetTheirOwnReply)
-{
+    /* With-result commands from several threads at once each get their
+     * own reply. */
     constexpr int k_threads = 4;
     std::vector<int> failures(k_threads, 0);
     testing::internal::CaptureStdout();

@@ -29,7 +29,6 @@ TEST(HdlcCrc, KnownAnswersAndBlocks)
         snprintf(crc, sizeof(crc), "%04x", hdlc_crc16(d.data(), d.size()));
         return std::string(crc);
     });
-    EXPECT_EQ(hdlc_crc16(nullptr, 0), 0x0000);
 }
 
 /* Encodes `payload` and checks that the frame decodes back, alone and as
