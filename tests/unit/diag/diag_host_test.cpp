@@ -166,10 +166,6 @@ TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
     EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, &os_signal), DIAG_DCI_DUP_CLIENT);
     EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=1");
 
-    EXPECT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(diag_register_dci_stream_proc(client_id, on_log, on_event), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, &list), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(list & DIAG_CON_MPSS, DIAG_CON_MPSS) << "MPSS up";
     sim.ctl_ok("diag dci-support 0x1");
     EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, &list), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(list, DIAG_CON_APSS) << "MPSS down";
