@@ -68,7 +68,7 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
     EXPECT_EQ(mask, 0);
     int local = 0, mdm = 1, fifth = 5;
     diag_register_callback(on_response, &local);
-    unsigned char cmd[] = {0x1c};
+    unsigned char cmd[] = {0x1c}, unknown[] = {0xf0, 0x7e, 0x7d}, esn[] = {0x01};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
     diag_switch_logging(CALLBACK_MODE, nullptr);
     bytes huge(k_dci_buf + 1, 0);
@@ -78,7 +78,6 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 0), -1);
     EXPECT_EQ(diag_callback_send_data(MSM, huge.data(), int(huge.size())), -1);
 
-    unsigned char unknown[] = {0xf0, 0x7e, 0x7d};
     ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
     ASSERT_EQ(diag_callback_send_data(MSM, unknown, 3), 0);
     sim.ctl_ok("diag remote-mask 0x22");
@@ -86,7 +85,6 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
     EXPECT_EQ(mask, 0x22);
     diag_register_remote_callback(on_response, MDM, &mdm);
     diag_register_remote_callback(on_response, 5, &fifth);
-    unsigned char esn[] = {0x01};
     ASSERT_EQ(diag_callback_send_data(5, esn, 1), 0);
     ASSERT_EQ(diag_callback_send_data(MDM, esn, 1), 0);
     EXPECT_EQ(diag_callback_send_data(MDM_2, esn, 1), -1) << "bit 2 is not in 0x22";

@@ -65,9 +65,8 @@ TEST_F(DiagSendStateTest, ChecksAndResponsesJoinedReplacedOrRefused)
 {
     bytes first(TOLVEK_DIAG_DCI_PIECE_LEN, 0x4B), second(100, 0x77);
     bytes too_long(TOLVEK_DIAG_RSP_MAX_LEN + 1, 0x1D), other(4, 0x00);
-    int32_t local = 0; /* also a reply length of 0 */
+    int32_t local = 0, remote = 1; /* processors, and reply lengths */
     testing::internal::CaptureStdout();
-    int32_t remote = 1;
     for (uint16_t mask : {0, 1, 6, 0x22, 0x20, 0x10, 0x40, 0xFFC0}) {
         printf("mask %#x:%s\n", mask, tolvek_print_diag_mask_name(mask));
     }

@@ -105,8 +105,7 @@ TEST_F(DiagSerialTest, ASecondUserIsRefusedDciIsServedInPiecesOf4096AndAVanished
     ASSERT_EQ(diag_send_dci_async_req(id, cmd, 4, rsp.data(), int(rsp.size()), on_dci_answer, nullptr),
               DIAG_DCI_NO_ERROR);
     EXPECT_EQ(command(), bytes(cmd, cmd + 4));
-    bytes big(5000, 0x5A);
-    big[0] = 0x4B;
+    const bytes big = parse_bytes("4b 5a*4999");
     bytes wire = frame(big);
     ASSERT_EQ(write(master, wire.data(), wire.size()), ssize_t(wire.size()));
     EXPECT_EQ(g_answers.take(2, 2000),
