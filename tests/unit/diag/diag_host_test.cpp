@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <atomic>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -14,27 +15,24 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::call_box;
-using diag_test::hex_of;
+using namespace diag_test;
 
 constexpr size_t k_dci_buf = 16384;
 const char k_status_idle[] = "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0";
 
-call_box *g_box = nullptr, *g_logs = nullptr, *g_events = nullptr;
+/* What the callbacks got; emptied before each test. */
+call_box box, logs, events;
 
-int on_response(unsigned char *ptr, int len, void *ctx) { return g_box->add(ptr, len, ctx), 0; }
-void on_dci_response(unsigned char *ptr, int len, void *data) { g_box->add(ptr, len, data); }
-void on_log(unsigned char *ptr, int len) { g_logs->add(ptr, len, nullptr); }
-void on_event(unsigned char *ptr, int len) { g_events->add(ptr, len, nullptr); }
+int on_response(unsigned char *ptr, int len, void *ctx) { return box.add(ptr, len, ctx), 0; }
+void on_dci_response(unsigned char *ptr, int len, void *data) { box.add(ptr, len, data); }
+void on_log(unsigned char *ptr, int len) { logs.add(ptr, len, nullptr); }
+void on_event(unsigned char *ptr, int len) { events.add(ptr, len, nullptr); }
 
 class DiagHostTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        g_box = &box;
-        g_logs = &logs;
-        g_events = &events;
+        for (call_box *b : {&box, &logs, &events}) b->take(0, 0);
         ASSERT_TRUE(sim.start());
         ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
     }
@@ -54,35 +52,32 @@ protected:
         return diag_send_dci_async_req(client_id, cmd.data(), int(cmd.size()), rsp, rsp_len, on_dci_response, data);
     }
     sim_instance sim;
-    call_box box, logs, events;
     int client_id = 0;
     int os_signal = 18;
     int marker = 0;
     unsigned char rsp[k_dci_buf];
 };
 
-/* Callback mode: argument and mode checks, and the local and remote
- * processors answering through their own callbacks on a library thread. */
-TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
+/* Callback mode: argument and mode checks, the local and remote processors
+ * answering through their own callbacks on a library thread, and a lost
+ * link that ends the session. */
+TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEndsTheSession)
 {
     uint16 mask = 0xFFFF;
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0);
     int local = 0, mdm = 1, fifth = 5;
     diag_register_callback(on_response, &local);
-    unsigned char cmd[] = {0x1c};
+    unsigned char cmd[] = {0x1c}, unknown[] = {0xf0, 0x7e, 0x7d}, esn[] = {0x01};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
     diag_switch_logging(CALLBACK_MODE, nullptr);
     bytes huge(k_dci_buf + 1, 0);
-    const struct {
-        int proc;
-        unsigned char *buf;
-        int len;
-    } refused[] = {{-1, cmd, 1}, {NUM_PROC, cmd, 1}, {MDM, cmd, 1} /* no remote processor */, {MSM, nullptr, 1},
-                   {MSM, cmd, 0}, {MSM, huge.data(), int(huge.size())}};
-    for (const auto &r : refused) EXPECT_EQ(diag_callback_send_data(r.proc, r.buf, r.len), -1) << r.proc << r.len;
+    /* MDM: no remote processor yet. */
+    for (int proc : {-1, int(NUM_PROC), int(MDM)}) EXPECT_EQ(diag_callback_send_data(proc, cmd, 1), -1) << proc;
+    EXPECT_EQ(diag_callback_send_data(MSM, nullptr, 1), -1);
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 0), -1);
+    EXPECT_EQ(diag_callback_send_data(MSM, huge.data(), int(huge.size())), -1);
 
-    unsigned char unknown[] = {0xf0, 0x7e, 0x7d};
     ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
     ASSERT_EQ(diag_callback_send_data(MSM, unknown, 3), 0);
     sim.ctl_ok("diag remote-mask 0x22");
@@ -90,30 +85,23 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessors)
     EXPECT_EQ(mask, 0x22);
     diag_register_remote_callback(on_response, MDM, &mdm);
     diag_register_remote_callback(on_response, 5, &fifth);
-    unsigned char esn[] = {0x01};
     ASSERT_EQ(diag_callback_send_data(5, esn, 1), 0);
     ASSERT_EQ(diag_callback_send_data(MDM, esn, 1), 0);
     EXPECT_EQ(diag_callback_send_data(MDM_2, esn, 1), -1) << "bit 2 is not in 0x22";
-    std::vector<call_box::call> calls = box.wait(4);
-    ASSERT_EQ(calls.size(), 4u);
-    EXPECT_EQ(calls[0].data, (bytes{0x1c, 0x08, 0x00}));
-    EXPECT_EQ(calls[1].data, (bytes{0x13, 0xf0, 0x7e, 0x7d})) << "BAD_CMD echoes the request";
+    std::vector<bytes> answers;
     std::vector<void *> contexts;
-    for (const call_box::call &c : calls) {
+    for (const call_box::call &c : box.wait(4)) {
+        answers.push_back(c.data);
         contexts.push_back(c.ctx);
         EXPECT_NE(c.thread, std::this_thread::get_id());
     }
+    /* BAD_CMD echoes the request; every processor has the simulator's ESN. */
+    const bytes esn_answer = {0x01, 0xc3, 0xb2, 0xa1, 0x80};
+    EXPECT_EQ(answers, (std::vector<bytes>{{0x1c, 0x08, 0x00}, {0x13, 0xf0, 0x7e, 0x7d}, esn_answer, esn_answer}));
     EXPECT_EQ(contexts, (std::vector<void *>{&local, &local, &fifth, &mdm}));
-    EXPECT_EQ(calls[3].data.at(0), 0x01);
     EXPECT_EQ(sim.ctl_ok("diag last 4"), "cmd 0 1c\ncmd 0 f07e7d\ncmd 5 01\ncmd 1 01");
-}
 
-TEST_F(DiagHostTest, ALostLinkEndsTheSession)
-{
-    diag_register_callback(on_response, nullptr);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    unsigned char cmd[] = {0x1c};
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    /* A lost link ends the session. */
     sim.stop();
     long long deadline = monotonic_ms() + 3000;
     while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
@@ -124,29 +112,13 @@ TEST_F(DiagHostTest, ALostLinkEndsTheSession)
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "the next session starts out of callback mode";
 }
 
-TEST_F(DiagHostTest, CallbackMayCloseTheSessionFromTheLibraryThread)
-{
-    static std::atomic<int> closed{-1};
-    diag_register_callback(
-        [](unsigned char *p, int len, void *ctx) {
-            closed = Diag_LSM_DeInit();
-            return on_response(p, len, ctx);
-        },
-        nullptr);
-    diag_switch_logging(CALLBACK_MODE, nullptr);
-    unsigned char cmd[] = {0x0c};
-    ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
-    ASSERT_EQ(box.wait(1).size(), 1u);
-    EXPECT_EQ(closed.load(), TRUE);
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
-    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
-}
-
-TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
+/* A DCI callback may release its own client and a callback may close the
+ * session, both from the library thread, without waiting for it. */
+TEST_F(DiagHostTest, CallbacksMayReleaseTheirClientAndCloseTheSessionFromTheLibraryThread)
 {
     register_dci();
     static int *s_client = nullptr;
-    static std::atomic<int> s_released{0}, s_mask_rc{0};
+    static std::atomic<int> s_released{0}, s_mask_rc{0}, s_closed{-1};
     s_client = &client_id;
     unsigned char cmd[] = {0x1c};
     long long start = monotonic_ms();
@@ -157,7 +129,7 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
         on_dci_response(p, len, data);
     };
     ASSERT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, int(sizeof(rsp)), release, &marker), DIAG_DCI_NO_ERROR);
-    ASSERT_EQ(box.wait(1).size(), 1u);
+    ASSERT_EQ(box.take(1, 3000).size(), 1u);
     EXPECT_EQ(s_released.load(), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(s_mask_rc.load(), 1) << "the mask last learnt";
     EXPECT_EQ(client_id, 0);
@@ -165,23 +137,22 @@ TEST_F(DiagHostTest, DciCallbackMayReleaseItsOwnClientWithoutWaitingForItself)
     long long deadline = monotonic_ms() + 3000;
     while (sim.ctl_ok("diag status") != k_status_idle && monotonic_ms() < deadline) std::this_thread::yield();
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
+
+    diag_register_callback(
+        [](unsigned char *p, int len, void *ctx) {
+            s_closed = Diag_LSM_DeInit();
+            return on_response(p, len, ctx);
+        },
+        nullptr);
+    diag_switch_logging(CALLBACK_MODE, nullptr);
+    ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
+    ASSERT_EQ(box.wait(1).size(), 1u);
+    EXPECT_EQ(s_closed.load(), TRUE);
+    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
+    ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
 }
 
-TEST(DiagHostNoSimulator, InitFailsAndDciCannotRegister)
-{
-    diag_test::scoped_env socket("RLK_MODEMD_SOCKET", "/nonexistent/rlk-test/modemd.sock");
-    EXPECT_EQ(Diag_LSM_Init(nullptr), FALSE);
-    EXPECT_EQ(Diag_LSM_DeInit(), FALSE);
-    int id = 0, sig = 18;
-    diag_dci_peripherals list = DIAG_CON_MPSS;
-    EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, &sig), DIAG_DCI_SEND_DATA_FAIL);
-    EXPECT_EQ(id, 0);
-    uint16 mask = 7;
-    EXPECT_EQ(diag_has_remote_device(&mask), 0);
-    EXPECT_EQ(mask, 0);
-}
-
-TEST_F(DiagHostTest, DciRegistrationCodes)
+TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
 {
     int id = 0;
     diag_dci_peripherals list = DIAG_CON_MPSS;
@@ -193,45 +164,40 @@ TEST_F(DiagHostTest, DciRegistrationCodes)
     EXPECT_EQ(diag_register_dci_client(&id, &list, DIAG_PROC_MSM, &os_signal), DIAG_DCI_DUP_CLIENT);
     EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=1");
 
-    EXPECT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(diag_register_dci_stream_proc(client_id, on_log, on_event), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, &list), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(list & DIAG_CON_MPSS, DIAG_CON_MPSS) << "MPSS up";
     sim.ctl_ok("diag dci-support 0x1");
     EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, &list), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(list, DIAG_CON_APSS) << "MPSS down";
     EXPECT_EQ(diag_get_dci_support_list_proc(DIAG_PROC_MSM, nullptr), DIAG_DCI_PARAM_FAIL);
 
     int released = client_id;
+    unsigned char cmd[] = {0x1c};
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(client_id, 0);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_signal_data(released, SIGRTMIN + 30), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_stream_proc(released, on_log, on_event), DIAG_DCI_NO_REG);
-    client_id = released;
-    EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_NO_REG);
-    client_id = 0;
+    EXPECT_EQ(diag_send_dci_async_req(released, cmd, 1, rsp, 10, on_dci_response, nullptr), DIAG_DCI_NO_REG);
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
-}
 
-TEST_F(DiagHostTest, DciClientOpensTheLinkItselfAndIsReleasedAfterTheSessionCloses)
-{
+    /* A client opens the link itself, and is released after the session
+     * closes. */
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     register_dci();
     ASSERT_EQ(send_dci({0x1c}), DIAG_DCI_NO_ERROR);
-    std::vector<call_box::call> calls = box.wait(1);
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].data, (bytes{0x1c, 0x08, 0x00}));
+    EXPECT_EQ(box.take(1, 3000), (std::vector<bytes>{{0x1c, 0x08, 0x00}}));
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_SEND_DATA_FAIL);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(client_id, 0);
 }
 
+std::atomic<int> g_signals{0};
+void count_signal(int) { g_signals++; }
+
 /* Argument checks, then answers with the caller's data pointer on a library
  * thread, copied into its buffer, in pieces of at most 4096 bytes (or of
- * the piece size the simulator is set to). */
-TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
+ * the piece size the simulator is set to); then log and event records. */
+TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledSignal)
 {
     register_dci();
     unsigned char cmd[] = {0x7c};
@@ -242,30 +208,24 @@ TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
     EXPECT_EQ(send_dci(bytes(k_dci_buf + 1, 0x4b), nullptr, 10), DIAG_DCI_HUGE_PACKET);
 
     ASSERT_EQ(send_dci({0x7c}, &marker), DIAG_DCI_NO_ERROR);
-    std::vector<bytes> got = box.take(1, 3000);
-    ASSERT_EQ(got.size(), 1u);
-    ASSERT_GT(got[0].size(), 12u);
-    EXPECT_EQ(got[0][0], 0x7c);
-    EXPECT_EQ(bytes(rsp, rsp + got[0].size()), got[0]) << "copied into the caller's buffer";
+    const bytes build_id = parse_bytes("7c 02 00*4 0b 0a 0d f0 00 00 'MPSS.RLK.1.0-00001-SIM' 00 'rlk-modemd' 00");
+    EXPECT_EQ(box.take(1, 3000), std::vector<bytes>{build_id});
+    EXPECT_EQ(bytes(rsp, rsp + build_id.size()), build_id) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
 
-    const struct {
-        size_t total;
-        const char *piece_ctl;
+    for (const std::vector<std::string> &row : data_rows(__FILE__, "dci_pieces.data")) {
+        SCOPED_TRACE(row[0] + " | " + row[1]);
+        if (row[1] != "-") sim.ctl_ok(row[1]);
+        size_t total = std::stoul(row[0]);
         std::vector<size_t> pieces;
-    } cases[] = {
-        {4196, nullptr, {4096, 100}}, {8192, nullptr, {4096, 4096}}, {100, nullptr, {100}},
-        {8192, "diag dci-piece 16384", {4096, 4096}}, {2500, "diag dci-piece 1000", {1000, 1000, 500}},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.total);
-        if (c.piece_ctl) sim.ctl_ok(c.piece_ctl);
-        bytes reply(c.total);
-        for (size_t i = 0; i < c.total; i++) reply[i] = uint8_t(i * 7 + 3);
+        std::istringstream sizes_in(row[2]);
+        for (size_t n; sizes_in >> n;) pieces.push_back(n);
+        bytes reply(total);
+        for (size_t i = 0; i < total; i++) reply[i] = uint8_t(i * 7 + 3);
         reply[0] = 0x4b;
         sim.ctl_ok("diag reply 0x4b " + hex_of(reply));
         ASSERT_EQ(send_dci({0x4b, 0x12, 0x00, 0x00}, &marker), DIAG_DCI_NO_ERROR);
-        std::vector<call_box::call> calls = box.wait(c.pieces.size());
+        std::vector<call_box::call> calls = box.wait(pieces.size());
         std::vector<size_t> sizes;
         bytes joined;
         for (const call_box::call &p : calls) {
@@ -275,26 +235,21 @@ TEST_F(DiagHostTest, AsyncResponsesArriveWithTheCallersDataPointerInPieces)
             joined.insert(joined.end(), p.data.begin(), p.data.end());
         }
         box.take(0, 0);
-        EXPECT_EQ(sizes, c.pieces);
+        EXPECT_EQ(sizes, pieces);
         EXPECT_EQ(joined, reply);
     }
-}
 
-std::atomic<int> g_signals{0};
-void count_signal(int) { g_signals++; }
-
-TEST_F(DiagHostTest, StreamRecordsReachTheirCallbacksAndRaiseOnlyAHandledSignal)
-{
-    register_dci();
+    /* Stream records reach their callbacks and raise only a handled
+     * signal. */
     ASSERT_EQ(diag_register_dci_stream_proc(client_id, on_log, on_event), DIAG_DCI_NO_ERROR);
     /* No handler: the signal must not be raised (its default kills). */
     ASSERT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
     const bytes log = {0x14, 0x00, 0x6d, 0xb1, 1, 2, 3, 4, 5, 6, 7, 8, 0x7e, 0x7d, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
     EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "ok 1");
-    std::vector<call_box::call> got = logs.wait(1);
-    ASSERT_EQ(got.size(), 1u);
-    EXPECT_EQ(got[0].data, log);
-    EXPECT_NE(got[0].thread, std::this_thread::get_id());
+    std::vector<call_box::call> records = logs.wait(1);
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].data, log);
+    EXPECT_NE(records[0].thread, std::this_thread::get_id());
 
     g_signals = 0;
     struct sigaction sa = {}, old = {};

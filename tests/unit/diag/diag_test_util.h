@@ -1,6 +1,6 @@
-/* Helpers of the diag tests: byte strings and HDLC frames, console output
- * captured from the tool's code, callbacks collected from library threads,
- * and an environment variable set for one test. */
+/* Helpers of the diag tests: byte strings and HDLC frames, transcript files
+ * of requests and answers, console output captured from the tool's code,
+ * and callbacks collected from library threads. */
 #ifndef RLK_TEST_DIAG_TEST_UTIL_H
 #define RLK_TEST_DIAG_TEST_UTIL_H
 
@@ -9,13 +9,16 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "golden.h"
 #include "hdlc.h"
 
 namespace diag_test {
@@ -40,11 +43,80 @@ inline std::string hex_of(const bytes &b)
     return s;
 }
 
-/* What the console got since testing::internal::CaptureStdout(). */
-inline std::string captured()
+/* Bytes written as text: "4b 13" byte by byte, "00*130" for 130 zero
+ * bytes, "00..ff" for the values from 00 to ff, 'text' for the characters
+ * of a word, "-" for nothing. */
+inline bytes parse_bytes(const std::string &text)
 {
-    fflush(stdout);
-    return testing::internal::GetCapturedStdout();
+    bytes out;
+    std::istringstream words(text);
+    for (std::string w; words >> w;) {
+        if (w[0] == '\'') {
+            out.insert(out.end(), w.begin() + 1, w.end() - 1);
+        } else if (w.size() == 6 && w.compare(2, 2, "..") == 0) {
+            unsigned first = unsigned(std::stoul(w.substr(0, 2), nullptr, 16));
+            unsigned last = unsigned(std::stoul(w.substr(4), nullptr, 16));
+            for (unsigned v = first; v <= last; v++) out.push_back(uint8_t(v));
+        } else if (w != "-") {
+            size_t count = w.size() > 3 ? std::stoul(w.substr(3)) : 1;
+            out.insert(out.end(), count, uint8_t(std::stoul(w.substr(0, 2), nullptr, 16)));
+        }
+    }
+    return out;
+}
+
+/* The text form of parse_bytes: runs of four or more alike bytes as "xx*n". */
+inline std::string bytes_text(const bytes &b)
+{
+    std::string s = b.empty() ? "-" : "";
+    for (size_t i = 0, n = 0; i < b.size(); i += n) {
+        for (n = 1; i + n < b.size() && b[i + n] == b[i];) n++;
+        if (n < 4) n = 1;
+        s += (i ? " " : "") + hex_of({b[i]}) + (n > 1 ? "*" + std::to_string(n) : "");
+    }
+    return s;
+}
+
+/* Compares the transcript file `name` next to `source`, lines "request =>
+ * answer" (`#` lines are comments), with the answers `answer` gives to its
+ * requests in order. */
+inline void expect_transcript(const char *source, const std::string &name,
+                              const std::function<std::string(const bytes &)> &answer)
+{
+    std::istringstream in(read_golden(source, name));
+    std::string out;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line[0] != '#') {
+            std::string request = line.substr(0, line.find(" =>"));
+            line = request + " => " + answer(parse_bytes(request));
+        }
+        out += line + "\n";
+    }
+    expect_golden(out, source, name);
+}
+
+/* `text` split at `sep`, each field without its surrounding spaces. */
+inline std::vector<std::string> fields(const std::string &text, char sep)
+{
+    std::vector<std::string> out;
+    std::istringstream in(text + sep);
+    for (std::string f; std::getline(in, f, sep);) {
+        size_t first = f.find_first_not_of(' ');
+        out.push_back(first == std::string::npos ? "" : f.substr(first, f.find_last_not_of(' ') - first + 1));
+    }
+    return out;
+}
+
+/* The rows of the data file `name` next to `source` (`#` lines are
+ * comments), each split into its "|"-separated columns. */
+inline std::vector<std::vector<std::string>> data_rows(const char *source, const std::string &name)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream in(read_golden(source, name));
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line[0] != '#') rows.push_back(fields(line, '|'));
+    }
+    return rows;
 }
 
 inline bool has(const std::string &out, const std::string &text) { return out.find(text) != std::string::npos; }
@@ -53,6 +125,20 @@ inline bool has(const std::string &out, const std::string &text) { return out.fi
 inline void expect_all(const std::string &out, const std::vector<std::string> &texts)
 {
     for (const std::string &t : texts) EXPECT_TRUE(has(out, t)) << "missing: " << t << "\nin:\n" << out;
+}
+
+/* What the console got since testing::internal::CaptureStdout(), each
+ * "RIL[function:line]" without its source line number. */
+inline std::string captured()
+{
+    fflush(stdout);
+    std::string out = testing::internal::GetCapturedStdout();
+    for (size_t at = 0; (at = out.find("RIL[", at)) != std::string::npos;) {
+        size_t colon = out.find(':', at), close = out.find(']', at);
+        if (colon < close) out.erase(colon, close - colon);
+        at += 4;
+    }
+    return out;
 }
 
 /* The calls a callback saw, in order, with the thread that made each. */
@@ -87,25 +173,6 @@ struct call_box {
         std::lock_guard<std::mutex> lk(mu);
         calls.clear();
         return out;
-    }
-};
-
-/* Sets an environment variable until the end of the scope. */
-struct scoped_env {
-    const char *name;
-    bool had;
-    std::string old;
-    scoped_env(const char *n, const char *value) : name(n), had(getenv(n) != nullptr), old(had ? getenv(n) : "")
-    {
-        setenv(name, value, 1);
-    }
-    ~scoped_env()
-    {
-        if (had) {
-            setenv(name, old.c_str(), 1);
-        } else {
-            unsetenv(name);
-        }
     }
 };
 

@@ -7,146 +7,73 @@
 
 namespace {
 
-using diag_test::bytes;
-using diag_test::frame;
+using namespace diag_test;
 
-std::vector<hdlc_frame> decode_all(const bytes &stream)
+/* The frames of `stream` fed in two reads, split at `split`. */
+std::vector<hdlc_frame> decode_all(const bytes &stream, size_t split)
 {
     hdlc_decoder dec;
     std::vector<hdlc_frame> frames;
-    dec.feed(stream.data(), stream.size(), &frames);
+    dec.feed(stream.data(), split, &frames);
+    dec.feed(stream.data() + split, stream.size() - split, &frames);
     dec.finish(&frames);
     return frames;
 }
 
-uint16_t bitwise_crc(const bytes &d)
+/* The CRC works on eight bytes at a time: lengths around and across those
+ * blocks, and every byte value in every slot of a block. */
+TEST(HdlcCrc, KnownAnswersAndBlocks)
 {
-    uint16_t crc = 0xFFFF;
-    for (uint8_t b : d) {
-        crc ^= b;
-        for (int i = 0; i < 8; i++) crc = (crc & 1) ? uint16_t((crc >> 1) ^ 0x8408) : uint16_t(crc >> 1);
-    }
-    return uint16_t(crc ^ 0xFFFF);
+    expect_transcript(__FILE__, "hdlc_crc.golden", [](const bytes &d) {
+        uint16_t crc = hdlc_crc16(d.data(), d.size());
+        return bytes_text({uint8_t(crc >> 8), uint8_t(crc)});
+    });
 }
 
-/* The CRC works on eight bytes at a time: every length around and across
- * those blocks, and every byte value in every slot of a block, agree with
- * the bit-by-bit definition. */
-TEST(HdlcCrc, KnownAnswersAndBlocksAgreeWithBitwiseDefinition)
+/* The statuses and good payloads of `frames`. */
+std::string frames_text(const std::vector<hdlc_frame> &frames)
 {
-    EXPECT_EQ(hdlc_crc16(reinterpret_cast<const uint8_t *>("123456789"), 9), 0x906E);
-    EXPECT_EQ(hdlc_crc16(nullptr, 0), 0x0000);
-    bytes d;
-    uint32_t seed = 12345;
-    for (size_t len = 0; len <= 40; len++) {
-        EXPECT_EQ(hdlc_crc16(d.data(), d.size()), bitwise_crc(d)) << "length " << len;
-        seed = seed * 1103515245u + 12345u;
-        d.push_back(uint8_t(seed >> 16));
+    static const char *const names[] = {"ok", "bad-crc", "too-short", "bad-escape", "too-long", "unterminated"};
+    std::string out;
+    for (const hdlc_frame &f : frames) {
+        out += std::string(out.empty() ? "" : ", ") + names[f.status];
+        if (f.status == HDLC_OK) out += " " + bytes_text(f.payload);
     }
-    for (size_t slot = 0; slot < 8; slot++) {
-        for (unsigned v = 0; v < 256; v++) {
-            bytes block(9, 0x5A);
-            block[slot] = uint8_t(v);
-            ASSERT_EQ(hdlc_crc16(block.data(), block.size()), bitwise_crc(block)) << slot << " " << v;
-        }
-    }
+    return out.empty() ? "-" : out;
 }
 
-/* Payload, CRC low byte first, flag; 7E and 7D escaped in the data and in
- * the CRC; every frame decodes back, alone and as the only frame. */
+/* The frames of `stream` (the same however a short stream is split into
+ * two reads), and what hdlc_decode_one makes of it. */
+std::string decoded(const bytes &stream)
+{
+    std::string whole = frames_text(decode_all(stream, stream.size()));
+    for (size_t split = 0; stream.size() < 1000 && split < stream.size(); split++) {
+        EXPECT_EQ(frames_text(decode_all(stream, split)), whole) << "split at " << split;
+    }
+    bytes one;
+    hdlc_status status = hdlc_decode_one(stream.data(), stream.size(), &one);
+    std::vector<hdlc_frame> alone = {{status, one}};
+    return whole + " | one " + frames_text(alone);
+}
+
+/* Encodes `payload` and checks that the frame decodes back, alone, read
+ * whole or in two parts, and as the only frame. */
+bytes round_trip(const bytes &payload)
+{
+    bytes f = frame(payload);
+    EXPECT_LE(f.size(), hdlc_encoded_max(payload.size()));
+    EXPECT_EQ(decoded(f), "ok " + bytes_text(payload) + " | one ok " + bytes_text(payload));
+    return f;
+}
+
 TEST(HdlcFrames, ExactWireBytesAndRoundTrip)
 {
-    bytes all;
-    for (int i = 0; i < 256; i++) all.push_back(uint8_t(i));
-    const struct {
-        bytes payload, wire; /* wire empty: round trip only */
-    } cases[] = {
-        {{0x00, 0x01, 0x02}, {0x00, 0x01, 0x02, 0x06, 0xFC, 0x7E}},
-        {{0x7E, 0x41, 0x7D}, {0x7D, 0x5E, 0x41, 0x7D, 0x5D, 0xD3, 0xA1, 0x7E}},
-        {{0x7E}, {0x7D, 0x5E, 0x81, 0x6A, 0x7E}},
-        {{0x7D}, {0x7D, 0x5D, 0x1A, 0x58, 0x7E}},
-        {{0x7D, 0x7E, 0x7D, 0x7E}, {0x7D, 0x5D, 0x7D, 0x5E, 0x7D, 0x5D, 0x7D, 0x5E, 0x92, 0x67, 0x7E}},
-        {{0x00, 0x20, 0x5E, 0x5D}, {0x00, 0x20, 0x5E, 0x5D, 0x62, 0x3F, 0x7E}},
-        {{0x4B, 0x38, 0x00}, {0x4B, 0x38, 0x00, 0x7D, 0x5E, 0x91, 0x7E}}, /* CRC low byte 7E */
-        {{0x4B, 0x32, 0x01}, {0x4B, 0x32, 0x01, 0x87, 0x7D, 0x5D, 0x7E}}, /* CRC high byte 7D */
-        {all, {}},
-    };
-    for (const auto &c : cases) {
-        bytes f = frame(c.payload);
-        if (!c.wire.empty()) {
-            EXPECT_EQ(f, c.wire);
-        }
-        EXPECT_LE(f.size(), hdlc_encoded_max(c.payload.size()));
-        std::vector<hdlc_frame> frames = decode_all(f);
-        ASSERT_EQ(frames.size(), 1u);
-        EXPECT_EQ(frames[0].status, HDLC_OK);
-        EXPECT_EQ(frames[0].payload, c.payload);
-        bytes back;
-        EXPECT_EQ(hdlc_decode_one(f.data(), f.size(), &back), HDLC_OK);
-        EXPECT_EQ(back, c.payload);
-    }
+    expect_transcript(__FILE__, "hdlc_frames.golden", [](const bytes &p) { return bytes_text(round_trip(p)); });
 }
 
-/* Leading flags (an empty frame among them) are skipped, and a stream of
- * frames split anywhere into two reads gives the same frames. */
-TEST(HdlcDecode, LeadingFlagsAndFramesSplitAnywhere)
+TEST(HdlcDecode, LeadingFlagsSplitReadsBadFramesAndDecodeOne)
 {
-    std::vector<bytes> payloads = {{0x00}, {0x7E, 0x7D}, {0x4b, 0x13, 0x00, 0x00}, {0x0c}};
-    bytes stream = {HDLC_FLAG, HDLC_FLAG};
-    for (const bytes &p : payloads) {
-        bytes f = frame(p);
-        stream.insert(stream.end(), f.begin(), f.end());
-    }
-    for (size_t split = 0; split <= stream.size(); split++) {
-        hdlc_decoder dec;
-        std::vector<hdlc_frame> frames;
-        dec.feed(stream.data(), split, &frames);
-        dec.feed(stream.data() + split, stream.size() - split, &frames);
-        dec.finish(&frames);
-        ASSERT_EQ(frames.size(), payloads.size()) << "split " << split;
-        for (size_t i = 0; i < payloads.size(); i++) {
-            EXPECT_EQ(frames[i].status, HDLC_OK);
-            EXPECT_EQ(frames[i].payload, payloads[i]);
-        }
-    }
-}
-
-TEST(HdlcDecode, BadFramesAreReportedAndDecodingGoesOn)
-{
-    bytes good = frame({0x01, 0x02});
-    bytes corrupt_crc = good;
-    corrupt_crc[corrupt_crc.size() - 2] ^= 0x01;
-    bytes corrupt_data = good;
-    corrupt_data[0] ^= 0x40;
-    bytes huge(HDLC_MAX_FRAME + 10, 0x11);
-    huge.push_back(HDLC_FLAG);
-    bytes unterminated = frame({0x01, 0x02, 0x03});
-    unterminated.pop_back();
-    const std::vector<bytes> parts = {corrupt_crc, good, corrupt_data, {0x33, HDLC_FLAG},
-                                      {0x01, 0x02, HDLC_ESCAPE, HDLC_FLAG}, huge, frame({0x42}), unterminated};
-    bytes stream;
-    for (const bytes &b : parts) stream.insert(stream.end(), b.begin(), b.end());
-    std::vector<hdlc_frame> frames = decode_all(stream);
-    std::vector<int> statuses;
-    for (const hdlc_frame &f : frames) statuses.push_back(f.status);
-    EXPECT_EQ(statuses, (std::vector<int>{HDLC_BAD_CRC, HDLC_OK, HDLC_BAD_CRC, HDLC_TOO_SHORT, HDLC_BAD_ESCAPE,
-                                          HDLC_TOO_LONG, HDLC_OK, HDLC_UNTERMINATED}));
-    ASSERT_EQ(frames.size(), 8u);
-    EXPECT_EQ(frames[1].payload, (bytes{0x01, 0x02}));
-    EXPECT_EQ(frames[6].payload, bytes{0x42});
-}
-
-TEST(HdlcDecodeOne, RefusesTrailingBytesSecondFramesAndNoFrame)
-{
-    bytes f = frame({0x7c});
-    bytes two = f;
-    two.insert(two.end(), f.begin(), f.end());
-    bytes trailing = f;
-    trailing.push_back(0x01);
-    for (const bytes &b : {two, trailing, bytes{HDLC_FLAG}}) {
-        bytes back;
-        EXPECT_NE(hdlc_decode_one(b.data(), b.size(), &back), HDLC_OK) << b.size();
-    }
+    expect_transcript(__FILE__, "hdlc_streams.golden", decoded);
 }
 
 TEST(DiagPacket, EnvelopeAndFrameRoundTrip)
@@ -162,8 +89,7 @@ TEST(DiagPacket, EnvelopeAndFrameRoundTrip)
     EXPECT_EQ(parsed.env.data_type, uint32_t(DCI_PKT_TYPE));
     EXPECT_EQ(parsed.env.proc, 1);
     EXPECT_EQ(parsed.env.tag, 77 | DIAG_TAG_FINAL);
-    ASSERT_EQ(parsed.frames.size(), 1u);
-    EXPECT_EQ(parsed.frames[0].payload, cmd);
+    EXPECT_EQ(frames_text(parsed.frames), "ok 4b 7e 00 7d");
     EXPECT_FALSE(diag_packet_parse(pkt.data(), DIAG_ENVELOPE_LEN - 1, &parsed));
 }
 
