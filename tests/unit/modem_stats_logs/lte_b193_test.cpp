@@ -1,11 +1,12 @@
 /* 0xB193: a packet built to every accepted sub-packet layout, with the
  * field positions written as the public decoders describe them (byte and
- * bit of each word), decodes to the values it holds. */
+ * bit of each word), decodes to the values it holds (lte_b193.golden). */
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "log_test_util.h"
 
 using namespace log_test;
@@ -133,67 +134,20 @@ packet build(const layout &l)
     return p.size(PAYLOAD_AT + size);
 }
 
-std::string expected_out(const layout &l)
+TEST(LteB193Test, EveryLayoutSkippedSubPacketsRefusedVersionsAndNoCell)
 {
-    bool four = four_chains(l);
-    int cells = l.cell_bytes ? 2 : 1;
-    std::string out = fmt("subpacket_id = 25, version_ssmr = %d\n", l.version);
-    const char *head =
-        "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n";
-    if (l.cell_bytes) out += fmt(head, earfcn(l), 15, NEIGHBOUR_PCI, 0, 0, cells);
-    out +=
-        fmt(head, earfcn(l), four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells) + "Serving Cell Measurement Result\n";
-    if (four) {
-        return out +
-               "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
-               "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
-               "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
-               "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
-               "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
-    }
-    return out +
-           "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
-           "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
-           "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
-           "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n" +
-           fmt("avg_rsrp = -99.75, avg_rsrq = -10.25, max_rssi = %s\n", l.version == 18 ? "-70.50" : "-69.50");
-}
-
-record expected_record(const layout &l)
-{
-    bool four = four_chains(l);
-    packet r = packet().u32(l.version).u32(earfcn(l)).u16(PCI).u8(four ? 15 : 3);
-    const float chains[4][4] = {{-100.0f, -10.0f, -70.0f, 10.0f},
-                                {-99.5f, -10.5f, -70.5f, 10.5f},
-                                {-99.0f, -11.0f, -71.0f, 11.0f},
-                                {-98.5f, -11.5f, -71.5f, 11.5f}};
-    for (int c = 0; c < 4; c++) {
-        for (int k = 0; k < 4; k++) r.f32(four || c < 2 ? chains[c][k] : 65535.0f);
-    }
-    return {l.cell_bytes ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT : MODEM_STATS_DATA_ID_LTE_SRV_MEAS, r};
-}
-
-TEST(LteB193Test, EveryLayoutDecodesItsValues)
-{
+    std::vector<log_case> cases;
     /* Cut inside the sub-packet size: two bytes needed, one left. */
-    for (const layout &l : LAYOUTS)
-        expect_log(CODE, build(l), expected_out(l), {expected_record(l)}, {7, "subpacket_size", 1});
-}
-
-TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
-{
-    const layout &v19 = LAYOUTS[3];
-    const std::vector<uint8_t> inner = build(v19);
+    for (const layout &l : LAYOUTS) cases.push_back({CODE, build(l), 7});
+    const packet v19 = build(LAYOUTS[3]);
     /* An unknown 12-byte sub-packet first, then the measurement. */
-    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(
-        16, std::vector<uint8_t>(inner.begin() + 4, inner.end()));
-    expect_log(CODE, skipped, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19), {expected_record(v19)});
-
-    expect_refused(CODE, build(v19).u8(0, 2), 2);
+    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12);
+    cases.push_back({CODE, skipped.raw(16, std::vector<uint8_t>(v19.bytes().begin() + 4, v19.bytes().end()))});
+    cases.push_back({CODE, packet(v19).u8(0, 2)});
     /* A sub-packet layout nobody describes. */
-    expect_refused(CODE, build(v19).u8(5, 60), 60, "", "subpacket_id = 25, version_ssmr = 60\n");
-    expect_log(CODE, build(LAYOUTS[6]).u16(PAYLOAD_AT + 4, 0),
-               "subpacket_id = 25, version_ssmr = 35\n" + not_valid(0, CODE), {});
+    cases.push_back({CODE, packet(v19).u8(5, 60)});
+    cases.push_back({CODE, build(LAYOUTS[6]).u16(PAYLOAD_AT + 4, 0)});
+    expect_golden(describe(cases), __FILE__, "lte_b193.golden");
 }
 
 }  // namespace
