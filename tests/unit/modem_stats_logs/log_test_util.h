@@ -7,6 +7,7 @@
 
 #include <stdint.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,10 @@ constexpr int32_t NO_CUT = -1;
  * from a not-supported count of 0.  Records handed over are collected and
  * released. */
 run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT);
+
+/* The rows of the data file `name` next to `source`, one per line; blank
+ * lines and `#` comments are left out. */
+std::vector<std::istringstream> data_rows(const char *source, const std::string &name);
 
 /* printf into a string. */
 std::string fmt(const char *format, ...) __attribute__((format(printf, 1, 2)));
