@@ -7,7 +7,6 @@
 #include <stdint.h>
 #include <stdio.h>
 
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,13 +45,6 @@ struct seen_record {
 inline seen_record seen(const modem_stats_single_data_common_type *r)
 {
     return {r->data_id, std::vector<uint8_t>(r->data, r->data + r->data_len)};
-}
-
-inline std::ostream &operator<<(std::ostream &os, const seen_record &r)
-{
-    os << "{id " << static_cast<unsigned>(r.id) << ":";
-    for (uint8_t b : r.bytes) os << " " << static_cast<unsigned>(b);
-    return os << "}";
 }
 
 /* Collects every record released while it is alive (one at a time). */

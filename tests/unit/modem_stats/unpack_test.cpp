@@ -2,15 +2,23 @@
  * and the state they leave. */
 #include <gtest/gtest.h>
 
+#include "../modem_stats_logs/log_test_util.h"
+#include "golden.h"
 #include "modem_stats_record.h"
 #include "modem_stats_unpack.h"
-#include "stats_test_util.h"
 
+using log_test::fmt;
 using stats_test::captured_stdout;
 
 namespace {
 
 constexpr uint32_t kId = 0xB16D;
+
+/* The cursor: bytes read from the base, bytes left, base and bit position. */
+std::string cursor()
+{
+    return fmt("cnt %u left %d base %d bit %u", g_pk_data_cnt, g_pk_data_left, g_pk_data_base, g_pk_bit_pos);
+}
 
 class UnpackTest : public testing::Test {
 protected:
@@ -38,18 +46,14 @@ TEST_F(UnpackTest, WholeByteReadsAndTheirLimits)
     /* Little-endian and unaligned. */
     ASSERT_TRUE(modem_stats_data_unpk("a", &a) && modem_stats_data_unpk("b", &b));
     ASSERT_TRUE(modem_stats_data_unpk("c", &c) && modem_stats_data_unpk("d", &d));
-    EXPECT_EQ(a, 0x01);
-    EXPECT_EQ(b, 0x1234);
-    EXPECT_EQ(c, 0x12345678u);
-    EXPECT_EQ(d, 0x0123456789abcdefull);
-    EXPECT_EQ(g_pk_data_cnt, 15u);
-    EXPECT_EQ(g_pk_data_left, MODEM_STATS_UNPK_MAX_LEN - 15);
+    EXPECT_EQ(fmt("%x %x %x %lx", a, b, c, static_cast<unsigned long>(d)), "1 1234 12345678 123456789abcdef");
+    EXPECT_EQ(cursor(), "cnt 15 left 1985 base 0 bit 0");
 
     /* A null payload names the previous id and keeps the state. */
     EXPECT_EQ(fails([] { return modem_stats_data_unpk_start(0x1234, nullptr); }),
               "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0xb16d)\n");
     EXPECT_EQ(g_pk_data_id, kId);
-    EXPECT_EQ(g_pk_data_cnt, 15u);
+    EXPECT_EQ(cursor(), "cnt 15 left 1985 base 0 bit 0");
 
     /* A start allows 2000 bytes whatever the real length: the last 8 are
      * readable (zeros), the next byte is not. */
@@ -70,8 +74,7 @@ TEST_F(UnpackTest, WholeByteReadsAndTheirLimits)
     start({});
     g_pk_data_left = 10;
     modem_stats_data_skip(32);
-    EXPECT_EQ(g_pk_data_left, -22);
-    EXPECT_EQ(g_pk_data_cnt, 32u);
+    EXPECT_EQ(cursor(), "cnt 32 left -22 base 0 bit 0");
 }
 
 TEST_F(UnpackTest, ReadsBeyondTheWindowGiveZeros)
@@ -98,22 +101,19 @@ TEST_F(UnpackTest, SetPosLimitDependsOnStart)
     EXPECT_EQ(fails([] { return modem_stats_unpk_set_pos(MODEM_STATS_UNPK_MAX_LEN); }),
               "UNPK_SET_POS, pos(2000) should be[0, 2000), id(0xb16d)\n");
     ASSERT_TRUE(modem_stats_unpk_set_pos(1999));
-    EXPECT_EQ(g_pk_data_cnt, 1999u);
-    EXPECT_EQ(g_pk_data_left, 1);
+    EXPECT_EQ(cursor(), "cnt 1999 left 1 base 0 bit 0");
     g_pk_data_valid = 0;
     EXPECT_EQ(fails([] { return modem_stats_unpk_set_pos(0); }), "UNPK_SET_POS, pos(0) should be[0, 0), id(0xb16d)\n");
 }
 
-TEST_F(UnpackTest, BitPositionFromBytesRead)
+TEST_F(UnpackTest, BitPositionsFieldsAndRows)
 {
     start({0x01, 0x02, 0x03, 0xa5});
     uint8_t a = 0;
     uint16_t b = 0;
     ASSERT_TRUE(modem_stats_data_unpk("a", &a) && modem_stats_data_unpk("b", &b));
     ASSERT_TRUE(modem_stats_base_with_bit());
-    EXPECT_EQ(g_pk_bit_pos, 24u);
-    EXPECT_EQ(g_pk_data_base, 3);
-    EXPECT_EQ(g_pk_data_cnt, 0u);
+    EXPECT_EQ(cursor(), "cnt 0 left 1997 base 3 bit 24");
     ASSERT_TRUE(modem_stats_unpk_mid("nib", 4, 4, &a));
     EXPECT_EQ(a, 0xa);
     /* Whole bytes again at the base after bit fields. */
@@ -127,63 +127,23 @@ TEST_F(UnpackTest, BitPositionFromBytesRead)
     g_pk_data_cnt = 1;
     EXPECT_EQ(fails([] { return modem_stats_base_with_bit(); }),
               "BASE_WITH_BIT, bit(-2147483648) should >= 0, id(0xb16d)\n");
-}
 
-TEST_F(UnpackTest, BitFieldChecksAndValues)
-{
-    const struct {
-        uint32_t skip, width, dest_bits;
-        bool ok;
-        uint64_t value;
-        const char *message;
-    } cases[] = {
-        /* low 4, high 11: 8 bits fit an 8-bit destination. */
-        {3, 8, 8, true, 0xb5, ""},
-        {3, 9, 16, true, 0x1b5, ""},
-        {3, 9, 8, false, 0, "UNPK_LOW, bit_num(9) should be in [1, 8] for f, id(0xb16d)\n"},
-        {7, 58, 64, false, 0, "UNPK_MID, high(65) should be in [1, 64] for f, id(0xb16d)\n"},
-        {0, 0, 8, false, 0, "UNPK_MID, high(0) should be in [1, 64] for f, id(0xb16d)\n"},
-        {3, 0, 8, false, 0, "UNPK_MID, low(4) should <= high(3) for f, id(0xb16d)\n"},
-        {0, 64, 64, true, 0x0000000000000dadull, ""},
-        {8 * 1993, 1, 8, false, 0, "g_pk_data_left(7) is not enough for f_tmp, id(0xb16d)\n"},
-        {8 * 1992 + 7, 1, 8, true, 0, ""},
-        {8 * 2000, 1, 8, false, 0, "UNPK_SET_POS, pos(2000) should be[0, 2000), id(0xb16d)\n"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << "skip " << c.skip << " width " << c.width << " dest " << c.dest_bits);
-        start({0xad, 0x0d});
-        uint64_t v = 0;
-        EXPECT_EQ(fails([&] { return modem_stats_unpk_bits("f", c.skip, c.width, c.dest_bits, false, &v); }, c.ok),
-                  c.message);
-        EXPECT_EQ(v, c.value);
-    }
-}
-
-TEST_F(UnpackTest, SequentialFieldsAdvanceFixedRecordFieldsDoNot)
-{
-    /* byte0 = 0b0110_1011: fields of 3, 2 and 3 bits from the low end. */
+    /* byte0 = 0b0110_1011: fields of 3, 2 and 3 bits from the low end
+     * advance; fixed record fields do not. */
     start({0x6b, 0xff, 0x00, 0x81});
-    uint8_t a = 0, b = 0, c = 0, y = 0;
-    ASSERT_TRUE(modem_stats_unpk_mid("a", 0, 3, &a) && modem_stats_unpk_mid("b", 0, 2, &b));
+    uint8_t c = 0, y = 0;
+    ASSERT_TRUE(modem_stats_unpk_mid("a", 0, 3, &a) && modem_stats_unpk_mid("b", 0, 2, &y));
     ASSERT_TRUE(modem_stats_unpk_mid("c", 0, 3, &c));
-    EXPECT_EQ(a, 0x3);
-    EXPECT_EQ(b, 0x1);
-    EXPECT_EQ(c, 0x3);
-    EXPECT_EQ(g_pk_bit_pos, 8u);
-    EXPECT_EQ(g_pk_data_base, 1);
+    EXPECT_EQ(fmt("%x %x %x", a, y, c), "3 1 3");
+    EXPECT_EQ(cursor(), "cnt 0 left 1992 base 1 bit 8");
     uint16_t x = 0;
     ASSERT_TRUE(modem_stats_unpk_at("x", 4, 12, &x) && modem_stats_unpk_at("y", 16, 8, &y));
-    EXPECT_EQ(x, 0x00f);
-    EXPECT_EQ(y, 0x81);
+    EXPECT_EQ(fmt("%x %x", x, y), "f 81");
     EXPECT_EQ(g_pk_bit_pos, 8u);
     modem_stats_bit_advance(24);
-    EXPECT_EQ(g_pk_bit_pos, 32u);
-    EXPECT_EQ(g_pk_data_base, 4);
-    EXPECT_EQ(g_pk_data_cnt, 0u);
-}
+    EXPECT_EQ(cursor(), "cnt 0 left 1990 base 4 bit 32");
 
-TEST_F(UnpackTest, BitRowsReadInOrderAndStopAtFirstRefusal)
-{
+    /* Rows read in order and stop at the first refusal. */
     static constexpr modem_stats_bit_field_row rows[] = {
         {"lo", 0, 4, 8}, {"hi", 4, 4, 8}, {"too_wide", 0, 9, 8}, {"never", 0, 1, 8}};
     static_assert(modem_stats_bit_row_fits(rows[0]) && !modem_stats_bit_row_fits(rows[2]), "row check");
@@ -191,9 +151,27 @@ TEST_F(UnpackTest, BitRowsReadInOrderAndStopAtFirstRefusal)
     uint64_t values[4] = {0, 0, 0, 77};
     EXPECT_EQ(fails([&] { return modem_stats_unpk_bit_rows(rows, 4, values); }),
               "UNPK_LOW, bit_num(9) should be in [1, 8] for too_wide, id(0xb16d)\n");
-    EXPECT_EQ(values[0], 0xau);
-    EXPECT_EQ(values[1], 0x5u);
-    EXPECT_EQ(values[3], 77u);
+    EXPECT_EQ(fmt("%lx %lx %lu", static_cast<unsigned long>(values[0]), static_cast<unsigned long>(values[1]),
+                  static_cast<unsigned long>(values[3])),
+              "a 5 77");
+}
+
+/* unpack_bits.golden: per case skip, width and destination bits, then the
+ * result, the value read and the message. */
+TEST_F(UnpackTest, BitFieldChecksAndValues)
+{
+    const uint32_t cases[][3] = {{3, 8, 8},  {3, 9, 16}, {3, 9, 8},         {7, 58, 64},   {0, 0, 8},
+                                 {3, 0, 8},  {0, 64, 64}, {8 * 1993, 1, 8}, {8 * 1992 + 7, 1, 8}, {8 * 2000, 1, 8}};
+    std::string text;
+    for (const auto &c : cases) {
+        start({0xad, 0x0d});
+        uint64_t v = 0;
+        bool ok = false;
+        std::string out = captured_stdout([&] { ok = modem_stats_unpk_bits("f", c[0], c[1], c[2], false, &v); });
+        text += fmt("%u %u %u: %d 0x%lx", c[0], c[1], c[2], ok, static_cast<unsigned long>(v));
+        text += out.empty() ? "\n" : " " + out;
+    }
+    expect_golden(text, __FILE__, "unpack_bits.golden");
 }
 
 TEST_F(UnpackTest, PackBufferAndItsLimits)
