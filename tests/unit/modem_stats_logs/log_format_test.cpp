@@ -35,6 +35,25 @@ bool same(const char *fmt, ...)
     return n1 == n2 && strcmp(ours, libc) == 0;
 }
 
+/* The value of the bits `raw`. */
+template <typename T, typename U>
+T from_bits(U raw)
+{
+    static_assert(sizeof(T) == sizeof(U), "same size");
+    T v;
+    memcpy(&v, &raw, sizeof(v));
+    return v;
+}
+
+/* "%.2f" of `n` values made by `next(i)`, up to the first difference. */
+template <typename F>
+void check_many(int n, F next)
+{
+    for (int i = 0; i < n; i++) {
+        if (!same("%.2f", next(i))) return;
+    }
+}
+
 TEST(LogFormatTest, TwoDecimalsMatchPrintf)
 {
     /* Exact binary ties round to even, as printf does. */
@@ -44,13 +63,9 @@ TEST(LogFormatTest, TwoDecimalsMatchPrintf)
     for (float f : specials) EXPECT_TRUE(same("x = %.2f, y = %.2f", f, -f)) << f;
     std::mt19937 rng(7);
     std::uniform_int_distribution<uint32_t> bits;
-    for (int i = 0; i < 200000; i++) {
-        uint32_t raw = bits(rng);
-        float f = 0;
-        memcpy(&f, &raw, sizeof(f));
-        if (!same("%.2f", static_cast<double>(f))) break;
-    }
-    /* Every hundredth the conversions produce, and its neighbours. */
+    /* Any bit pattern, then every hundredth the conversions produce and its
+     * neighbours. */
+    check_many(200000, [&](int) { return static_cast<double>(from_bits<float>(bits(rng))); });
     for (int i = -200000; i < 200000; i++) {
         float f = static_cast<float>(i) / 100.0f;
         if (!same("%.2f %.2f %.2f", f, nextafterf(f, -INFINITY), nextafterf(f, INFINITY))) break;
@@ -69,24 +84,13 @@ TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
     for (double d : specials) EXPECT_TRUE(same("%.2f %.2f", d, -d)) << d;
     std::mt19937_64 rng(11);
     std::uniform_int_distribution<int64_t> thousandths(-10000000000LL, 10000000000LL);
-    for (int i = 0; i < 300000; i++) {
-        double d = static_cast<double>(thousandths(rng)) / 1000.0;
-        if (!same("%.2f", d)) break;
-    }
+    check_many(300000, [&](int) { return static_cast<double>(thousandths(rng)) / 1000.0; });
     /* Any bit pattern: every exponent, subnormals, infinities and NaNs. */
     std::uniform_int_distribution<uint64_t> bits;
-    for (int i = 0; i < 300000; i++) {
-        uint64_t raw = bits(rng);
-        double d = 0;
-        memcpy(&d, &raw, sizeof(d));
-        if (!same("%.2f", d)) break;
-    }
+    check_many(300000, [&](int) { return from_bits<double>(bits(rng)); });
     /* Magnitudes below the direct limit, evenly spread over the exponents. */
     std::uniform_real_distribution<double> exponent(-30.0, 13.0);
-    for (int i = 0; i < 300000; i++) {
-        double d = pow(10.0, exponent(rng));
-        if (!same("%.2f", (i & 1) ? -d : d)) break;
-    }
+    check_many(300000, [&](int i) { return (i & 1 ? -1 : 1) * pow(10.0, exponent(rng)); });
 }
 
 TEST(LogFormatTest, IntegersStringsAndDigitCountBoundaries)
