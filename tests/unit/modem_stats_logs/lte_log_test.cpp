@@ -78,79 +78,46 @@ packet b064(int version_sub, const std::vector<std::vector<uint8_t>> &headers)
     return p.u16(6, at - 4);
 }
 
-void phy_cases(std::vector<log_case> &cases)
+TEST(LteLogTest, EveryCodeAndVersion)
 {
     const uint32_t v48[5] = {14, 223, 243, 292, 311};
     const uint32_t v49[5] = {15, 223, 247, 295, 319};
-    /* 273 needs 9 bits: version 48's 7-bit field keeps 273 mod 128. */
-    cases.push_back({0xB16D, b16d(48, 416, v48, 7), 3});
-    cases.push_back({0xB16D, b16d(49, 448, v49, 9), 0});
-    cases.push_back({0xB16D, packet().u8(0, 48).size(8)});
-    cases.push_back({0xB16D, packet().u8(0, 50).size(8)});
-
     packet csf = packet().u8(0, 163).bits(36, 2, 1).bits(47, 4, 12).bits(51, 4, 9).size(40);
-    cases.push_back({0xB14E, csf, 0});
-    cases.push_back({0xB14E, packet(csf).u8(0, 42)});
-
     packet agc = packet().u8(0, 162).u8(1, 2).bits_at(4, 0, 4, 1).bits_at(4, 16, 12, 1000);
     agc.bits_at(12, 0, 4, 2).bits_at(12, 16, 12, 784).bits_at(12, 28, 12, 800).bits_at(12, 40, 12, 1024);
     agc.bits_at(12, 52, 12, 1026);
-    cases.push_back({0xB111, agc, 1});
-    cases.push_back({0xB111, packet(agc).u8(0, 21)});
-
     /* Two 12-byte records; the second, with a negative power, is reported. */
     packet pusch = packet().u8(0, 48).u8(3, 2).bits_at(4, 17, 8, 10).bits_at(4, 54, 8, 90);
     pusch.bits_at(16, 17, 8, 0xFB).bits_at(16, 54, 8, 120);
     packet pucch = packet().u8(0, 49).u8(3, 1).bits_at(4, 14, 8, 7).bits_at(4, 43, 8, 101);
-    cases.push_back({0xB16E, pusch, 3});
-    cases.push_back({0xB16F, pucch, 3});
-    cases.push_back({0xB16E, packet(pusch).u8(0, 25)});
-    cases.push_back({0xB16F, packet(pucch).u8(0, 24)});
-    cases.push_back({0xB16E, packet().u8(0, 48).size(8)});
-
-    cases.push_back({0xB173, b173(48, 40, 12, 4), 1});
-    cases.push_back({0xB173, b173(49, 48, 16, 6), 1});
     /* Three transport blocks cannot fit the two slots. */
     packet three = b173(48, 40, 12, 4).u8(8, 3);
-    cases.push_back({0xB173, three});
-    cases.push_back({0xB173, packet(three).u8(0, 16)});
-}
-
-void rrc_mac_cases(std::vector<log_case> &cases)
-{
     packet cell;
     cell.u8(0, 3).u16(1, 405).u32(3, 66486).u32(7, 132022).u8(11, 100).u8(12, 75).u32(13, 0x88a4d0f).u16(17, 34624);
     cell.u32(19, 66).u16(23, 310).u8(25, 3).u16(26, 260).u8(28, 1);
-    cases.push_back({0xB0C2, cell, 27});
-    cases.push_back({0xB0C2, packet(cell).u8(0, 2)});
-
-    /* A failed attempt, a successful one, another sub-packet id, an
-     * unsupported sub-packet version and packet version. */
     packet rach = packet().u8(0, 1).u8(1, 1).u8(4, 6).u8(5, 49).u16(6, 48).u8(11, 0xFF);
-    cases.push_back({0xB062, rach, 11});
-    cases.push_back({0xB062, packet(rach).u8(11, 0)});
-    cases.push_back({0xB062, packet(rach).u8(4, 7)});
-    cases.push_back({0xB062, packet(rach).u8(5, 50)});
-    cases.push_back({0xB062, packet(rach).u8(0, 2)});
-
+    packet tb = b064(2, {B064_HDR0});
+    std::vector<log_case> cases = {
+        /* 273 needs 9 bits: version 48's 7-bit field keeps 273 mod 128. */
+        {0xB16D, b16d(48, 416, v48, 7), 3}, {0xB16D, b16d(49, 448, v49, 9), 0},
+        {0xB16D, packet().u8(0, 48).size(8)}, {0xB16D, packet().u8(0, 50).size(8)},
+        {0xB14E, csf, 0}, {0xB14E, packet(csf).u8(0, 42)}, {0xB111, agc, 1}, {0xB111, packet(agc).u8(0, 21)},
+        {0xB16E, pusch, 3}, {0xB16F, pucch, 3}, {0xB16E, packet(pusch).u8(0, 25)}, {0xB16F, packet(pucch).u8(0, 24)},
+        {0xB16E, packet().u8(0, 48).size(8)},
+        {0xB173, b173(48, 40, 12, 4), 1}, {0xB173, b173(49, 48, 16, 6), 1},
+        {0xB173, three}, {0xB173, packet(three).u8(0, 16)},
+        {0xB0C2, cell, 27}, {0xB0C2, packet(cell).u8(0, 2)},
+        /* A failed attempt, a successful one, another sub-packet id, an
+         * unsupported sub-packet version and packet version. */
+        {0xB062, rach, 11}, {0xB062, packet(rach).u8(11, 0)}, {0xB062, packet(rach).u8(4, 7)},
+        {0xB062, packet(rach).u8(5, 50)}, {0xB062, packet(rach).u8(0, 2)},
+        /* A sub-header says another follows, but the header ends; the short
+         * BSR's octet is missing; LCID 11 is reserved in the uplink. */
+        {0xB064, b064(2, {{0x3D}})}, {0xB064, b064(2, {{0x1D}})}, {0xB064, b064(2, {{0x0B}})},
+        /* Another sub-packet id, an unsupported sub-packet and packet
+         * version. */
+        {0xB064, packet(tb).u8(4, 9)}, {0xB064, packet(tb).u8(5, 4)}, {0xB064, packet(tb).u8(0, 2)}};
     for (int v : {1, 2, 3, 5, 8}) cases.push_back({0xB064, b064(v, {B064_HDR0, B064_HDR1}), 8});
-    /* A sub-header says another follows, but the header ends; the short
-     * BSR's octet is missing; LCID 11 is reserved in the uplink. */
-    cases.push_back({0xB064, b064(2, {{0x3D}})});
-    cases.push_back({0xB064, b064(2, {{0x1D}})});
-    cases.push_back({0xB064, b064(2, {{0x0B}})});
-    /* Another sub-packet id, an unsupported sub-packet and packet version. */
-    packet p = b064(2, {B064_HDR0});
-    cases.push_back({0xB064, packet(p).u8(4, 9)});
-    cases.push_back({0xB064, packet(p).u8(5, 4)});
-    cases.push_back({0xB064, packet(p).u8(0, 2)});
-}
-
-TEST(LteLogTest, EveryCodeAndVersion)
-{
-    std::vector<log_case> cases;
-    phy_cases(cases);
-    rrc_mac_cases(cases);
     expect_golden(describe(cases), __FILE__, "lte_log.golden");
 }
 

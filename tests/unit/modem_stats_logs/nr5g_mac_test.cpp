@@ -159,8 +159,7 @@ TEST(Nr5gMacTest, EveryCodeAndVersion)
     packet csf = nr_header(0x20002, 1);
     csf.bits_at(8, 24, 4, 2).bits_at(12, 0, 3, 1).bits_at(12, 3, 3, 0).bits_at(12, 8, 4, 4).bits_at(12, 12, 4, 7);
     csf.bits_at(20, 0, 3, 2).bits_at(20, 3, 3, 1).bits_at(20, 8, 4, 4).bits_at(20, 12, 4, 11).size(28);
-    cases.push_back({0xB8A7, csf, 4});
-    cases.push_back({0xB8A7, nr_header(0x20001, 1)});
+    cases.insert(cases.end(), {{0xB8A7, csf, 4}, {0xB8A7, nr_header(0x20001, 1)}});
 
     struct {
         uint32_t version, carrier_header, channel;
@@ -171,16 +170,14 @@ TEST(Nr5gMacTest, EveryCodeAndVersion)
     /* 2.7: Msg1 and Msg2, the TC-RNTI and timing advance after 28 bytes of
      * Msg1, then Msg1 alone.  3.5: Msg2 alone. */
     packet v27 = packet().u32(0, 0x20007).u8(21, 0).u8(23, 3).u16(28 + 28 + 6, 17921).u16(28 + 28 + 8, 12).size(80);
-    cases.push_back({0xB88A, v27, 4});
-    cases.push_back({0xB88A, packet().u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80)});
-    cases.push_back({0xB88A, packet(v27).u8(23, 1)});
-    cases.push_back({0xB88A, packet(v27).u32(0, 0x20006)});
+    packet v35 = packet().u32(0, 0x30005).u8(14, 1).u8(16, 2).u16(24 + 6, 300).u16(24 + 8, 31).size(80);
+    cases.insert(cases.end(), {{0xB88A, v27, 4}, {0xB88A, v35}, {0xB88A, packet(v27).u8(23, 1)},
+                               {0xB88A, packet(v27).u32(0, 0x20006)}});
 
-    cases.push_back({0xB883, b883(0x2000B, 40), 4});
-    cases.push_back({0xB883, b883(0x3000F, 44), 4});
+    cases.insert(cases.end(), {{0xB883, b883(0x2000B, 40), 4}, {0xB883, b883(0x3000F, 44), 4}});
     /* A channel bit whose data size nobody documents. */
-    cases.push_back({0xB883, b883(0x2000B, 40).bits_at(24, 6, 6, 0x01)});
-    cases.push_back({0xB883, packet().u32(0, 0x20008).size(16)});
+    cases.insert(cases.end(), {{0xB883, b883(0x2000B, 40).bits_at(24, 6, 6, 0x01)},
+                               {0xB883, packet().u32(0, 0x20008).size(16)}});
 
     struct {
         uint32_t version, tti, tb;

@@ -18,11 +18,9 @@ void ll1_cases(std::vector<log_case> &cases)
 {
     packet agc = packet().u32(0, 0x20000).u8(4, 1).u8(5, 4).bits_at(12, 0, 13, 3616).bits_at(12, 16, 13, 3600);
     agc.bits_at(16, 0, 13, 4096).bits_at(16, 16, 13, 4100).size(24);
-    cases.push_back({0xB8C9, agc, 5});
-    cases.push_back({0xB8C9, packet(agc).u8(5, 3)});
-    cases.push_back({0xB8C9, packet().u32(0, 0x20000).u8(4, 1).u8(5, 4).size(24)});
-    cases.push_back({0xB8C9, packet(agc).u8(4, 2)});
-    cases.push_back({0xB8C9, packet(agc).u32(0, 0x10000)});
+    cases.insert(cases.end(), {{0xB8C9, agc, 5}, {0xB8C9, packet(agc).u8(5, 3)},
+                               {0xB8C9, packet().u32(0, 0x20000).u8(4, 1).u8(5, 4).size(24)},
+                               {0xB8C9, packet(agc).u8(4, 2)}, {0xB8C9, packet(agc).u32(0, 0x10000)}});
 
     /* The second PUSCH entry replaces the first. */
     struct entry {
@@ -41,8 +39,8 @@ void ll1_cases(std::vector<log_case> &cases)
         }
         cases.push_back({0xB8D2, p, 6});
     }
-    cases.push_back({0xB8D2, packet().u32(0, 0x10000).u16(4, 2).size(8)});
-    cases.push_back({0xB8D2, packet().u32(0, 0x10002).size(8)});
+    cases.insert(cases.end(), {{0xB8D2, packet().u32(0, 0x10000).u16(4, 2).size(8)},
+                               {0xB8D2, packet().u32(0, 0x10002).size(8)}});
 
     /* 10*log10(raw/1024): 0 dB, 3.01 dB, absent, 10 dB. */
     const uint32_t raw[4] = {1024, 2048, 0, 10240};
@@ -51,10 +49,8 @@ void ll1_cases(std::vector<log_case> &cases)
         snr.u32(8 + 4 * i, raw[i]);
         ftl.u32(76 + 4 * i, raw[i]);
     }
-    cases.push_back({0xB8D8, snr, 9});
-    cases.push_back({0xB8DD, ftl, 77});
-    cases.push_back({0xB8D8, packet(snr).u32(0, 0x20000)});
-    cases.push_back({0xB8DD, packet(ftl).u32(0, 6)});
+    cases.insert(cases.end(), {{0xB8D8, snr, 9}, {0xB8DD, ftl, 77}, {0xB8D8, packet(snr).u32(0, 0x20000)},
+                               {0xB8DD, packet(ftl).u32(0, 6)}});
 }
 
 /* ---- ML1 -------------------------------------------------------------------- */
@@ -116,22 +112,17 @@ void ml1_cases(std::vector<log_case> &cases)
     /* Counts past their bounds (layers, cc_id, cells, beams) stop the
      * packet. */
     const b97f_layout l = layouts[2], l3 = layouts[6];
-    cases.push_back({0xB97F, b97f(l).u8(4, 9)});
-    cases.push_back({0xB97F, b97f(l).u8(16 + 5, 16)});
-    cases.push_back({0xB97F, b97f(l).u8(16 + 4, 33)});
-    cases.push_back({0xB97F, b97f(l).bits_at(48 + 4, 0, 4, 9)});
-    cases.push_back({0xB97F, b97f(l3).u8(20 + 4, 16)});
-    cases.push_back({0xB97F, b97f(l3).u8(20 + 5, 33)});
+    cases.insert(cases.end(), {{0xB97F, b97f(l).u8(4, 9)}, {0xB97F, b97f(l).u8(16 + 5, 16)},
+                               {0xB97F, b97f(l).u8(16 + 4, 33)}, {0xB97F, b97f(l).bits_at(48 + 4, 0, 4, 9)},
+                               {0xB97F, b97f(l3).u8(20 + 4, 16)}, {0xB97F, b97f(l3).u8(20 + 5, 33)}});
 
     packet fc;
     fc.u32(0, 0x10001).u8(4, 1).u8(5, 2).u8(6, 2).u8(8, 1).u8(9, 3).u8(10, 4).u8(12, 2).u8(13, 5).u8(14, 6).size(16);
-    cases.push_back({0xB981, fc, 12});
-    cases.push_back({0xB981, packet(fc).u32(0, 0x10000)});
+    cases.insert(cases.end(), {{0xB981, fc, 12}, {0xB981, packet(fc).u32(0, 0x10000)}});
 
     packet asdiv = packet().u32(0, 0x20000).u8(4, 2).size(18);
     for (uint32_t i = 0; i < 12; i++) asdiv.bits_at(8, 4 * i, 4, i + 1);
-    cases.push_back({0xB98F, asdiv, 4});
-    cases.push_back({0xB98F, packet(asdiv).u32(0, 0x10000)});
+    cases.insert(cases.end(), {{0xB98F, asdiv, 4}, {0xB98F, packet(asdiv).u32(0, 0x10000)}});
 }
 
 /* ---- RRC -------------------------------------------------------------------- */
