@@ -9,9 +9,8 @@
 #include "golden.h"
 #include "modem_stats_dispatch.h"
 
-using stats_test::captured_stdout;
-using stats_test::record_log;
-using stats_test::seen_record;
+using log_test::captured_stdout;
+using log_test::record_log;
 
 namespace {
 
@@ -92,7 +91,7 @@ TEST(DispatchTest, CallingFormsAndReleaseRule)
         for (uint16_t code : {0x0010, 0x0020, 0x0030, 0x0040, 0x0015})
             modem_stats_diag_dispatch(table, code, 1, 1, payload);
     });
-    EXPECT_EQ(records.take(), (std::vector<seen_record>{{MODEM_STATS_DATA_ID_CALL_ORIG, {0xa1}},
+    EXPECT_EQ(records.take(), (std::vector<log_test::record>{{MODEM_STATS_DATA_ID_CALL_ORIG, {0xa1}},
                                                         {MODEM_STATS_DATA_ID_CALL_END, {1}}}));
     ASSERT_NE(g_kept, nullptr);
     EXPECT_EQ(g_kept->data[0], 1);

@@ -11,7 +11,7 @@
 #include "modem_stats_dispatch.h"
 #include "modem_stats_event_parsers.h"
 
-using stats_test::captured_stdout;
+using log_test::captured_stdout;
 
 namespace {
 
@@ -19,7 +19,7 @@ namespace {
  * -1) and describes what it printed and the records it released. */
 std::string event(uint16_t id, const std::vector<uint8_t> &payload, int32_t length = -1, uint8_t sub = 1)
 {
-    stats_test::record_log released;
+    log_test::record_log released;
     if (length < 0) length = static_cast<int32_t>(payload.size());
     log_test::run_result r;
     r.out = captured_stdout([&] { modem_stats_diag_process_event_ex(length, id, sub, payload.data()); });
@@ -67,7 +67,7 @@ TEST(EventParsersTest, ReadableBytesAndNullPointer)
 {
     /* The SCG failure cause sits after 32 reserved bytes: 34 readable
      * bytes are needed. */
-    std::vector<uint8_t> buf = stats_test::payload({});
+    std::vector<uint8_t> buf = log_test::payload({});
     modem_stats_data_id_e_type id = MODEM_STATS_DATA_ID_NONE;
     modem_stats_single_data_common_type *rec = nullptr;
     auto scg = [&](int32_t left) {
@@ -104,7 +104,7 @@ TEST(LteRrcStateTest, StatsWithoutRecordPointersStillKeepTheState)
         {nullptr, nullptr}, {&id, nullptr}, {nullptr, &rec}};
     for (const auto &f : forms) {
         g_lte_rrc_state_last = 0;
-        stats_test::record_log records;
+        log_test::record_log records;
         std::string out = captured_stdout([&] {
             modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(MODEM_STATS_SUB_ID_1, 4, f.first, f.second);
         });

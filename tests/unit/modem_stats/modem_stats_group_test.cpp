@@ -12,7 +12,7 @@
 #include "modem_stats_event_parsers.h"
 #include "tolvek_modem_stats_group.h"
 
-using stats_test::captured_stdout;
+using log_test::captured_stdout;
 
 namespace {
 

@@ -5,11 +5,9 @@
 
 #include "../modem_stats_logs/log_test_util.h"
 #include "golden.h"
-#include "modem_stats_record.h"
-#include "modem_stats_unpack.h"
 
 using log_test::fmt;
-using stats_test::captured_stdout;
+using log_test::captured_stdout;
 
 namespace {
 
@@ -32,7 +30,7 @@ protected:
     /* Starts on a payload of the readable size beginning with `head`. */
     void start(std::vector<uint8_t> head)
     {
-        buf_ = stats_test::payload(head);
+        buf_ = log_test::payload(head);
         step("start", [&] { return modem_stats_data_unpk_start(kId, buf_.data()); });
     }
     std::vector<uint8_t> buf_;

@@ -12,7 +12,7 @@
 #include <random>
 #include <string>
 
-#include "../modem_stats/stats_test_util.h"
+#include "log_test_util.h"
 #include "modem_stats_log_format.h"
 #include "orvex_log.h"
 
@@ -133,7 +133,7 @@ TEST(LogFormatTest, MeasurementLineKeepsTheRecordTextBound)
     std::string name(120, 'n');
     char expected[ORVEX_LOG_BUF_LEN];
     orvex_log_buf(expected, "%s = %.2f", name.c_str(), -99.5);
-    std::string out = stats_test::captured_stdout([&] { modem_stats_log_print_buf("%s = %.2f", name.c_str(), -99.5); });
+    std::string out = log_test::captured_stdout([&] { modem_stats_log_print_buf("%s = %.2f", name.c_str(), -99.5); });
     EXPECT_EQ(out, std::string(expected) + "\n");
     EXPECT_EQ(out.size(), ORVEX_LOG_BUF_LEN);
 }

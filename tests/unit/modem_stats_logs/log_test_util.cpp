@@ -4,11 +4,44 @@
 #include <stdarg.h>
 #include <stdio.h>
 
+#include <utility>
+
 #include "golden.h"
 #include "modem_stats_dispatch.h"
-#include "modem_stats_unpack.h"
 
 namespace log_test {
+
+std::vector<uint8_t> payload(std::vector<uint8_t> head)
+{
+    head.resize(MODEM_STATS_UNPK_MAX_LEN, 0);
+    return head;
+}
+
+static record seen(const modem_stats_single_data_common_type *r)
+{
+    return {r->data_id, std::vector<uint8_t>(r->data, r->data + r->data_len)};
+}
+
+static std::vector<record> g_released;
+
+record_log::record_log()
+{
+    g_released.clear();
+    modem_stats_set_record_observer(
+        [](modem_stats_sub_id_e_type, modem_stats_data_id_e_type id, const modem_stats_single_data_common_type *r) {
+            g_released.push_back({id, seen(r).bytes});
+        });
+}
+
+record_log::~record_log()
+{
+    modem_stats_set_record_observer(nullptr);
+}
+
+std::vector<record> record_log::take()
+{
+    return std::exchange(g_released, {});
+}
 
 run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut)
 {
@@ -16,11 +49,11 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
     const modem_stats_parser_row *row = modem_stats_parser_find(modem_stats_log_parser_table(), code);
     EXPECT_NE(row, nullptr) << "no parser for 0x" << std::hex << code;
     if (!row) return result;
-    std::vector<uint8_t> payload = stats_test::payload(bytes);
-    stats_test::record_log released;
+    std::vector<uint8_t> data = payload(bytes);
+    record_log released;
     g_pk_version_not_support_num = 0;
-    result.out = stats_test::captured_stdout([&] {
-        if (!modem_stats_data_unpk_start(code, payload.data())) return;
+    result.out = captured_stdout([&] {
+        if (!modem_stats_data_unpk_start(code, data.data())) return;
         if (cut != NO_CUT) g_pk_data_left = cut;
         modem_stats_data_id_e_type id = MODEM_STATS_DATA_ID_NONE;
         modem_stats_single_data_common_type *made = nullptr;
@@ -33,7 +66,7 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
         if (made && made->data_id != id) ADD_FAILURE() << "record id differs from the reported id";
         /* A parser that keeps its record is only looked at. */
         if (made && !row->release)
-            result.records.push_back(stats_test::seen(made));
+            result.records.push_back(seen(made));
         else
             modem_stats_data_check_and_update_for_diag(MODEM_STATS_SUB_ID_0, id, made);
     });

@@ -1,22 +1,55 @@
-/* Helpers of the log parser tests: a runner that feeds a packet to the
- * parser registered for a log code the way the dispatcher does and collects
- * what it printed and the records it made, and the text of such runs that
- * the golden files next to the tests hold. */
+/* Helpers of the statistics tests: captured standard output, payloads of
+ * the readable size, the records handed over for release, a runner that
+ * feeds a packet to the parser registered for a log code the way the
+ * dispatcher does, and the text of such runs that the golden files next to
+ * the tests hold. */
 #ifndef LOG_TEST_UTIL_H
 #define LOG_TEST_UTIL_H
 
+#include <gtest/gtest.h>
 #include <stdint.h>
+#include <stdio.h>
 
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "../modem_stats/stats_test_util.h"
 #include "log_packet.h"
+#include "modem_stats_record.h"
+#include "modem_stats_unpack.h"
 
 namespace log_test {
 
-using record = stats_test::seen_record;
+/* Runs `fn` and returns what it printed on standard output. */
+template <typename F>
+std::string captured_stdout(F fn)
+{
+    fflush(stdout);
+    testing::internal::CaptureStdout();
+    fn();
+    fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+}
+
+/* A payload of the unpacker's readable size, zero-filled, starting with
+ * `head`. */
+std::vector<uint8_t> payload(std::vector<uint8_t> head);
+
+/* A record: its id and data. */
+struct record {
+    modem_stats_data_id_e_type id;
+    std::vector<uint8_t> bytes;
+    bool operator==(const record &o) const { return id == o.id && bytes == o.bytes; }
+};
+
+/* Collects every record released while it is alive (one at a time). */
+class record_log {
+public:
+    record_log();
+    ~record_log();
+    /* The records seen so far, and forget them. */
+    std::vector<record> take();
+};
 
 /* What one packet made a parser do. */
 struct run_result {
