@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "golden.h"
-#include "modem_stats_dispatch.h"
 
 namespace log_test {
 
@@ -43,10 +42,10 @@ std::vector<record> record_log::take()
     return std::exchange(g_released, {});
 }
 
-run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut)
+run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut, modem_stats_parser_table table)
 {
     run_result result;
-    const modem_stats_parser_row *row = modem_stats_parser_find(modem_stats_log_parser_table(), code);
+    const modem_stats_parser_row *row = modem_stats_parser_find(table, code);
     EXPECT_NE(row, nullptr) << "no parser for 0x" << std::hex << code;
     if (!row) return result;
     std::vector<uint8_t> data = payload(bytes);
@@ -63,7 +62,7 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
             case MODEM_STATS_PARSER_SUB_ONLY: row->parse_sub_only(MODEM_STATS_SUB_ID_0); break;
             default: break;
         }
-        if (made && made->data_id != id) ADD_FAILURE() << "record id differs from the reported id";
+        if (made ? made->data_id != id : id != MODEM_STATS_DATA_ID_NONE) ADD_FAILURE() << "id differs from the record's";
         /* A parser that keeps its record is only looked at. */
         if (made && !row->release)
             result.records.push_back(seen(made));

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "log_packet.h"
+#include "modem_stats_dispatch.h"
 #include "modem_stats_record.h"
 #include "modem_stats_unpack.h"
 
@@ -61,11 +62,12 @@ struct run_result {
  * at `cut` instead of the unpacker's 2000-byte limit. */
 constexpr int32_t NO_CUT = -1;
 
-/* Feeds `bytes` under `code` to the registered parser, with subscription
- * 0, as the dispatcher does (payload zero-filled up to the readable size),
- * from a not-supported count of 0.  Records handed over are collected and
- * released. */
-run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT);
+/* Feeds `bytes` under `code` to the parser registered in `table`, with
+ * subscription 0, as the dispatcher does (payload zero-filled up to the
+ * readable size), from a not-supported count of 0.  Records handed over
+ * are collected and released. */
+run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT,
+                   modem_stats_parser_table table = modem_stats_log_parser_table());
 
 /* The rows of the data file `name` next to `source`, one per line; blank
  * lines and `#` comments are left out. */
