@@ -27,6 +27,11 @@ protected:
                       g_pk_data_left, g_pk_data_base, g_pk_bit_pos) +
                   log_test::describe(r);
     }
+    /* Notes the state after the statements before it. */
+    void note(const char *what)
+    {
+        step(what, [] { return true; });
+    }
     /* Starts on a payload of the readable size beginning with `head`. */
     void start(std::vector<uint8_t> head)
     {
@@ -60,16 +65,12 @@ TEST_F(UnpackTest, ReadsBitFieldsPositionsAndPacking)
     step("past", [&] { return modem_stats_data_unpk("past", &a); });
     /* A skip lowers the bytes left without a check. */
     start({});
-    step("left 10, skip 32", [] {
-        g_pk_data_left = 10;
-        modem_stats_data_skip(32);
-        return true;
-    });
+    g_pk_data_left = 10;
+    modem_stats_data_skip(32);
+    note("left 10, skip 32");
     step("set_pos 1999", [] { return modem_stats_unpk_set_pos(1999); });
-    step("not valid, set_pos 0", [] {
-        g_pk_data_valid = 0;
-        return modem_stats_unpk_set_pos(0);
-    });
+    g_pk_data_valid = 0;
+    step("not valid, set_pos 0", [] { return modem_stats_unpk_set_pos(0); });
 
     /* Bit positions from the bytes read; whole bytes again at the base
      * after bit fields. */
@@ -80,11 +81,9 @@ TEST_F(UnpackTest, ReadsBitFieldsPositionsAndPacking)
     step("next", [&] { return modem_stats_data_unpk("next", &a) && a == 0; });
     /* Negative bit positions are refused. */
     step("bit -8", [] { return modem_stats_bit_pos_set(-8); });
-    step("bit 0x7ffffff8, cnt 1", [] {
-        g_pk_bit_pos = 0x7ffffff8u;
-        g_pk_data_cnt = 1;
-        return modem_stats_base_with_bit();
-    });
+    g_pk_bit_pos = 0x7ffffff8u;
+    g_pk_data_cnt = 1;
+    step("bit 0x7ffffff8, cnt 1", [] { return modem_stats_base_with_bit(); });
     /* byte0 = 0b0110_1011: fields of 3, 2 and 3 bits from the low end
      * advance; fixed record fields do not. */
     start({0x6b, 0xff, 0x00, 0x81});
@@ -95,10 +94,8 @@ TEST_F(UnpackTest, ReadsBitFieldsPositionsAndPacking)
     step("at 4..15, 16..23",
          [&] { return modem_stats_unpk_at("x", 4, 12, &x) && modem_stats_unpk_at("y", 16, 8, &y); });
     trace_ += fmt("%x %x %x %x %x\n", a, m, n, x, y);
-    step("advance 24", [] {
-        modem_stats_bit_advance(24);
-        return true;
-    });
+    modem_stats_bit_advance(24);
+    note("advance 24");
     /* Rows read in order and stop at the first refusal. */
     static constexpr modem_stats_bit_field_row rows[] = {
         {"lo", 0, 4, 8}, {"hi", 4, 4, 8}, {"too_wide", 0, 9, 8}, {"never", 0, 1, 8}};
@@ -120,6 +117,19 @@ TEST_F(UnpackTest, ReadsBitFieldsPositionsAndPacking)
         trace_ += fmt("0x%lx\n", static_cast<unsigned long>(d));
     }
 
+    /* The bit position may move the base past the payload; every byte
+     * outside the backing window reads as zero, even where the caller's
+     * memory goes on. */
+    std::vector<uint8_t> wide(MODEM_STATS_UNPK_MAX_LEN + 200, 0xff);
+    step("start wide", [&] { return modem_stats_data_unpk_start(kId, wide.data()); });
+    modem_stats_bit_advance((MODEM_STATS_UNPK_MAX_LEN + 100) * 8);
+    d = 1;
+    step("far", [&] { return modem_stats_unpk_at("far", 0, 64, &d) && d == 0; });
+    modem_stats_bit_advance(0);
+    g_pk_data_base = -4;
+    c = 1;
+    step("base -4", [&] { return modem_stats_data_unpk("before", &c) && c == 0; });
+
     /* Packing: the log parser tests check the records packed; here the
      * limits.  A wide value at the last cursor makes an overlong record. */
     start({});
@@ -137,24 +147,6 @@ TEST_F(UnpackTest, ReadsBitFieldsPositionsAndPacking)
     step("pk null", [] { return modem_stats_data_pk("ho_time", 0, 8); });
     step("unpk null", [&] { return modem_stats_data_unpk("cause", &a); });
     expect_golden(trace_, __FILE__, "unpack.golden");
-}
-
-TEST(UnpackWindowTest, ReadsBeyondTheWindowGiveZeros)
-{
-    /* The bit position may move the base past the payload; every byte
-     * outside the backing window reads as zero, even where the caller's
-     * memory goes on. */
-    std::vector<uint8_t> wide(MODEM_STATS_UNPK_MAX_LEN + 200, 0xff);
-    ASSERT_TRUE(modem_stats_data_unpk_start(kId, wide.data()));
-    modem_stats_bit_advance((MODEM_STATS_UNPK_MAX_LEN + 100) * 8);
-    uint64_t v = 1;
-    ASSERT_TRUE(modem_stats_unpk_at("far", 0, 64, &v));
-    EXPECT_EQ(v, 0u);
-    modem_stats_bit_advance(0);
-    g_pk_data_base = -4;
-    uint32_t w = 1;
-    ASSERT_TRUE(modem_stats_data_unpk("before", &w));
-    EXPECT_EQ(w, 0u);
 }
 
 TEST(RecordTest, SizeMustBeOneTo700)
