@@ -12,20 +12,16 @@
 
 namespace {
 
-float nr5g_snr_signed(int32_t raw)
-{
-    return modem_stats_nr5g_snr(static_cast<uint32_t>(raw));
-}
-
 TEST(ConvertTest, KnownValues)
 {
     const std::map<std::string, float (*)(int32_t)> functions = {
         {"i2f_rsrp", modem_stats_i2f_rsrp},   {"i2f_rsrq", modem_stats_i2f_rsrq},
         {"i2f_rssi", modem_stats_i2f_rssi},   {"i2f_snr", modem_stats_i2f_snr},
         {"nr5g_rsrp", modem_stats_nr5g_rsrp}, {"nr5g_rsrq", modem_stats_nr5g_rsrq},
-        {"nr5g_rssi", modem_stats_nr5g_rssi}, {"nr5g_snr", nr5g_snr_signed},
         {"lte_rssi", modem_stats_lte_rssi},   {"wcdma_rssi", modem_stats_wcdma_rssi},
-        {"gsm_rssi", modem_stats_gsm_rssi},   {"nr5g_rsrp_ex", modem_stats_nr5g_rsrp_ex}};
+        {"gsm_rssi", modem_stats_gsm_rssi},   {"nr5g_rsrp_ex", modem_stats_nr5g_rsrp_ex},
+        {"nr5g_rssi", modem_stats_nr5g_rssi},
+        {"nr5g_snr", [](int32_t raw) { return modem_stats_nr5g_snr(static_cast<uint32_t>(raw)); }}};
     size_t rows = 0;
     for (std::istringstream &row : log_test::data_rows(__FILE__, "convert.cases")) {
         std::string name, raw, expected;

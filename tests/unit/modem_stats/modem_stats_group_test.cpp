@@ -30,8 +30,9 @@ std::string run_option(std::vector<std::string> args, int expected_result)
     return out;
 }
 
-/* modem_stats_group.golden: what each parser prints for the sample bytes,
- * from a not-supported count and a kept LTE RRC state of 0. */
+/* modem_stats_group.golden: what each registered parser, found by its
+ * code, prints for the sample bytes, from a not-supported count and a kept
+ * LTE RRC state of 0. */
 TEST(ModemStatsGroupTest, SamplePayloadThroughEveryRegisteredParser)
 {
     std::string text;
