@@ -60,7 +60,7 @@ struct b97f_layout {
 };
 
 /* Three carriers: cc 0 with a neighbour cell and the serving cell (two
- * beams), cc 3 (no record) and cc 1 without cells.  Carrier offsets: up to
+ * beams), cc 15 (the last valid id; no record) and cc 1 without cells.  Carrier offsets: up to
  * 2.10 num_cells @4, cc_id @5 (the serving cell index) and the serving
  * RSRP @12/@16; 3.0 (40 bytes) cc_id @4, num_cells @5, serving cell index
  * @8 and Rx 0..3 serving RSRP @12..@24, of which Rx 2/3 are read: the
@@ -91,7 +91,7 @@ packet b97f(const b97f_layout &l)
         for (uint32_t b = 0; b < c.beams; b++, at += l.beam_bytes)
             p.u32(at + 20, s32(c.rsrp[b][0])).u32(at + 24, s32(c.rsrp[b][1]));
     }
-    carrier(0, 3, 0, 0, 0);
+    carrier(0, 15, 0, 0, 0);
     carrier(0, 1, 5, -11520, -11648);
     return p.size(at);
 }
