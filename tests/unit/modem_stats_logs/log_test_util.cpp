@@ -62,7 +62,8 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
             case MODEM_STATS_PARSER_SUB_ONLY: row->parse_sub_only(MODEM_STATS_SUB_ID_0); break;
             default: break;
         }
-        if (made ? made->data_id != id : id != MODEM_STATS_DATA_ID_NONE) ADD_FAILURE() << "id differs from the record's";
+        /* The reported id is the record's, or none without one. */
+        EXPECT_EQ(id, made ? made->data_id : MODEM_STATS_DATA_ID_NONE);
         /* A parser that keeps its record is only looked at. */
         if (made && !row->release)
             result.records.push_back(seen(made));
