@@ -12,81 +12,88 @@
 #include <random>
 #include <string>
 
-#include "../modem_stats/stats_test_util.h"
+#include "log_test_util.h"
 #include "modem_stats_log_format.h"
 #include "orvex_log.h"
 
 namespace {
 
-/* Formats with both and returns true when they agree (reporting the
- * difference otherwise). */
-bool same(const char *fmt, ...)
+/* Formats into `size` bytes with both and returns true when they agree,
+ * the 128 bytes past the end included (reporting the difference
+ * otherwise). */
+bool same_in(size_t size, const char *fmt, ...)
 {
-    char ours[MODEM_STATS_LOG_LINE_MAX], libc[MODEM_STATS_LOG_LINE_MAX];
+    char ours[MODEM_STATS_LOG_LINE_MAX + 128], libc[MODEM_STATS_LOG_LINE_MAX + 128];
+    memset(ours + size, '#', 128);
+    memset(libc + size, '#', 128);
     va_list a, b;
     va_start(a, fmt);
     va_copy(b, a);
-    int n1 = modem_stats_log_vformat(ours, sizeof(ours), fmt, a);
-    int n2 = vsnprintf(libc, sizeof(libc), fmt, b);
+    int n1 = modem_stats_log_vformat(ours, size, fmt, a);
+    int n2 = vsnprintf(libc, size, fmt, b);
     va_end(b);
     va_end(a);
     EXPECT_EQ(n1, n2) << fmt;
     EXPECT_STREQ(ours, libc) << fmt;
-    return n1 == n2 && strcmp(ours, libc) == 0;
+    return n1 == n2 && strcmp(ours, libc) == 0 && memcmp(ours + size, libc + size, 128) == 0;
 }
 
+template <typename... A>
+bool same(const char *fmt, A... args)
+{
+    return same_in(MODEM_STATS_LOG_LINE_MAX, fmt, args...);
+}
+
+/* The value of the bits `raw`. */
+template <typename T, typename U>
+T from_bits(U raw)
+{
+    static_assert(sizeof(T) == sizeof(U), "same size");
+    T v;
+    memcpy(&v, &raw, sizeof(v));
+    return v;
+}
+
+/* "%.2f" of `n` values made by `next(i)`, up to the first difference. */
+template <typename F>
+void check_many(int n, F next)
+{
+    for (int i = 0; i < n; i++) {
+        if (!same("%.2f", next(i))) return;
+    }
+}
+
+/* Floats: exact binary ties round to even, as printf does.  Doubles that
+ * are not floats: v * 100 is no longer exact in double precision, so a
+ * conversion that multiplies first rounds some of them the wrong way
+ * (160.685 printed as 160.68).  Values with three decimals sit next to a
+ * tie and find such faults in about one case of a hundred. */
 TEST(LogFormatTest, TwoDecimalsMatchPrintf)
 {
-    /* Exact binary ties round to even, as printf does. */
-    const float specials[] = {0.125f,   0.375f,    -0.125f,  2.675f,  -0.0f,   -0.001f, 0.004999f,
-                              65535.0f, -180.0f,   -179.94f, 9.9e12f, 1.1e13f, 1e30f,   -1e30f,
-                              INFINITY, -INFINITY, NAN,      1e-40f,  -3.01f,  99.995f, -8.99f};
-    for (float f : specials) EXPECT_TRUE(same("x = %.2f, y = %.2f", f, -f)) << f;
+    const double specials[] = {0.125f, 0.375f, -0.125f, 2.675f, -0.0f, -0.001f, 0.004999f, 65535.0f, -180.0f,
+                               -179.94f, 9.9e12f, 1.1e13f, 1e30f, -1e30f, 1e-40f, -3.01f, 99.995f, -8.99f, 160.685,
+                               -47.455, 0.005, 0.015, 1.005, 2.675, 1e13 - 0.005, 9999999999999.995, 0.125, 1e-300,
+                               5e-324, -5e-324, 0.0049999, 0.00500001, 4503599627370495.5, INFINITY, -INFINITY, NAN};
+    for (double d : specials) EXPECT_TRUE(same("x = %.2f, y = %.2f", d, -d)) << d;
     std::mt19937 rng(7);
     std::uniform_int_distribution<uint32_t> bits;
-    for (int i = 0; i < 200000; i++) {
-        uint32_t raw = bits(rng);
-        float f = 0;
-        memcpy(&f, &raw, sizeof(f));
-        if (!same("%.2f", static_cast<double>(f))) break;
-    }
-    /* Every hundredth the conversions produce, and its neighbours. */
+    /* Any float bit pattern, then every hundredth the conversions produce
+     * and its neighbours. */
+    check_many(200000, [&](int) { return static_cast<double>(from_bits<float>(bits(rng))); });
     for (int i = -200000; i < 200000; i++) {
         float f = static_cast<float>(i) / 100.0f;
         if (!same("%.2f %.2f %.2f", f, nextafterf(f, -INFINITY), nextafterf(f, INFINITY))) break;
     }
-}
-
-/* Doubles that are not floats: v * 100 is no longer exact in double
- * precision, so a conversion that multiplies first rounds some of them the
- * wrong way (160.685 printed as 160.68).  Values with three decimals sit
- * next to a tie and find such faults in about one case of a hundred. */
-TEST(LogFormatTest, TwoDecimalsOfDoublesMatchPrintf)
-{
-    const double specials[] = {160.685,           -47.455, 0.005,  0.015,  1.005,   2.675,     1e13 - 0.005,
-                               9999999999999.995, 0.125,   1e-300, 5e-324, -5e-324, 0.0049999, 0.00500001,
-                               4503599627370495.5};
-    for (double d : specials) EXPECT_TRUE(same("%.2f %.2f", d, -d)) << d;
-    std::mt19937_64 rng(11);
+    std::mt19937_64 rng64(11);
     std::uniform_int_distribution<int64_t> thousandths(-10000000000LL, 10000000000LL);
-    for (int i = 0; i < 300000; i++) {
-        double d = static_cast<double>(thousandths(rng)) / 1000.0;
-        if (!same("%.2f", d)) break;
-    }
-    /* Any bit pattern: every exponent, subnormals, infinities and NaNs. */
-    std::uniform_int_distribution<uint64_t> bits;
-    for (int i = 0; i < 300000; i++) {
-        uint64_t raw = bits(rng);
-        double d = 0;
-        memcpy(&d, &raw, sizeof(d));
-        if (!same("%.2f", d)) break;
-    }
+    check_many(300000, [&](int) { return static_cast<double>(thousandths(rng64)) / 1000.0; });
+    /* Any double bit pattern: every exponent, subnormals, infinities and
+     * NaNs. */
+    std::uniform_int_distribution<uint64_t> bits64;
+    check_many(300000, [&](int) { return from_bits<double>(bits64(rng64)); });
     /* Magnitudes below the direct limit, evenly spread over the exponents. */
     std::uniform_real_distribution<double> exponent(-30.0, 13.0);
-    for (int i = 0; i < 300000; i++) {
-        double d = pow(10.0, exponent(rng));
-        if (!same("%.2f", (i & 1) ? -d : d)) break;
-    }
+    check_many(300000, [&](int i) { return (i & 1 ? -1 : 1) * pow(10.0, exponent(rng64)); });
 }
 
 TEST(LogFormatTest, IntegersStringsAndDigitCountBoundaries)
@@ -112,21 +119,7 @@ TEST(LogFormatTest, IntegersStringsAndDigitCountBoundaries)
 TEST(LogFormatTest, TruncatesLikeVsnprintf)
 {
     std::string long_text(300, 'a');
-    for (size_t size : {1u, 2u, 10u, 102u}) {
-        char ours[400], libc[400];
-        memset(ours, '#', sizeof(ours));
-        memset(libc, '#', sizeof(libc));
-        auto call = [&](char *out, bool fast, const char *fmt, ...) {
-            va_list ap;
-            va_start(ap, fmt);
-            int n = fast ? modem_stats_log_vformat(out, size, fmt, ap) : vsnprintf(out, size, fmt, ap);
-            va_end(ap);
-            return n;
-        };
-        EXPECT_EQ(call(ours, true, "%s = %.2f", long_text.c_str(), 1.5),
-                  call(libc, false, "%s = %.2f", long_text.c_str(), 1.5));
-        EXPECT_EQ(memcmp(ours, libc, sizeof(ours)), 0) << size;
-    }
+    for (size_t size : {1u, 2u, 10u, 102u}) EXPECT_TRUE(same_in(size, "%s = %.2f", long_text.c_str(), 1.5)) << size;
 }
 
 /* A measurement line keeps what orvex_log_buf keeps: 101 characters. */
@@ -135,7 +128,7 @@ TEST(LogFormatTest, MeasurementLineKeepsTheRecordTextBound)
     std::string name(120, 'n');
     char expected[ORVEX_LOG_BUF_LEN];
     orvex_log_buf(expected, "%s = %.2f", name.c_str(), -99.5);
-    std::string out = stats_test::captured_stdout([&] { modem_stats_log_print_buf("%s = %.2f", name.c_str(), -99.5); });
+    std::string out = log_test::captured_stdout([&] { modem_stats_log_print_buf("%s = %.2f", name.c_str(), -99.5); });
     EXPECT_EQ(out, std::string(expected) + "\n");
     EXPECT_EQ(out.size(), ORVEX_LOG_BUF_LEN);
 }

@@ -1,11 +1,10 @@
-/* Bytes of a diag log packet or of a record, built field by field.  Calls
- * with a position place the field there (bit 0 = least significant bit of
- * byte 0) and grow the bytes as needed; calls without one append. */
+/* Bytes of a diag log packet, built field by field: each call places the
+ * field at its position (bit 0 = least significant bit of byte 0) and grows
+ * the bytes as needed. */
 #ifndef LOG_PACKET_H
 #define LOG_PACKET_H
 
 #include <stdint.h>
-#include <string.h>
 
 #include <vector>
 
@@ -28,16 +27,6 @@ public:
     packet &u16(uint32_t at, uint64_t v) { return bits(at * 8, 16, v); }
     packet &u32(uint32_t at, uint64_t v) { return bits(at * 8, 32, v); }
     packet &u64(uint32_t at, uint64_t v) { return bits(at * 8, 64, v); }
-    packet &u8(uint64_t v) { return u8(end(), v); }
-    packet &u16(uint64_t v) { return u16(end(), v); }
-    packet &u32(uint64_t v) { return u32(end(), v); }
-    packet &u64(uint64_t v) { return u64(end(), v); }
-    packet &f32(float f)
-    {
-        uint32_t v = 0;
-        memcpy(&v, &f, sizeof(v));
-        return u32(v);
-    }
     packet &raw(uint32_t at, const std::vector<uint8_t> &v)
     {
         for (size_t i = 0; i < v.size(); i++) u8(at + static_cast<uint32_t>(i), v[i]);
@@ -52,7 +41,6 @@ public:
     operator const std::vector<uint8_t> &() const { return bytes_; }
 
 private:
-    uint32_t end() const { return static_cast<uint32_t>(bytes_.size()); }
     std::vector<uint8_t> bytes_;
 };
 

@@ -1,26 +1,58 @@
 #include "log_test_util.h"
 
+#include <gtest/gtest.h>
 #include <stdarg.h>
 #include <stdio.h>
 
-#include <algorithm>
-#include <map>
+#include <utility>
 
-#include "modem_stats_dispatch.h"
-#include "modem_stats_unpack.h"
+#include "golden.h"
 
 namespace log_test {
 
-run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut)
+std::vector<uint8_t> payload(std::vector<uint8_t> head)
+{
+    head.resize(MODEM_STATS_UNPK_MAX_LEN, 0);
+    return head;
+}
+
+static record seen(const modem_stats_single_data_common_type *r)
+{
+    return {r->data_id, std::vector<uint8_t>(r->data, r->data + r->data_len)};
+}
+
+static std::vector<record> g_released;
+
+record_log::record_log()
+{
+    g_released.clear();
+    modem_stats_set_record_observer(
+        [](modem_stats_sub_id_e_type, modem_stats_data_id_e_type id, const modem_stats_single_data_common_type *r) {
+            g_released.push_back({id, seen(r).bytes});
+        });
+}
+
+record_log::~record_log()
+{
+    modem_stats_set_record_observer(nullptr);
+}
+
+std::vector<record> record_log::take()
+{
+    return std::exchange(g_released, {});
+}
+
+run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut, modem_stats_parser_table table)
 {
     run_result result;
-    const modem_stats_parser_row *row = modem_stats_parser_find(modem_stats_log_parser_table(), code);
+    const modem_stats_parser_row *row = modem_stats_parser_find(table, code);
     EXPECT_NE(row, nullptr) << "no parser for 0x" << std::hex << code;
     if (!row) return result;
-    std::vector<uint8_t> payload = stats_test::payload(bytes);
-    stats_test::record_log released;
-    result.out = stats_test::captured_stdout([&] {
-        if (!modem_stats_data_unpk_start(code, payload.data())) return;
+    std::vector<uint8_t> data = payload(bytes);
+    record_log released;
+    g_pk_version_not_support_num = 0;
+    result.out = captured_stdout([&] {
+        if (!modem_stats_data_unpk_start(code, data.data())) return;
         if (cut != NO_CUT) g_pk_data_left = cut;
         modem_stats_data_id_e_type id = MODEM_STATS_DATA_ID_NONE;
         modem_stats_single_data_common_type *made = nullptr;
@@ -30,16 +62,27 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
             case MODEM_STATS_PARSER_SUB_ONLY: row->parse_sub_only(MODEM_STATS_SUB_ID_0); break;
             default: break;
         }
-        if (made && made->data_id != id) ADD_FAILURE() << "record id differs from the reported id";
+        /* The reported id is the record's, or none without one. */
+        EXPECT_EQ(id, made ? made->data_id : MODEM_STATS_DATA_ID_NONE);
         /* A parser that keeps its record is only looked at. */
         if (made && !row->release)
-            result.records.push_back(stats_test::seen(made));
+            result.records.push_back(seen(made));
         else
             modem_stats_data_check_and_update_for_diag(MODEM_STATS_SUB_ID_0, id, made);
     });
     std::vector<record> freed = released.take();
     result.records.insert(result.records.end(), freed.begin(), freed.end());
     return result;
+}
+
+std::vector<std::istringstream> data_rows(const char *source, const std::string &name)
+{
+    std::istringstream in(read_golden(source, name));
+    std::vector<std::istringstream> rows;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line[0] != '#') rows.emplace_back(line);
+    }
+    return rows;
 }
 
 std::string fmt(const char *format, ...)
@@ -52,70 +95,27 @@ std::string fmt(const char *format, ...)
     return buf;
 }
 
-std::string parser_name(uint16_t code)
+std::string describe(const run_result &r)
 {
-    // clang-format off
-    static const std::map<uint16_t, const char *> names = {
-        {0x1568, "ims_rtp_sn_and_payload"}, {0x156E, "ims_sip_message"},
-        {0x1830, "ims_volte_session_setup"}, {0x1831, "ims_volte_session_end"},
-        {0x4179, "wcdma_pn_search_edition2"}, {0x5096, "gsm_l1_rx_diversity_metrics"},
-        {0xB062, "lte_mac_rach_attempt"}, {0xB064, "lte_mac_ul_transport_block"},
-        {0xB0C2, "lte_rrc_serving_cell_info"}, {0xB111, "lte_ll1_rx_agc"},
-        {0xB14E, "lte_pusch_csf"}, {0xB16D, "lte_tx_power"},
-        {0xB16E, "lte_pusch_power_control"}, {0xB16F, "lte_pucch_power_control"},
-        {0xB173, "lte_pdsch_stat_indication"}, {0xB193, "lte_srv_meas"},
-        {0xB823, "nr5g_rrc_serving_cell_info"}, {0xB825, "nr5g_rrc_configuration_info"},
-        {0xB872, "nr5g_l2_ul_tb"}, {0xB883, "nr5g_mac_ul_physical_channel_schedule_report"},
-        {0xB884, "nr5g_mac_ul_phy_ch_power_ctrl"}, {0xB885, "nr5g_mac_dci_info"},
-        {0xB887, "nr5g_mac_pdsch_status"}, {0xB888, "nr5g_mac_pdsch_stats"},
-        {0xB88A, "nr5g_mac_rach_attempt"}, {0xB8A7, "nr5g_mac_csf_report"},
-        {0xB8C9, "nr5g_ll1_fw_rx_control_agc"}, {0xB8D2, "nr5g_ll1_fw_mac_tx_iu_power"},
-        {0xB8D8, "nr5g_ll1_log_serving_snr"}, {0xB8DD, "nr5g_ll1_fw_serving_ftl"},
-        {0xB975, "nr5g_mac_ml1_srv_beam"}, {0xB97F, "nr5g_ml1_meas_database_update_ext"},
-        {0xB981, "nr5g_ml1_fc_information"}, {0xB98F, "nr5g_ml1_antenna_switch_diversity"}};
-    // clang-format on
-    auto it = names.find(code);
-    return it == names.end() ? "" : fmt("modem_stats_parse_%04x_diag_log_%s", code, it->second);
-}
-
-std::string not_valid(int value, uint16_t code, const std::string &name)
-{
-    return fmt("DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", value, (name.empty() ? parser_name(code) : name).c_str(),
-               code);
-}
-
-void expect_log(uint16_t code, const std::vector<uint8_t> &p, const std::string &out,
-                const std::vector<record> &records, const cut &c)
-{
-    SCOPED_TRACE(fmt("code 0x%x, first bytes %02x %02x %02x %02x", code, p.at(0), p.at(1), p.at(2), p.at(3)));
-    run_result full = run_log(code, p);
-    EXPECT_EQ(full.out, out);
-    EXPECT_EQ(full.records, records);
-    if (c.at == NO_CUT) return;
-    std::string line = fmt("g_pk_data_left(%d) is not enough for %s, id(0x%x)\n", c.left, c.field, code);
-    expect_stop(run_log(code, p, c.at), line, out);
-}
-
-void expect_stop(const run_result &r, const std::string &line, const std::string &full)
-{
-    size_t before = r.out.size() - std::min(r.out.size(), line.size());
-    EXPECT_EQ(r.out.substr(before), line) << r.out;
-    if (!full.empty()) {
-        EXPECT_EQ(r.out.substr(0, before), full.substr(0, before)) << r.out;
+    std::string text = r.out;
+    if (!text.empty() && text.back() != '\n') text += "<no newline>\n";
+    for (const record &rec : r.records) {
+        text += fmt("record %u:", static_cast<unsigned>(rec.id));
+        for (uint8_t b : rec.bytes) text += fmt(" %02x", b);
+        text += "\n";
     }
-    EXPECT_TRUE(r.records.empty());
+    return text;
 }
 
-void expect_refused(uint16_t code, const std::vector<uint8_t> &p, int64_t version, std::string name,
-                    const std::string &before)
+std::string describe(const std::vector<log_case> &cases)
 {
-    if (name.empty()) name = parser_name(code);
-    uint64_t count = g_pk_version_not_support_num + 1;
-    run_result r = run_log(code, p);
-    EXPECT_EQ(g_pk_version_not_support_num, count);
-    EXPECT_EQ(r.out, before + fmt("VERSION_NOT_SUPPORT, version(%d), not_support_num(%lu), name(%s), id(0x%x)\n",
-                                  static_cast<int>(version), static_cast<unsigned long>(count), name.c_str(), code));
-    EXPECT_TRUE(r.records.empty());
+    std::string text;
+    for (size_t i = 0; i < cases.size(); i++) {
+        const log_case &c = cases[i];
+        text += fmt("== 0x%x\n", c.code) + describe(run_log(c.code, c.bytes));
+        if (c.cut != NO_CUT) text += fmt("-- cut at %d\n", c.cut) + describe(run_log(c.code, c.bytes, c.cut));
+    }
+    return text;
 }
 
 }  // namespace log_test

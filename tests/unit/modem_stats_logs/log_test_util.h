@@ -1,21 +1,56 @@
-/* Helpers of the log parser tests: a runner that feeds a packet to the
- * parser registered for a log code the way the dispatcher does and collects
- * what it printed and the records it made, and the checks built on it. */
+/* Helpers of the statistics tests: captured standard output, payloads of
+ * the readable size, the records handed over for release, a runner that
+ * feeds a packet to the parser registered for a log code the way the
+ * dispatcher does, and the text of such runs that the golden files next to
+ * the tests hold. */
 #ifndef LOG_TEST_UTIL_H
 #define LOG_TEST_UTIL_H
 
 #include <gtest/gtest.h>
 #include <stdint.h>
+#include <stdio.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "../modem_stats/stats_test_util.h"
 #include "log_packet.h"
+#include "modem_stats_dispatch.h"
+#include "modem_stats_record.h"
+#include "modem_stats_unpack.h"
 
 namespace log_test {
 
-using record = stats_test::seen_record;
+/* Runs `fn` and returns what it printed on standard output. */
+template <typename F>
+std::string captured_stdout(F fn)
+{
+    fflush(stdout);
+    testing::internal::CaptureStdout();
+    fn();
+    fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+}
+
+/* A payload of the unpacker's readable size, zero-filled, starting with
+ * `head`. */
+std::vector<uint8_t> payload(std::vector<uint8_t> head);
+
+/* A record: its id and data. */
+struct record {
+    modem_stats_data_id_e_type id;
+    std::vector<uint8_t> bytes;
+    bool operator==(const record &o) const { return id == o.id && bytes == o.bytes; }
+};
+
+/* Collects every record released while it is alive (one at a time). */
+class record_log {
+public:
+    record_log();
+    ~record_log();
+    /* The records seen so far, and forget them. */
+    std::vector<record> take();
+};
 
 /* What one packet made a parser do. */
 struct run_result {
@@ -27,43 +62,35 @@ struct run_result {
  * at `cut` instead of the unpacker's 2000-byte limit. */
 constexpr int32_t NO_CUT = -1;
 
-/* Feeds `bytes` under `code` to the registered parser, with subscription
- * 0, as the dispatcher does (payload zero-filled up to the readable size).
- * Records handed over are collected and released. */
-run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT);
+/* Feeds `bytes` under `code` to the parser registered in `table`, with
+ * subscription 0, as the dispatcher does (payload zero-filled up to the
+ * readable size), from a not-supported count of 0.  Records handed over
+ * are collected and released. */
+run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT,
+                   modem_stats_parser_table table = modem_stats_log_parser_table());
+
+/* The rows of the data file `name` next to `source`, one per line; blank
+ * lines and `#` comments are left out. */
+std::vector<std::istringstream> data_rows(const char *source, const std::string &name);
 
 /* printf into a string. */
 std::string fmt(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
-/* The name a parser gives itself in its messages. */
-std::string parser_name(uint16_t code);
+/* The printed lines of `r`, then a "record <id>: <bytes in hex>" line per
+ * record. */
+std::string describe(const run_result &r);
 
-/* "DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)" and a newline; `name` ""
- * stands for the parser's own. */
-std::string not_valid(int value, uint16_t code, const std::string &name = "");
-
-/* A cut of a packet: readable bytes, and the field that then finds only
- * `left` bytes. */
-struct cut {
-    int32_t at;
-    const char *field;
-    int32_t left;
+/* A packet under a log code, and the readable bytes of a second, cut run
+ * (NO_CUT: none). */
+struct log_case {
+    uint16_t code;
+    std::vector<uint8_t> bytes;
+    int32_t cut = NO_CUT;
 };
 
-/* `p` under `code` prints `out` and makes `records`; cut at `c` (unless
- * c.at is NO_CUT) it prints the lines the full packet printed before the
- * cut field, then the "not enough" line, and makes no record. */
-void expect_log(uint16_t code, const std::vector<uint8_t> &p, const std::string &out,
-                const std::vector<record> &records, const cut &c = {NO_CUT, "", 0});
-
-/* `r` ends with `line`, made no record and, when `full` is given, printed
- * before that line what `full` begins with. */
-void expect_stop(const run_result &r, const std::string &line, const std::string &full = "");
-
-/* `p` (holding the unsupported `version`) is counted and refused under
- * `name` ("": the parser's own), printing nothing but `before` first. */
-void expect_refused(uint16_t code, const std::vector<uint8_t> &p, int64_t version, std::string name = "",
-                    const std::string &before = "");
+/* Per case an "== <index> <code>" line and its run described, and for a
+ * cut a "-- cut at <n>" line and the cut run described. */
+std::string describe(const std::vector<log_case> &cases);
 
 }  // namespace log_test
 

@@ -1,11 +1,13 @@
 /* 0xB193: a packet built to every accepted sub-packet layout, with the
  * field positions written as the public decoders describe them (byte and
- * bit of each word), decodes to the values it holds. */
+ * bit of each word), decodes to the values it holds (lte_b193.golden). */
 #include <gtest/gtest.h>
+#include <stdio.h>
 
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "log_test_util.h"
 
 using namespace log_test;
@@ -16,69 +18,43 @@ constexpr uint16_t CODE = 0xB193;
 
 /* A field: word at `byte`, bits from `bit`, `width` bits (0: absent). */
 struct pos {
-    uint16_t byte;
-    uint8_t bit;
-    uint8_t width;
+    unsigned byte, bit, width;
 };
-constexpr pos NO = {0, 0, 0};
 
 /* Measurement fields in the order rsrp rx0..3, measured rsrp, rsrq rx0..3,
  * measured rsrq, rssi rx0..3, max rssi, snr rx0..3. */
 constexpr int FIELDS = 19;
-struct fields {
+
+/* A sub-packet layout, as lte_b193.layouts describes it. */
+struct layout {
+    int version, earfcn_bytes;
+    bool num_cells, rx_valid;
+    int cells_at, cell_bytes;
+    uint16_t pci_word;
+    bool has_srv_flag;
     pos f[FIELDS];
 };
 
-// clang-format off
-constexpr fields MULTI_CELL_A = {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10},
-    {36, 20, 10}, {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11},
-    {56, 0, 11}, {80, 0, 9}, {80, 9, 9}, {84, 0, 9}, {84, 9, 9}}};
-constexpr fields MULTI_CELL_B = {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {28, 0, 12}, {28, 12, 12}, {36, 0, 10},
-    {36, 20, 10}, {40, 10, 10}, {40, 20, 10}, {44, 0, 10}, {48, 0, 11}, {48, 11, 11}, {52, 0, 11}, {52, 11, 11},
-    {56, 0, 11}, {92, 0, 9}, {92, 9, 9}, {96, 0, 9}, {96, 9, 9}}};
-
-struct layout {
-    int version;
-    int earfcn_bytes;
-    bool num_cells; /* u16 @4 */
-    bool rx_valid;  /* u16 @6 */
-    int cells_at;   /* 0: one cell at the payload */
-    int cell_bytes;
-    uint16_t pci_word; /* pci 0-8, serving index 9-11, serving flag 12 */
-    bool has_srv_flag;
-    fields f;
-};
-
-const layout LAYOUTS[] = {
-    {4, 2, false, false, 0, 0, 2, false,
-     {{{12, 10, 12}, {16, 12, 12}, NO, NO, {20, 12, 12}, {24, 12, 10}, {28, 0, 10}, NO, NO, {28, 20, 10},
-       {32, 10, 11}, {32, 21, 11}, NO, NO, {36, 0, 11}, {60, 0, 9}, {60, 9, 9}, NO, NO}}},
-    {7, 4, false, false, 0, 0, 4, false,
-     {{{16, 10, 12}, {20, 12, 12}, NO, NO, {24, 12, 12}, {28, 12, 10}, {32, 0, 10}, NO, NO, {32, 20, 10},
-       {36, 10, 11}, {36, 21, 11}, NO, NO, {40, 0, 11}, {64, 0, 9}, {64, 9, 9}, NO, NO}}},
-    /* Rx1 RSSI and the combined RSSI share their bits in this layout. */
-    {18, 4, false, false, 0, 0, 4, false,
-     {{{21, 2, 11}, {25, 4, 11}, NO, NO, {29, 4, 11}, {33, 4, 9}, {37, 2, 10}, NO, NO, {37, 12, 10},
-       {41, 2, 11}, {41, 13, 11}, NO, NO, {41, 13, 11}, {68, 0, 9}, {68, 9, 9}, NO, NO}}},
-    {19, 4, true, false, 0, 0, 8, true,
-     {{{24, 10, 12}, {28, 12, 12}, NO, NO, {32, 12, 12}, {36, 12, 10}, {40, 0, 10}, NO, NO, {40, 20, 10},
-       {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}}},
-    {22, 4, true, false, 0, 0, 8, true,
-     {{{24, 10, 12}, {28, 12, 12}, NO, NO, {36, 12, 12}, {40, 12, 10}, {44, 0, 10}, NO, NO, {48, 10, 10},
-       {52, 10, 11}, {52, 21, 11}, NO, NO, {60, 0, 11}, {84, 0, 9}, {84, 9, 9}, NO, NO}}},
-    {24, 4, true, false, 0, 0, 8, true,
-     {{{25, 3, 12}, {29, 4, 12}, NO, NO, {33, 4, 12}, {37, 4, 10}, {40, 0, 10}, NO, NO, {42, 4, 10},
-       {44, 10, 11}, {44, 21, 11}, NO, NO, {48, 0, 11}, {72, 0, 9}, {72, 9, 9}, NO, NO}}},
-    {35, 4, true, true, 8, 128, 0, true, MULTI_CELL_A},
-    {36, 4, true, true, 8, 128, 0, true, MULTI_CELL_A},
-    {40, 4, true, true, 8, 132, 0, true,
-     {{{16, 10, 12}, {20, 12, 12}, {24, 12, 12}, {32, 0, 12}, {32, 12, 12}, {40, 0, 10}, {40, 20, 10},
-       {44, 10, 10}, {44, 20, 10}, {48, 0, 10}, {52, 0, 11}, {52, 11, 11}, {56, 0, 11}, {56, 11, 11}, {60, 0, 11},
-       {84, 0, 9}, {84, 9, 9}, {88, 0, 9}, {88, 9, 9}}}},
-    {48, 4, true, true, 12, 140, 0, true, MULTI_CELL_B},
-    {50, 4, true, true, 12, 140, 0, true, MULTI_CELL_B},
-};
-// clang-format on
+std::vector<layout> read_layouts()
+{
+    std::vector<layout> layouts;
+    for (std::istringstream &row : data_rows(__FILE__, "lte_b193.layouts")) {
+        layout l{};
+        row >> l.version >> l.earfcn_bytes >> l.num_cells >> l.rx_valid >> l.cells_at >> l.cell_bytes;
+        row >> l.pci_word >> l.has_srv_flag;
+        for (pos &f : l.f) {
+            std::string text;
+            row >> text;
+            if (text != "-") {
+                EXPECT_EQ(sscanf(text.c_str(), "%u.%u.%u", &f.byte, &f.bit, &f.width), 3) << text;
+            }
+        }
+        EXPECT_FALSE(row.fail()) << l.version;
+        layouts.push_back(l);
+    }
+    EXPECT_EQ(layouts.size(), 11u);
+    return layouts;
+}
 
 /* Raw values: RSRP -100, -99.5, -99, -98.5 dBm (combined -99.5); RSRQ -10,
  * -10.5, -11, -11.5 dB (combined -10.25); RSSI -70, -70.5, -71, -71.5 dBm
@@ -92,7 +68,7 @@ constexpr uint32_t NEIGHBOUR_PCI = 11;
 
 bool four_chains(const layout &l)
 {
-    return l.f.f[2].width != 0;
+    return l.f[2].width != 0;
 }
 
 uint32_t earfcn(const layout &l)
@@ -105,7 +81,7 @@ void put_cell(packet &p, const layout &l, uint32_t cell, uint32_t pci, uint32_t 
 {
     p.bits_at(cell + l.pci_word, 0, 9, pci).bits_at(cell + l.pci_word, 9, 3, idx);
     if (l.has_srv_flag) p.bits_at(cell + l.pci_word, 12, 1, serving ? 1 : 0);
-    const pos *f = l.f.f;
+    const pos *f = l.f;
     for (int i = 0; i < FIELDS; i++) {
         /* A combined RSSI that shares Rx1's bits holds Rx1's value. */
         if (!f[i].width || (i == 14 && f[14].byte == f[11].byte && f[14].bit == f[11].bit)) continue;
@@ -133,67 +109,21 @@ packet build(const layout &l)
     return p.size(PAYLOAD_AT + size);
 }
 
-std::string expected_out(const layout &l)
+TEST(LteB193Test, EveryLayoutSkippedSubPacketsRefusedVersionsAndNoCell)
 {
-    bool four = four_chains(l);
-    int cells = l.cell_bytes ? 2 : 1;
-    std::string out = fmt("subpacket_id = 25, version_ssmr = %d\n", l.version);
-    const char *head =
-        "version = 1, earfcn = %u, rx_valid = %d, pci = %u, is_srv_cell = %d, srv_cell_idx = %d, num_cells = %d\n";
-    if (l.cell_bytes) out += fmt(head, earfcn(l), 15, NEIGHBOUR_PCI, 0, 0, cells);
-    out +=
-        fmt(head, earfcn(l), four ? 15 : 3, PCI, 1, l.cell_bytes ? 1 : 0, cells) + "Serving Cell Measurement Result\n";
-    if (four) {
-        return out +
-               "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = -99.00, rsrp_rx3 = -98.50\n"
-               "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = -11.00, rsrq_rx3 = -11.50\n"
-               "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = -71.00, rssi_rx3 = -71.50\n"
-               "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 11.00, snr_rx3 = 11.50\n"
-               "avg_rsrp = -99.25, avg_rsrq = -10.75, max_rssi = -69.50\n";
-    }
-    return out +
-           "rsrp_rx0 = -100.00, rsrp_rx1 = -99.50, rsrp_rx2 = 65535.00, rsrp_rx3 = 65535.00\n"
-           "rsrq_rx0 = -10.00, rsrq_rx1 = -10.50, rsrq_rx2 = 65535.00, rsrq_rx3 = 65535.00\n"
-           "rssi_rx0 = -70.00, rssi_rx1 = -70.50, rssi_rx2 = 65535.00, rssi_rx3 = 65535.00\n"
-           "snr_rx0 = 10.00, snr_rx1 = 10.50, snr_rx2 = 65535.00, snr_rx3 = 65535.00\n" +
-           fmt("avg_rsrp = -99.75, avg_rsrq = -10.25, max_rssi = %s\n", l.version == 18 ? "-70.50" : "-69.50");
-}
-
-record expected_record(const layout &l)
-{
-    bool four = four_chains(l);
-    packet r = packet().u32(l.version).u32(earfcn(l)).u16(PCI).u8(four ? 15 : 3);
-    const float chains[4][4] = {{-100.0f, -10.0f, -70.0f, 10.0f},
-                                {-99.5f, -10.5f, -70.5f, 10.5f},
-                                {-99.0f, -11.0f, -71.0f, 11.0f},
-                                {-98.5f, -11.5f, -71.5f, 11.5f}};
-    for (int c = 0; c < 4; c++) {
-        for (int k = 0; k < 4; k++) r.f32(four || c < 2 ? chains[c][k] : 65535.0f);
-    }
-    return {l.cell_bytes ? MODEM_STATS_DATA_ID_LTE_SRV_MEAS_ALT : MODEM_STATS_DATA_ID_LTE_SRV_MEAS, r};
-}
-
-TEST(LteB193Test, EveryLayoutDecodesItsValues)
-{
+    std::vector<log_case> cases;
     /* Cut inside the sub-packet size: two bytes needed, one left. */
-    for (const layout &l : LAYOUTS)
-        expect_log(CODE, build(l), expected_out(l), {expected_record(l)}, {7, "subpacket_size", 1});
-}
-
-TEST(LteB193Test, SkippedSubPacketsRefusedVersionsAndNoCell)
-{
-    const layout &v19 = LAYOUTS[3];
-    const std::vector<uint8_t> inner = build(v19);
+    const std::vector<layout> layouts = read_layouts();
+    for (const layout &l : layouts) cases.push_back({CODE, build(l), 7});
+    const packet v19 = build(layouts[3]);
     /* An unknown 12-byte sub-packet first, then the measurement. */
-    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12).raw(
-        16, std::vector<uint8_t>(inner.begin() + 4, inner.end()));
-    expect_log(CODE, skipped, "subpacket_id = 7, version_ssmr = 1\n" + expected_out(v19), {expected_record(v19)});
-
-    expect_refused(CODE, build(v19).u8(0, 2), 2);
+    packet skipped = packet().u8(0, 1).u8(1, 2).u8(4, 7).u8(5, 1).u16(6, 12);
+    cases.push_back({CODE, skipped.raw(16, std::vector<uint8_t>(v19.bytes().begin() + 4, v19.bytes().end()))});
+    cases.push_back({CODE, packet(v19).u8(0, 2)});
     /* A sub-packet layout nobody describes. */
-    expect_refused(CODE, build(v19).u8(5, 60), 60, "", "subpacket_id = 25, version_ssmr = 60\n");
-    expect_log(CODE, build(LAYOUTS[6]).u16(PAYLOAD_AT + 4, 0),
-               "subpacket_id = 25, version_ssmr = 35\n" + not_valid(0, CODE), {});
+    cases.push_back({CODE, packet(v19).u8(5, 60)});
+    cases.push_back({CODE, build(layouts[6]).u16(PAYLOAD_AT + 4, 0)});
+    expect_golden(describe(cases), __FILE__, "lte_b193.golden");
 }
 
 }  // namespace
