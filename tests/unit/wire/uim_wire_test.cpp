@@ -1,6 +1,7 @@
 /* The UIM messages on the wire (one-byte slots and counts under 32-bit C
  * fields), the BER-TLV reader of the ES10 exchange, and the EID check of
  * the eSIM switch. */
+#include <stdio.h>
 #include <string.h>
 
 #include <string>
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "ber_tlv.h"
+#include "case_file.h"
 #include "tolvek_cmn_esim.h"
 #include "user_identity_module_v01.h"
 
@@ -88,27 +90,14 @@ TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
 
 TEST(BerTlv, TagsLengthsAndTruncation)
 {
-    const struct {
-        bytes in;
-        size_t taken;
-        uint32_t tag;
-        size_t len;
-    } cases[] = {
-        {{0x5A, 0x01, 0x07}, 3, 0x5A, 1},
-        {{0xBF, 0x2D, 0x00}, 3, 0xBF2D, 0},
-        {{0x9F, 0x70, 0x01, 0x01, 0xEE}, 4, 0x9F70, 1},
-        {{0xA0, 0x81, 0x80}, 0, 0, 0},                   /* 128 bytes promised, none there */
-        {{0xBF, 0x2D}, 0, 0, 0},                         /* no length */
-        {{0xBF, 0xFF, 0xFF, 0x7F, 0x00}, 0, 0, 0},       /* a four-byte tag */
-        {{0x04, 0x83, 0x00, 0x00, 0x01, 0x00}, 0, 0, 0}, /* three length bytes */
-    };
     ber_tlv t;
-    for (const auto &c : cases) {
-        EXPECT_EQ(ber_tlv_parse(c.in.data(), c.in.size(), &t), c.taken);
-        if (c.taken) {
-            EXPECT_EQ(std::make_pair(t.tag, t.len), std::make_pair(c.tag, c.len));
-        }
-    }
+    expect_cases(__FILE__, "ber_tlv.cases", [&](const words &w) {
+        bytes in = unhex(w[0]);
+        size_t taken = ber_tlv_parse(in.data(), in.size(), &t);
+        char tag[16];
+        snprintf(tag, sizeof(tag), " %x ", t.tag);
+        return std::to_string(taken) + (taken ? tag + std::to_string(t.len) : "");
+    });
     bytes big(200, 0x33), out;
     ASSERT_TRUE(ber_tlv_append(&out, 0xA0, big));
     EXPECT_EQ(bytes(out.begin(), out.begin() + 3), (bytes{0xA0, 0x81, 200}));
@@ -122,21 +111,9 @@ TEST(BerTlv, TagsLengthsAndTruncation)
 
 TEST(EsimEid, DigitsAndCheckValue)
 {
-    const struct {
-        const char *hex;
-        bool valid;
-    } cases[] = {
-        {"89049032000001000000000000000074", true},
-        {"89049032000001000000000000000075", false}, /* modulo 97 is 2 */
-        {"8904903200000100000000000000007A", false}, /* not a decimal digit */
-        {"00000000000000000000000000000000", false},
-        {"00000000000000000000000000000001", true}, /* the smallest value that checks */
-    };
-    for (const auto &c : cases) {
-        uint8_t eid[16];
-        for (int i = 0; i < 16; i++) eid[i] = uint8_t(std::stoul(std::string(c.hex + 2 * i, 2), nullptr, 16));
-        EXPECT_EQ(tolvek_esim_eid_valid(eid), c.valid) << c.hex;
-    }
+    expect_cases(__FILE__, "eid.cases", [](const words &w) {
+        return tolvek_esim_eid_valid(unhex(w[0]).data()) ? "valid" : "invalid";
+    });
 }
 
 }  // namespace
