@@ -12,7 +12,7 @@ namespace {
 
 TEST(AtCommandsTest, ImeiFromNvItem)
 {
-    expect_cases(__FILE__, "imei.cases", [](const words &w) { return modemd::at_imei_from_nv(unhex(w.empty() ? "" : w[0])); });
+    expect_cases(__FILE__, "imei.cases", [](const words &w) { return modemd::at_imei_from_nv(unhex(joined(w))); });
 }
 
 /* Answers in order, and without the IMEI item the serial number is an
@@ -24,7 +24,7 @@ TEST(AtCommandsTest, AnswersInOrder)
     ASSERT_TRUE(store.open(dir.path));
     modemd::at_modem_state state;
     expect_cases(__FILE__, "at_answers.cases", [&](const words &w) {
-        std::string line = w.empty() ? "" : w[0];
+        std::string line = joined(w);
         std::replace(line.begin(), line.end(), '_', ' ');
         return escaped(modemd::at_answer(line, &state, store));
     });

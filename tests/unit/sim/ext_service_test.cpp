@@ -52,10 +52,7 @@ std::string ExtServiceTest::run(const words &w)
     std::string out;
     std::vector<uint32_t> v;
     for (size_t i = 1; i < w.size(); i++) v.push_back(w[i] == "open" ? open_instance : num(w[i]));
-    if (w[0] == "ctl") {
-        for (size_t i = 1; i < w.size(); i++) out += (i > 1 ? " " : "") + w[i];
-        return escaped(sim.ctl(out));
-    }
+    if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
     if (w[0] == "typed") {
         tolvek_common_rsp r = typed(v[0], {v.begin() + 2, v.end()}, w[2] == "-" ? -1 : int64_t(v[1]));
         out = std::to_string(r.result);

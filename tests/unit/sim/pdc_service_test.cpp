@@ -86,10 +86,7 @@ std::string PdcServiceTest::run(const words &w)
     std::vector<uint32_t> v;
     for (size_t i = 1; i < w.size(); i++) v.push_back(uint32_t(strtoul(w[i].c_str(), nullptr, 0)));
     std::string out;
-    if (w[0] == "ctl") {
-        for (size_t i = 1; i < w.size(); i++) out += (i > 1 ? " " : "") + w[i];
-        return escaped(sim.ctl(out));
-    }
+    if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
     if (w[0] == "reopen") return second.open(pdc_get_service_object_v01(), on_ind, &second_inds) ? "ok" : "failed";
     if (w[0] == "shown") {
         std::istringstream show(sim.ctl_ok("pdc show"));

@@ -39,10 +39,7 @@ protected:
 std::string VsStatsService::run(const words &w)
 {
     std::string out;
-    if (w[0] == "ctl") {
-        for (size_t i = 1; i < w.size(); i++) out += (i > 1 ? " " : "") + w[i];
-        return escaped(sim.ctl(out));
-    }
+    if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
     if (w[0] == "close") client.release();
     if (w[0] == "open") return client.open(orvex_vs_get_service_object_v01()) ? "ok" : "failed";
     if (w[0] == "feature") {

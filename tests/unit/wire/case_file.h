@@ -24,6 +24,13 @@ inline words words_of(const std::string &s)
     return w;
 }
 
+inline std::string joined(const words &w, size_t from = 0, const char *sep = " ")
+{
+    std::string s;
+    for (size_t i = from; i < w.size(); i++) s += (i > from ? sep : "") + w[i];
+    return s;
+}
+
 inline void expect_cases(const char *source, const std::string &name, const std::function<std::string(const words &)> &run)
 {
     std::istringstream in(read_golden(source, name));

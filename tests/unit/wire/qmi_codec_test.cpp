@@ -92,9 +92,7 @@ TEST(QmiCodec, EncodesWithinItsBoundsAndRoundTrips)
 TEST(QmiCodec, DecoderRefusesMalformedMessages)
 {
     expect_cases(__FILE__, "qmi_decode.cases", [](const words &w) {
-        std::string tlvs;
-        for (const std::string &x : w) tlvs += x;
-        bytes in = unhex(tlvs);
+        bytes in = unhex(joined(w, 0, ""));
         sample_msg m;
         int rc = qmi_codec_decode(sample_ei, in.data(), in.size(), &m, sizeof(m));
         return std::to_string(rc) + (rc ? "" : " list " + std::to_string(m.list_valid));
