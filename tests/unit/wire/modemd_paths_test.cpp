@@ -46,13 +46,7 @@ protected:
     }
     void TearDown() override
     {
-        for (const auto &[name, value] : saved) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
-        }
+        for (const auto &[name, value] : saved) value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
     }
     temp_dir tmp;
     std::string root = tmp.path;
@@ -112,8 +106,7 @@ TEST_F(ModemdPathsTest, SocketDirectoryPreparation)
     ASSERT_EQ(mkdir((root + "/shared").c_str(), 0777), 0);
     EXPECT_TRUE(modemd_prepare_socket_dir(root + "/shared/s.sock", &error));
     EXPECT_TRUE(modemd_prepare_socket_dir(root + "/fresh/s.sock", &error));
-    struct stat st;
-    EXPECT_EQ(stat((root + "/fresh").c_str(), &st), 0);
+    EXPECT_EQ(access((root + "/fresh").c_str(), F_OK), 0);
     EXPECT_EQ(modemd_dir_of("/a/b.sock"), "/a");
     EXPECT_EQ(modemd_dir_of("/b.sock"), "/");
     EXPECT_EQ(modemd_dir_of("b.sock"), ".");
@@ -129,9 +122,9 @@ TEST_F(ModemdPathsTest, LogFilesAreNotWrittenThroughAPlantedDirectoryOrLink)
     ASSERT_EQ(symlink(victim.c_str(), (root + "/log").c_str()), 0);
     EXPECT_LT(modemd_open_log_file(root + "/log"), 0);
     EXPECT_EQ(errno, ELOOP);
-    struct stat st;
-    EXPECT_NE(lstat(victim.c_str(), &st), 0) << "the link's target was created";
+    EXPECT_NE(access(victim.c_str(), F_OK), 0) << "the link's target was created";
     int fd = modemd_open_log_file(root + "/real.log");
+    struct stat st;
     ASSERT_GE(fd, 0);
     ASSERT_EQ(fstat(fd, &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
