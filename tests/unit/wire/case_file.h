@@ -7,6 +7,7 @@
 
 #include <stdint.h>
 
+#include <algorithm>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -44,8 +45,10 @@ inline void expect_cases(const char *source, const std::string &name, const std:
     expect_golden(rebuilt, source, name);
 }
 
-inline std::vector<uint8_t> unhex(const std::string &h)
+/* The bytes of hex text, blanks between them skipped. */
+inline std::vector<uint8_t> unhex(std::string h)
 {
+    h.erase(std::remove(h.begin(), h.end(), ' '), h.end());
     std::vector<uint8_t> b;
     for (size_t i = 0; i + 1 < h.size(); i += 2) b.push_back(uint8_t(std::stoul(h.substr(i, 2), nullptr, 16)));
     return b;

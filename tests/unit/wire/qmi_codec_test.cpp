@@ -18,20 +18,11 @@ using bytes = std::vector<uint8_t>;
 TEST(ExtensionWire, MessagesEncodeToTheirTlvsAndBack)
 {
     qmi_idl_service_object_type svc = tolvek_extend_get_service_object_v01();
-    tolvek_extend_msg full, bare, back;
-    memset(&full, 0, sizeof(full));
-    memset(&bare, 0, sizeof(bare));
-    full.msg_code = REQUEST_ID_COMMON;
-    full.data_len = 3;
-    full.data_valid = 1;
-    full.data[0] = 0xAA;
-    full.data[1] = 0x7E;
-    full.data[2] = 0x01;
-    bytes want_full = {0x01, 4, 0, 4, 0, 0, 0, 0x02, 4, 0, 3, 0, 0, 0, 0x10, 0x00, 0x02, 0xAA, 0x7E, 0x01};
+    tolvek_extend_msg full = {REQUEST_ID_COMMON, 3, 1, {0xAA, 0x7E, 0x01}}, back;
+    tolvek_extend_msg bare = {7, 12, 0, {}}; /* no payload TLV: only code and length */
+    bytes want_full = unhex("01040004000000 02040003000000 100002aa7e01");
+    bytes want_bare = unhex("01040007000000 0204000c000000");
     want_full.resize(529);
-    bare.msg_code = 7;
-    bare.data_len = 12; /* no payload TLV: only code and length */
-    bytes want_bare = {0x01, 4, 0, 7, 0, 0, 0, 0x02, 4, 0, 12, 0, 0, 0};
     for (const auto &c : {std::make_pair(&full, &want_full), std::make_pair(&bare, &want_bare)}) {
         bytes w(600);
         uint32_t n = 0;
@@ -92,7 +83,7 @@ TEST(QmiCodec, EncodesWithinItsBoundsAndRoundTrips)
 TEST(QmiCodec, DecoderRefusesMalformedMessages)
 {
     expect_cases(__FILE__, "qmi_decode.cases", [](const words &w) {
-        bytes in = unhex(joined(w, 0, ""));
+        bytes in = unhex(joined(w));
         sample_msg m;
         int rc = qmi_codec_decode(sample_ei, in.data(), in.size(), &m, sizeof(m));
         return std::to_string(rc) + (rc ? "" : " list " + std::to_string(m.list_valid));

@@ -47,7 +47,7 @@ std::string read_frames(const bytes &in, size_t cut)
 TEST(QmuxFraming, ReaderReassemblesSplitAndJoinedFramesAndSkipsBytesThatStartNoFrame)
 {
     expect_cases(__FILE__, "qmux_reader.cases", [](const words &w) {
-        bytes in = unhex(joined(w, 0, ""));
+        bytes in = unhex(joined(w));
         for (size_t cut = 0; cut < in.size(); cut++) EXPECT_EQ(read_frames(in, cut), read_frames(in, in.size())) << cut;
         return read_frames(in, in.size());
     });
@@ -70,7 +70,7 @@ TEST(QmuxTlvs, FindAndResultReadRefuseMalformedAreas)
     EXPECT_FALSE(qmi_tlv_find(area.data(), area.size() - 1, 0x01, &v)) << "last TLV runs past the area";
     EXPECT_EQ(hex(qmi_result_tlv(QMI_PROTOCOL_ERR_CLIENT_IDS_EXHAUSTED)), "02040001000500");
     expect_cases(__FILE__, "qmi_result.cases", [](const words &w) {
-        bytes tlvs = unhex(joined(w, 0, ""));
+        bytes tlvs = unhex(joined(w));
         uint16_t err = 0x5555;
         bool ok = qmi_result_read(tlvs.data(), tlvs.size(), &err);
         return std::string(ok ? "ok " : "refused ") + std::to_string(err);
