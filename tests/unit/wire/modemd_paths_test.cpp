@@ -17,7 +17,6 @@
 
 #include <fstream>
 #include <optional>
-#include <string>
 
 #include "../sim/sim_test_util.h"
 #include "case_file.h"

@@ -3,7 +3,6 @@
 #include <string.h>
 
 #include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 /* QMUX framing: frames split across reads, several in one read, and the
  * resynchronisation over bytes that start no frame; the TLV area reads. */
-#include <tuple>
 
 #include <gtest/gtest.h>
 

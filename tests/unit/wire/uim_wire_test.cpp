@@ -4,9 +4,7 @@
 #include <stdio.h>
 #include <string.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 
