@@ -24,8 +24,7 @@ std::vector<std::string> lines_of(const std::string &path)
 {
     std::vector<std::string> out;
     std::ifstream in(path);
-    std::string line;
-    while (std::getline(in, line)) out.push_back(line.substr(line.find("]: ") + 3));
+    for (std::string line; std::getline(in, line);) out.push_back(line.substr(line.find("]: ") + 3));
     return out;
 }
 
@@ -93,8 +92,7 @@ TEST_F(DaemonLogTest, RefusesASymbolicLinkAndLimitsBelowOneLine)
 
     daemon_log tiny;
     ASSERT_TRUE(tiny.open(path, 1, &error)) << error;
-    static const char fmt[] = "message %d";
-    for (int i = 0; i < 5; i++) say(tiny, uint64_t(i) * modemd::k_log_window_ms, fmt, i);
+    for (int i = 0; i < 5; i++) say(tiny, uint64_t(i) * modemd::k_log_window_ms, "message %d", i);
     EXPECT_EQ(lines_of(path).size(), 5u) << "the limit is raised to k_log_min_max_bytes";
 }
 
