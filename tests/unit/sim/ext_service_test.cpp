@@ -39,9 +39,9 @@ protected:
 uint32_t num(const std::string &s)
 {
     static const std::map<std::string, uint32_t> names = {
-        {"nv-read", TOLVEK_EFS_OP_NV_READ}, {"nv-write", TOLVEK_EFS_OP_NV_WRITE}, {"nv-delete", TOLVEK_EFS_OP_NV_DELETE},
-        {"read", TOLVEK_EFS_OP_READ},       {"write", TOLVEK_EFS_OP_WRITE},       {"delete", TOLVEK_EFS_OP_DELETE},
-        {"new", TOLVEK_EFS_NEW_INSTANCE}};
+        {"nv-read", TOLVEK_EFS_OP_NV_READ}, {"nv-write", TOLVEK_EFS_OP_NV_WRITE},
+        {"nv-delete", TOLVEK_EFS_OP_NV_DELETE}, {"read", TOLVEK_EFS_OP_READ},
+        {"write", TOLVEK_EFS_OP_WRITE}, {"delete", TOLVEK_EFS_OP_DELETE}, {"new", TOLVEK_EFS_NEW_INSTANCE}};
     return names.count(s) ? names.at(s) : uint32_t(strtoll(s.c_str(), nullptr, 0));
 }
 

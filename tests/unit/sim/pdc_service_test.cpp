@@ -90,7 +90,9 @@ std::string PdcServiceTest::run(const words &w)
     if (w[0] == "reopen") return second.open(pdc_get_service_object_v01(), on_ind, &second_inds) ? "ok" : "failed";
     if (w[0] == "shown") {
         std::istringstream show(sim.ctl_ok("pdc show"));
-        for (std::string line; std::getline(show, line);) out += line.find(" " + w[1] + " ") == std::string::npos ? "" : line;
+        for (std::string line; std::getline(show, line);) {
+            if (line.find(" " + w[1] + " ") != std::string::npos) out += line;
+        }
         return out.empty() ? "none" : out;
     }
     if (w[0] == "content") {

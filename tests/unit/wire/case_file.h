@@ -1,7 +1,8 @@
 /* Tables of cases kept as text next to the tests that run them: one case a
- * line, "<input words> => <expected output>"; lines without "=>" are
- * comments.  The file rebuilt from the actual outputs must equal the file,
- * so RLK_GOLDEN_UPDATE=1 rewrites the expected outputs like a golden file. */
+ * line, "<input words> => <expected output>"; lines starting with '#' (or
+ * without "=>") are comments.  The file rebuilt from the actual outputs must
+ * equal the file, so RLK_GOLDEN_UPDATE=1 rewrites the expected outputs like
+ * a golden file. */
 #ifndef RLK_TEST_CASE_FILE_H
 #define RLK_TEST_CASE_FILE_H
 
@@ -25,14 +26,18 @@ inline words words_of(const std::string &s)
     return w;
 }
 
-inline std::string joined(const words &w, size_t from = 0, const char *sep = " ")
+/* The words from `from` on, joined by single spaces. */
+inline std::string joined(const words &w, size_t from = 0)
 {
     std::string s;
-    for (size_t i = from; i < w.size(); i++) s += (i > from ? sep : "") + w[i];
+    for (size_t i = from; i < w.size(); i++) s += (i > from ? " " : "") + w[i];
     return s;
 }
 
-inline void expect_cases(const char *source, const std::string &name, const std::function<std::string(const words &)> &run)
+/* Runs every case of the file `name` next to `source` (pass __FILE__)
+ * through `run`, input words in, actual output out. */
+inline void expect_cases(const char *source, const std::string &name,
+                         const std::function<std::string(const words &)> &run)
 {
     std::istringstream in(read_golden(source, name));
     std::string rebuilt;

@@ -45,7 +45,9 @@ protected:
     }
     void TearDown() override
     {
-        for (const auto &[name, value] : saved) value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+        for (const auto &[name, value] : saved) {
+            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+        }
     }
     temp_dir tmp;
     std::string root = tmp.path;

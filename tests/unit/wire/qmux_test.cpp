@@ -86,7 +86,9 @@ TEST(QmuxLinkVersions, CountAndLengthBothBoundTheEntries)
         rlk_host::qmux_link::device d;
         rlk_host::qmux_link::take_versions(d, answer);
         std::string out = d.have_versions ? "known" : "unknown";
-        for (const auto &[service, major] : d.majors) out += " " + std::to_string(service) + ":" + std::to_string(major);
+        for (const auto &[service, major] : d.majors) {
+            out += " " + std::to_string(service) + ":" + std::to_string(major);
+        }
         return out;
     });
 }
