@@ -21,9 +21,26 @@ protected:
         sim.ctl_ok("ext restart-delay 200");
         ASSERT_TRUE(ext.open(tolvek_extend_get_service_object_v01()));
     }
+    /* An extension-service request; the answer (zeros without one). */
+    tolvek_extend_msg ask_ext(const tolvek_extend_msg &req)
+    {
+        tolvek_extend_msg resp;
+        EXPECT_TRUE(ext.call(TOLVEK_EXTEND_REQ_MSG_ID_V01, &req, &resp));
+        return resp;
+    }
+    /* A typed common request of `type` carrying `values` (`len`: their
+     * size unless given); the response record. */
     tolvek_common_rsp typed(uint32_t type, const std::vector<uint32_t> &values, int64_t len = -1)
     {
-        return record_of<tolvek_common_rsp>(ext.ext(typed_msg(type, values, len)));
+        tolvek_common_req c;
+        memset(&c, 0, sizeof(c));
+        c.cmd_code = TOLVEK_COMMON_CMD_TYPED;
+        c.type = type;
+        c.len = len < 0 ? uint32_t(values.size() * 4) : uint32_t(len);
+        if (!values.empty()) memcpy(c.value, values.data(), values.size() * 4);
+        tolvek_common_rsp r;
+        memcpy(&r, ask_ext(ext_msg(REQUEST_ID_COMMON, c)).data, sizeof(r));
+        return r;
     }
     bool services_down_within(bool down, int ms)
     {
@@ -62,7 +79,7 @@ std::string ExtServiceTest::run(const words &w)
         std::vector<uint8_t> payload = unhex(w.size() > 3 ? w[3] : "");
         tolvek_extend_msg m = ext_msg(v[0], uint8_t(0), v[1]);
         memcpy(m.data, payload.data(), std::min(payload.size(), sizeof(m.data)));
-        tolvek_extend_msg r = ext.ext(m);
+        tolvek_extend_msg r = ask_ext(m);
         out = std::to_string(r.msg_code) + " " + std::to_string(r.data_len) + " " + std::to_string(r.data_valid);
         return v[0] == 5 || !r.data_len ? out : out + " " + hex(r.data, std::min<size_t>(r.data_len, 32));
     }
@@ -91,7 +108,8 @@ std::string ExtServiceTest::run(const words &w)
         memset(r.data, 0x5A, std::min<size_t>(r.data_len_send, sizeof(r.data)));
         m = ext_msg(REQUEST_ID_EFS, r);
     }
-    tolvek_efs_rsp a = record_of<tolvek_efs_rsp>(ext.ext(m));
+    tolvek_efs_rsp a;
+    memcpy(&a, ask_ext(m).data, sizeof(a));
     if (w[1] == "write" && a.result >= 0) open_instance = uint8_t(a.result);
     out = std::to_string(a.result) + " " + std::to_string(a.data_len_all) + " " + std::to_string(a.data_len_send);
     return a.data_len_send ? out + " " + hex(a.data, std::min<size_t>(a.data_len_send, 4)) : out;
@@ -120,8 +138,8 @@ TEST_F(ExtServiceTest, RestartAnswersFirstThenGoesDownAndComesBack)
     EXPECT_TRUE(services_down_within(false, 2000));
     EXPECT_GE(monotonic_ms() - start, 200);
     EXPECT_EQ(counters(sim, {"ext.ssr", "ext.restart.down", "ext.restart.up"}), "1 1 1");
-    tolvek_extend_msg sync = typed_msg(35, {}), resp;
-    EXPECT_FALSE(ext.call(TOLVEK_EXTEND_REQ_MSG_ID_V01, &sync, &resp)) << "the old connection went with the restart";
+    tolvek_extend_msg echo = ext_msg(0, uint8_t(0), 1), resp;
+    EXPECT_FALSE(ext.call(TOLVEK_EXTEND_REQ_MSG_ID_V01, &echo, &resp)) << "the old connection went with the restart";
 }
 
 TEST_F(ExtServiceTest, FullDumpWritesADumpFileThenRestarts)
