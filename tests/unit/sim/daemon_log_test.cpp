@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "daemon_log.h"
+#include "golden.h"
 #include "sim_test_util.h"
 
 namespace {
@@ -23,8 +24,7 @@ std::vector<std::string> lines_of(const std::string &path)
 {
     std::vector<std::string> out;
     std::ifstream in(path);
-    std::string line;
-    while (std::getline(in, line)) out.push_back(line.substr(line.find("]: ") + 3));
+    for (std::string line; std::getline(in, line);) out.push_back(line.substr(line.find("]: ") + 3));
     return out;
 }
 
@@ -34,34 +34,28 @@ protected:
     std::string path = dir.path + "/modemd.log";
 };
 
+/* One kind of complaint beyond its rate in a window, another kind, then
+ * the next window: what each call did (w: written, F: first held back,
+ * s: held back) and the lines the log holds after the destructor reported
+ * what was still held back. */
 TEST_F(DaemonLogTest, EachKindOfComplaintIsHeldToItsRateAndSummarised)
 {
-    std::string error;
+    std::string error, outcomes;
     {
         daemon_log log;
         ASSERT_TRUE(log.open(path, 1 << 20, &error)) << error;
-        static const char bad[] = "bad frame %d";
-        static const char other[] = "other %s";
-        uint64_t t = 5000;
-        std::vector<daemon_log::outcome> got;
-        for (int i = 0; i < 25; i++) got.push_back(say(log, t + uint64_t(i), bad, i));
-        EXPECT_EQ(got[9], daemon_log::outcome::written);
-        EXPECT_EQ(got[10], daemon_log::outcome::suppressed_first);
-        EXPECT_EQ(got[24], daemon_log::outcome::suppressed);
-        EXPECT_EQ(say(log, t + 30, other, "kind"), daemon_log::outcome::written) << "another kind has its own rate";
-
-        log.flush_summaries(t + modemd::k_log_window_ms - 1, false); /* window not over: nothing yet */
-        log.flush_summaries(t + modemd::k_log_window_ms, false);
-        /* A new window writes again. */
-        EXPECT_EQ(say(log, t + modemd::k_log_window_ms + 1, bad, 99), daemon_log::outcome::written);
-        for (int i = 0; i < 12; i++) say(log, t + modemd::k_log_window_ms + 2, bad, 100 + i);
-    } /* the destructor reports what is still held back */
-    std::vector<std::string> expect;
-    for (int i = 0; i < 10; i++) expect.push_back("bad frame " + std::to_string(i));
-    expect.insert(expect.end(), {"other kind", "(15 more like \"bad frame %d\" in 1000 ms not shown)", "bad frame 99"});
-    for (int i = 100; i < 109; i++) expect.push_back("bad frame " + std::to_string(i));
-    expect.push_back("(3 more like \"bad frame %d\" in 1000 ms not shown)");
-    EXPECT_EQ(lines_of(path), expect);
+        auto bad = [&](uint64_t now, int i) { outcomes += "wFs"[int(say(log, now, "bad frame %d", i))]; };
+        const uint64_t t = 5000, next = t + modemd::k_log_window_ms;
+        for (int i = 0; i < 25; i++) bad(t + uint64_t(i), i);
+        outcomes += "wFs"[int(say(log, t + 30, "other %s", "kind"))];
+        log.flush_summaries(next - 1, false); /* window not over: nothing yet */
+        log.flush_summaries(next, false);
+        bad(next + 1, 99);
+        for (int i = 0; i < 12; i++) bad(next + 2, 100 + i);
+    }
+    std::string all = outcomes + "\n";
+    for (const std::string &line : lines_of(path)) all += line + "\n";
+    expect_golden(all, __FILE__, "daemon_log_rate.golden");
 }
 
 TEST_F(DaemonLogTest, RotatesAtTheLimitKeepingOnePreviousFile)
@@ -98,8 +92,7 @@ TEST_F(DaemonLogTest, RefusesASymbolicLinkAndLimitsBelowOneLine)
 
     daemon_log tiny;
     ASSERT_TRUE(tiny.open(path, 1, &error)) << error;
-    static const char fmt[] = "message %d";
-    for (int i = 0; i < 5; i++) say(tiny, uint64_t(i) * modemd::k_log_window_ms, fmt, i);
+    for (int i = 0; i < 5; i++) say(tiny, uint64_t(i) * modemd::k_log_window_ms, "message %d", i);
     EXPECT_EQ(lines_of(path).size(), 5u) << "the limit is raised to k_log_min_max_bytes";
 }
 

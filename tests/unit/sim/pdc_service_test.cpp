@@ -2,6 +2,7 @@
  * QMI client: each request's response, then its indication; list paging by
  * token; load frames reassembled, one transfer per client; the limits of
  * the store. */
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../wire/case_file.h"
 #include "persistent_device_configuration_v01.h"
 #include "sim_test_util.h"
 
@@ -37,6 +39,7 @@ protected:
     {
         ASSERT_TRUE(sim.start());
         ASSERT_TRUE(client.open(pdc_get_service_object_v01(), on_ind, &inds));
+        ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds));
     }
     /* The stored content of a loaded software configuration. */
     std::string content(const std::string &id)
@@ -69,89 +72,77 @@ protected:
         return ind.first == msg_id && qmi_client_message_decode(client.c, QMI_IDL_INDICATION, msg_id, ind.second.data(),
                                                                 unsigned(ind.second.size()), out, sizeof(*out)) == 0;
     }
-    std::unique_ptr<pdc_list_configs_ind_msg_v01> list(uint32_t type, uint32_t token)
-    {
-        pdc_list_configs_req_msg_v01 req = {1, token, 1, pdc_config_type_enum_v01(type)};
-        EXPECT_EQ(send(QMI_PDC_LIST_CONFIGS_REQ_V01, req), 0);
-        auto ind = std::make_unique<pdc_list_configs_ind_msg_v01>();
-        EXPECT_TRUE(next_ind(QMI_PDC_LIST_CONFIGS_REQ_V01, ind.get()));
-        return ind;
-    }
-    /* One load frame of `frame_len` bytes `fill` (from the second client
-     * with `from_second`); returns its indication. */
-    pdc_load_config_ind_msg_v01 load(const std::string &id, uint32_t total, size_t frame_len, uint8_t fill = 0,
-                                     bool from_second = false)
-    {
-        auto req = std::make_unique<pdc_load_config_req_msg_v01>();
-        memset(req.get(), 0, sizeof(*req));
-        req->load_config_info.config_type = PDC_CONFIG_TYPE_MODEM_SW_V01;
-        req->load_config_info.config_id_len = uint32_t(id.size());
-        memcpy(req->load_config_info.config_id, id.data(), id.size());
-        req->load_config_info.total_config_size = total;
-        req->load_config_info.config_frame_len = uint32_t(frame_len);
-        memset(req->load_config_info.config_frame, fill, frame_len);
-        req->ind_token_valid = 1;
-        req->ind_token = 9;
-        EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? &second : nullptr), 0);
-        pdc_load_config_ind_msg_v01 ind;
-        memset(&ind, 0, sizeof(ind));
-        EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind, k_wait_ms, from_second ? &second_inds : nullptr));
-        return ind;
-    }
+    std::string run(const words &w);
 
     sim_instance sim;
     ind_queue inds, second_inds;
     qmi_conn client, second;
 };
 
+/* One case: a control request, a listing, a load frame from client 1 or
+ * 2, a new second client, or the stored content of a configuration. */
+std::string PdcServiceTest::run(const words &w)
+{
+    std::vector<uint32_t> v;
+    for (size_t i = 1; i < w.size(); i++) v.push_back(uint32_t(strtoul(w[i].c_str(), nullptr, 0)));
+    std::string out;
+    if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
+    if (w[0] == "reopen") return second.open(pdc_get_service_object_v01(), on_ind, &second_inds) ? "ok" : "failed";
+    if (w[0] == "shown") {
+        std::istringstream show(sim.ctl_ok("pdc show"));
+        for (std::string line; std::getline(show, line);) {
+            if (line.find(" " + w[1] + " ") != std::string::npos) out += line;
+        }
+        return out.empty() ? "none" : out;
+    }
+    if (w[0] == "content") {
+        std::string c = content(w[1]);
+        return std::to_string(c.size()) + " bytes, " + std::to_string(std::count(c.begin(), c.end(), c[0])) + " of " +
+               hex_of(1, [&](size_t) { return c[0]; });
+    }
+    if (w[0] == "list") {
+        pdc_list_configs_req_msg_v01 req = {1, v[1], 1, pdc_config_type_enum_v01(v[0])};
+        EXPECT_EQ(send(QMI_PDC_LIST_CONFIGS_REQ_V01, req), 0);
+        auto ind = std::make_unique<pdc_list_configs_ind_msg_v01>();
+        EXPECT_TRUE(next_ind(QMI_PDC_LIST_CONFIGS_REQ_V01, ind.get()));
+        out = std::to_string(ind->ind_token) + " " + std::to_string(ind->config_list_valid) + " " +
+              std::to_string(ind->config_list_len) + " " + std::to_string(ind->more_available);
+        const auto &first = ind->config_list[0];
+        if (!ind->config_list_len) return out;
+        return out + " " + std::string(reinterpret_cast<const char *>(first.config_id), first.config_id_len);
+    }
+    bool from_second = v[0] == 2;
+    const std::string &id = w[2];
+    auto req = std::make_unique<pdc_load_config_req_msg_v01>();
+    memset(req.get(), 0, sizeof(*req));
+    req->load_config_info.config_type = PDC_CONFIG_TYPE_MODEM_SW_V01;
+    req->load_config_info.config_id_len = uint32_t(id.size());
+    memcpy(req->load_config_info.config_id, id.data(), id.size());
+    req->load_config_info.total_config_size = v[2];
+    req->load_config_info.config_frame_len = v[3];
+    memset(req->load_config_info.config_frame, int(v[4]), v[3]);
+    req->ind_token_valid = 1;
+    req->ind_token = 9;
+    EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? &second : nullptr), 0);
+    pdc_load_config_ind_msg_v01 ind;
+    memset(&ind, 0, sizeof(ind));
+    EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind, k_wait_ms, from_second ? &second_inds : nullptr));
+    out = std::to_string(ind.error) + " " + std::to_string(ind.received_config_size) + " " +
+          std::to_string(ind.remaining_config_size);
+    return ind.frame_data_reset_valid ? out + " reset" : out;
+}
+
+/* Pages follow the token and a new token starts over. */
 TEST_F(PdcServiceTest, PagesFollowTheTokenAndANewTokenStartsOver)
 {
-    sim.ctl_ok("pdc fill sw 60");
-    std::vector<uint32_t> sizes;
-    for (int page = 0; page < 3; page++) {
-        auto ind = list(PDC_CONFIG_TYPE_MODEM_SW_V01, 77);
-        EXPECT_EQ(ind->ind_token, 77u);
-        sizes.push_back(ind->config_list_len);
-        EXPECT_EQ(ind->more_available, page < 2);
-    }
-    EXPECT_EQ(sizes, (std::vector<uint32_t>{25, 25, 10}));
-    /* Half-way through another listing, a new token begins at the start. */
-    list(PDC_CONFIG_TYPE_MODEM_SW_V01, 5);
-    auto fresh = list(PDC_CONFIG_TYPE_MODEM_SW_V01, 6);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(fresh->config_list[0].config_id),
-                          fresh->config_list[0].config_id_len),
-              "ROW_Generic_3GPP");
-    /* Exactly 25 ids: one page, nothing more. */
-    sim.ctl_ok("pdc clear hw");
-    sim.ctl_ok("pdc fill hw 25");
-    auto hw = list(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 1);
-    EXPECT_EQ(hw->config_list_len, 25u);
-    EXPECT_EQ(hw->more_available, 0);
-    sim.ctl_ok("pdc clear hw");
-    EXPECT_EQ(list(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 2)->config_list_valid, 0) << "no MBN: no list at all";
+    expect_cases(__FILE__, "pdc_list.cases", [&](const words &w) { return run(w); });
 }
 
 /* Frames are reassembled and stored once, and what is stored survives a
  * restart of the simulator. */
 TEST_F(PdcServiceTest, FramesAreReassembledStoredOnceAndKeptOverARestart)
 {
-    pdc_load_config_ind_msg_v01 first = load("two_frames", 4000, 3000, 0xA5);
-    EXPECT_EQ(first.error, 0);
-    EXPECT_EQ(first.received_config_size, 3000u);
-    EXPECT_EQ(first.remaining_config_size, 1000u);
-    EXPECT_EQ(sim.ctl_ok("pdc show").find("two_frames"), std::string::npos) << "not stored before the last frame";
-    EXPECT_EQ(load("two_frames", 4000, 1000, 0x5A).remaining_config_size, 0u);
-    EXPECT_NE(sim.ctl_ok("pdc show").find("config sw two_frames size 4000"), std::string::npos);
-    EXPECT_EQ(load("two_frames", 4000, 3000).error, PDC_QMI_ERR_INVALID_ID) << "a duplicate id";
-    /* More data than announced drops the transfer. */
-    EXPECT_EQ(load("too_long", 10, 11).error, PDC_QMI_ERR_INVALID_ARG);
-    sim.ctl_ok("pdc fail 0x26 reset 1");
-    pdc_load_config_ind_msg_v01 reset = load("partial", 20, 10);
-    EXPECT_EQ(reset.error, 0);
-    EXPECT_EQ(reset.frame_data_reset_valid, 1);
-    /* After the reset the transfer starts again from the first byte. */
-    EXPECT_EQ(load("partial", 20, 10).received_config_size, 10u);
-
+    expect_cases(__FILE__, "pdc_load.cases", [&](const words &w) { return run(w); });
     client.release();
     sim.kill_hard();
     ASSERT_TRUE(sim.restart());
@@ -164,28 +155,7 @@ TEST_F(PdcServiceTest, FramesAreReassembledStoredOnceAndKeptOverARestart)
  * no memory, counting the room transfers in progress hold. */
 TEST_F(PdcServiceTest, TransfersOfTwoClientsNeverMix)
 {
-    ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds));
-    EXPECT_EQ(load("mixed", 4000, 3000, 0xA5).received_config_size, 3000u);
-    EXPECT_EQ(load("mixed", 4000, 1000, 0x5A, true).received_config_size, 1000u)
-        << "the second client's frame starts a transfer of its own";
-    EXPECT_EQ(sim.ctl_ok("pdc show").find("mixed"), std::string::npos) << "nothing partial is stored";
-    EXPECT_EQ(load("mixed", 4000, 1000, 0xA5).remaining_config_size, 0u);
-    EXPECT_EQ(load("mixed", 4000, 3000, 0x5A, true).error, PDC_QMI_ERR_INVALID_ID) << "stored meanwhile";
-    EXPECT_EQ(content("mixed"), std::string(4000, '\xA5'));
-
-    sim.ctl_ok("pdc capacity 1000000");
-    EXPECT_EQ(load("big", 200000, 10).error, PDC_QMI_ERR_NO_MEMORY) << "seed uses 880 KB of 1 MB";
-    EXPECT_EQ(load("held", 100000, 10).error, 0);
-    EXPECT_EQ(load("other", 100000, 10, 0, true).error, PDC_QMI_ERR_NO_MEMORY) << "room held by a transfer";
-    sim.ctl_ok("pdc capacity 100000000");
-
-    EXPECT_EQ(load("left", 20, 10, 1, true).received_config_size, 10u);
-    ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds)); /* left half-way */
-    EXPECT_EQ(load("left", 20, 10, 2, true).received_config_size, 10u) << "afresh";
-    EXPECT_EQ(load("left", 20, 10, 2, true).remaining_config_size, 0u);
-    EXPECT_EQ(content("left"), std::string(20, '\x02'));
-    sim.ctl_ok("pdc fill sw 100");
-    EXPECT_EQ(load("one_more", 10, 10, 0, true).error, PDC_QMI_ERR_NO_MEMORY) << "100 per type";
+    expect_cases(__FILE__, "pdc_two_clients.cases", [&](const words &w) { return run(w); });
 }
 
 TEST_F(PdcServiceTest, RefusedRequestsGetNoIndication)

@@ -135,13 +135,6 @@ struct qmi_conn {
         return qmi_client_send_msg_sync(c, msg_id, const_cast<Req *>(req), unsigned(req_len), resp,
                                         unsigned(sizeof(*resp)), k_wait_ms) == QMI_NO_ERR;
     }
-    /* An extension-service request; the answer (zeros without one). */
-    tolvek_extend_msg ext(const tolvek_extend_msg &req)
-    {
-        tolvek_extend_msg resp;
-        EXPECT_TRUE(call(TOLVEK_EXTEND_REQ_MSG_ID_V01, &req, &resp));
-        return resp;
-    }
 };
 
 /* An extension-service request of `code` carrying `payload`. */
@@ -155,28 +148,6 @@ tolvek_extend_msg ext_msg(uint32_t code, const T &payload, uint32_t data_len = T
     m.data_valid = 1;
     memcpy(m.data, &payload, sizeof(payload));
     return m;
-}
-
-/* A typed common request of `type` carrying `values` (`len`: their size
- * unless given). */
-inline tolvek_extend_msg typed_msg(uint32_t type, const std::vector<uint32_t> &values, int64_t len = -1)
-{
-    tolvek_common_req c;
-    memset(&c, 0, sizeof(c));
-    c.cmd_code = TOLVEK_COMMON_CMD_TYPED;
-    c.type = type;
-    c.len = len < 0 ? uint32_t(values.size() * 4) : uint32_t(len);
-    if (!values.empty()) memcpy(c.value, values.data(), values.size() * 4);
-    return ext_msg(REQUEST_ID_COMMON, c);
-}
-
-/* The response record at the start of an answer's data. */
-template <typename R>
-R record_of(const tolvek_extend_msg &m)
-{
-    R r;
-    memcpy(&r, m.data, sizeof(r));
-    return r;
 }
 
 #endif

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../wire/case_file.h"
 #include "services/vs_stats_scene.h"
 
 namespace {
@@ -19,29 +20,21 @@ float float_at(const std::vector<uint8_t> &b, size_t off)
     return v;
 }
 
+/* Every served id of both subscriptions (the second camps on LTE only):
+ * its size, and its first word, the version 1. */
 TEST(VsStatsScene, EveryServedIdHasItsLayout)
 {
-    const struct {
-        uint16_t id;
-        size_t len;
-    } sizes[] = {{82, 75}, {103, 75}, {104, 75}, {105, 75}, {106, 75}, {107, 75}, {108, 75}, {94, 20},
-                 {112, 20}, {113, 16}, {135, 24}, {6, 24}, {7, 24}, {110, 12}, {111, 12}, {100, 11}};
-    ASSERT_EQ(k_vs_served_id_count, sizeof(sizes) / sizeof(sizes[0]));
-    vs_scene s0 = vs_scene_default(0);
-    for (const auto &s : sizes) {
-        std::vector<uint8_t> b;
-        ASSERT_TRUE(vs_scene_item(s0, s.id, 0, &b)) << s.id;
-        EXPECT_EQ(b.size(), s.len) << s.id;
-        EXPECT_EQ(b[0], 1) << "version first, 32-bit, id " << s.id;
-        EXPECT_EQ(b[1] | b[2] | b[3], 0) << s.id;
+    std::string all;
+    size_t served = 0;
+    for (uint32_t id = 0; id <= 0xFFFF; id++) {
+        std::vector<uint8_t> b0, b1;
+        if (!vs_scene_item(vs_scene_default(0), uint16_t(id), 0, &b0)) continue;
+        served++;
+        std::string sub1 = vs_scene_item(vs_scene_default(1), uint16_t(id), 0, &b1) ? std::to_string(b1.size()) : "-";
+        all += std::to_string(id) + " " + std::to_string(b0.size()) + " " + sub1 + " " + hex(b0.data(), 4) + "\n";
     }
-    std::vector<uint8_t> b;
-    EXPECT_FALSE(vs_scene_item(s0, 83, 0, &b));
-    EXPECT_FALSE(vs_scene_item(s0, 0, 0, &b));
-    /* The second subscription camps on LTE only. */
-    vs_scene s1 = vs_scene_default(1);
-    EXPECT_TRUE(vs_scene_item(s1, 82, 0, &b));
-    for (uint16_t id : {103, 94, 112, 113, 135, 110, 111, 100}) EXPECT_FALSE(vs_scene_item(s1, id, 0, &b)) << id;
+    EXPECT_EQ(served, k_vs_served_id_count);
+    expect_golden(all, __FILE__, "vs_items.golden");
 }
 
 TEST(VsStatsScene, DriftMovesAroundTheSetValueFixedDoesNot)
@@ -69,18 +62,9 @@ TEST(VsStatsScene, DriftMovesAroundTheSetValueFixedDoesNot)
 TEST(VsStatsScene, SetterChecksNamesAndRanges)
 {
     vs_scene s = vs_scene_default(1);
-    const struct {
-        const char *name, *value;
-        bool ok;
-    } cases[] = {
-        {"lte.6.earfcn", "4294967295", true}, {"lte.6.earfcn", "4294967296", false}, {"lte.0.pci", "65535", true},
-        {"lte.0.pci", "65536", false},        {"lte.7.pci", "1", false},             {"lte.0.rsrp3", "-101.5", true},
-        {"lte.0.rsrp4", "1", false},          {"lte.0.rsrp0", "nan", false},         {"lte.0.rsrp0", "x", false},
-        {"asdiv.11", "255", true},            {"asdiv.12", "1", false},              {"asdiv.0", "256", false},
-        {"ant.path", "0x1ff", true},          {"served", "2", false},                {"nr.2.rsrq", "-3", true},
-        {"gsm.drx", "", false},               {"nope", "1", false},                  {"ant.num", "-1", false},
-    };
-    for (const auto &c : cases) EXPECT_EQ(vs_scene_set(&s, c.name, c.value), c.ok) << c.name << "=" << c.value;
+    expect_cases(__FILE__, "vs_setter.cases", [&](const words &w) {
+        return vs_scene_set(&s, w[0].c_str(), w.size() > 1 ? w[1].c_str() : "") ? "ok" : "refused";
+    });
     EXPECT_EQ(s.lte[6].earfcn, 4294967295u);
     EXPECT_EQ(s.ant_switch_path, 0x1ff);
     EXPECT_EQ(s.lte[0].rsrp[3], -101.5f);

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../wire/case_file.h"
 #include "orvex_vs_service_v01.h"
 #include "sim_test_util.h"
 
@@ -28,74 +29,44 @@ protected:
         EXPECT_TRUE(client.call(ORVEX_VS_SET_FEATURE_STATUS_MSG_ID_V01, &req, &resp));
         return resp;
     }
-    std::unique_ptr<orvex_vs_get_stats_resp_msg_v01> get(uint8_t sub, const std::vector<uint16_t> &ids)
-    {
-        orvex_vs_get_stats_req_msg_v01 req = {};
-        req.sub = sub;
-        req.data_id_list_len = uint8_t(ids.size());
-        for (size_t i = 0; i < ids.size(); i++) req.data_id_list[i] = ids[i];
-        auto resp = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
-        EXPECT_TRUE(client.call(ORVEX_VS_GET_STATS_MSG_ID_V01, &req, resp.get()));
-        return resp;
-    }
+    std::string run(const words &w);
     sim_instance sim;
     qmi_conn client;
 };
 
-/* The feature status gates the items, and a restart of the service
- * forgets it. */
-TEST_F(VsStatsService, FeatureStatusGatesTheItemsUntilARestart)
+/* One case: a control request, the feature status set, an item list got,
+ * or the client closed or opened again. */
+std::string VsStatsService::run(const words &w)
 {
-    auto resp = get(0, {82});
-    EXPECT_EQ(resp->result, 1u);
-    EXPECT_EQ(resp->error, 52u); /* not started: device not ready */
-    EXPECT_EQ(set_feature(2).error, 48u);
-    EXPECT_EQ(sim.ctl_ok("vs feature"), "0");
-    EXPECT_EQ(set_feature(ORVEX_VS_FEATURE_START).result, 0u);
-    EXPECT_EQ(sim.ctl_ok("vs feature"), "1");
-    EXPECT_EQ(sim.ctl_ok("counter get stats.main.feature_enable_status"), "1");
-    EXPECT_EQ(get(0, {82})->result, 0u);
-    EXPECT_EQ(set_feature(ORVEX_VS_FEATURE_STOP).result, 0u);
-    EXPECT_EQ(get(0, {82})->error, 52u);
-    EXPECT_EQ(counters(sim, {"stats.main.cmd_ok_count", "stats.main.cmd_fail_count", "vs.requests"}), "3 3 6");
-
-    set_feature(ORVEX_VS_FEATURE_START);
-    client.release();
-    sim.ctl_ok("ssr vs 10");
-    ASSERT_TRUE(client.open(orvex_vs_get_service_object_v01()));
-    EXPECT_EQ(get(0, {82})->error, 52u);
-    EXPECT_EQ(sim.ctl_ok("vs feature"), "0");
+    std::string out;
+    if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
+    if (w[0] == "close") client.release();
+    if (w[0] == "open") return client.open(orvex_vs_get_service_object_v01()) ? "ok" : "failed";
+    if (w[0] == "feature") {
+        auto resp = set_feature(uint8_t(std::stoul(w[1])));
+        return std::to_string(resp.result) + " " + std::to_string(resp.error);
+    }
+    if (w[0] != "get") return "";
+    orvex_vs_get_stats_req_msg_v01 req = {};
+    req.sub = uint8_t(std::stoul(w[1]));
+    for (size_t i = 2; i < w.size(); i++) req.data_id_list[req.data_id_list_len++] = uint16_t(std::stoul(w[i]));
+    auto resp = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
+    EXPECT_TRUE(client.call(ORVEX_VS_GET_STATS_MSG_ID_V01, &req, resp.get()));
+    out = std::to_string(resp->result) + " " + std::to_string(resp->error) + ":";
+    for (uint32_t i = 0; i < resp->data_list_len; i++) {
+        out += " " + std::to_string(resp->data_list[i].data_id);
+        EXPECT_EQ(resp->data_list[i].sub, req.sub);
+        EXPECT_GT(resp->data_list[i].update_count, i ? resp->data_list[i - 1].update_count : 0u);
+    }
+    return out;
 }
 
-/* Lists keep their order and leave out what the modem lacks; the control
- * refuses what it cannot do. */
-TEST_F(VsStatsService, ListsKeepOrderAndTheControlRefusesWhatItCannotDo)
+/* The feature status gates the items until a restart of the service
+ * forgets it; lists keep their order and leave out what the modem lacks;
+ * the control refuses what it cannot do. */
+TEST_F(VsStatsService, FeatureStatusGatesListedItemsAndTheControlRefusesWhatItCannotDo)
 {
-    set_feature(ORVEX_VS_FEATURE_START);
-    auto resp = get(0, {111, 83, 82, 100, 0, 6, 7, 94, 112, 113});
-    ASSERT_EQ(resp->result, 0u);
-    ASSERT_EQ(resp->data_list_len, 8u);
-    const uint16_t ids[] = {111, 82, 100, 6, 7, 94, 112, 113};
-    uint32_t last_count = 0;
-    for (int i = 0; i < 8; i++) {
-        EXPECT_EQ(resp->data_list[i].data_id, ids[i]);
-        EXPECT_EQ(resp->data_list[i].sub, 0);
-        EXPECT_GT(resp->data_list[i].update_count, last_count);
-        last_count = resp->data_list[i].update_count;
-    }
-    EXPECT_EQ(get(1, {94})->data_list_len, 0u);
-    EXPECT_EQ(get(2, {82})->error, 48u);
-    EXPECT_EQ(get(0, {})->error, 48u);
-
-    const char *bad[] = {
-        "vs",  "vs set 2 served 1", "vs set 0 lte.9.pci 1", "vs scene 0 wobble", "vs item 0 83",
-        "vs fault data-len", "vs fault wrong-id 0", "vs fault odd", "vs ind report 17 0", "vs ind ant 256",
-        "vs ind feature 1 2", "vs demo on 5", "vs demo maybe",
-    };
-    for (const char *req : bad) EXPECT_EQ(sim.ctl(req).rfind("error", 0), 0u) << req;
-    EXPECT_EQ(sim.ctl_ok("vs item 0 111").size(), 24u);
-    sim.ctl_ok("vs set 0 served 0");
-    EXPECT_EQ(get(0, {82})->error, 48u);
+    expect_cases(__FILE__, "vs_requests.cases", [&](const words &w) { return run(w); });
 }
 
 TEST_F(VsStatsService, DemoSceneDriftsAndSendsIndications)

@@ -17,20 +17,13 @@
 
 #include <fstream>
 #include <optional>
-#include <sstream>
-#include <string>
 
+#include "../sim/sim_test_util.h"
+#include "case_file.h"
 #include "modemd_paths.h"
 #include "platform_syslog.h"
 
 namespace {
-
-std::string slurp(const std::string &path)
-{
-    std::stringstream ss;
-    ss << std::ifstream(path, std::ios::binary).rdbuf();
-    return ss.str();
-}
 
 void syslog_line(const char *fmt, ...)
 {
@@ -46,9 +39,6 @@ class ModemdPathsTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        char tmpl[] = "/tmp/rlk-paths-test-XXXXXX";
-        ASSERT_NE(mkdtemp(tmpl), nullptr);
-        root = tmpl;
         for (const char *name : {"RLK_SYSLOG_FILE", "RLK_MODEMD_SOCKET", "XDG_RUNTIME_DIR"}) {
             saved.emplace_back(name, getenv(name) ? std::optional<std::string>(getenv(name)) : std::nullopt);
         }
@@ -56,61 +46,48 @@ protected:
     void TearDown() override
     {
         for (const auto &[name, value] : saved) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
+            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
         }
-        ASSERT_EQ(system(("rm -rf '" + root + "'").c_str()), 0);
     }
-    std::string root;
+    temp_dir tmp;
+    std::string root = tmp.path;
     std::vector<std::pair<std::string, std::optional<std::string>>> saved;
 };
 
+/* Each case makes an entry (nothing, a directory of a mode, a link, a
+ * file) and asks for it as a private directory; a refused one is not
+ * repaired behind the owner's back. */
 TEST_F(ModemdPathsTest, OnlyAPrivateDirectoryOfThisUserIsAccepted)
 {
     ASSERT_EQ(mkdir((root + "/real").c_str(), 0700), 0);
-    const struct {
-        const char *name;
-        char kind; /* '-' nothing, 'd' a directory of `mode`, 'l' a link to `link`, 'f' a file, 'o' another's */
-        mode_t mode;
-        std::string link;
-        const char *why; /* nullptr: accepted */
-    } cases[] = {
-        {"missing", '-', 0, "", nullptr},
-        {"private", 'd', 0700, "", nullptr},
-        {"world-writable", 'd', 0777, "", "it is open to group or others (mode 0777, expected 0700)"},
-        {"group-readable", 'd', 0740, "", "it is open to group or others (mode 0740, expected 0700)"},
-        {"sticky-only-for-others", 'd', 01701, "", "it is open to group or others (mode 1701, expected 0700)"},
-        {"link-to-own-private-dir", 'l', 0, root + "/real", "it is a symbolic link, not a directory"},
-        {"dangling-link", 'l', 0, "/nonexistent/rlk", "it is a symbolic link, not a directory"},
-        {"file", 'f', 0, "", "it is not a directory"},
-        {"other-owner", 'o', 0700, "", "it is owned by uid 65534, not by uid 0"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        std::string dir = root + "/" + c.name, error;
-        if (c.kind == 'o' && geteuid() != 0) {
-            printf("skipping \"%s\": needs root to give a directory to another user\n", c.name);
-            continue;
-        }
-        int rc = 0;
-        if (c.kind == 'd' || c.kind == 'o') rc = mkdir(dir.c_str(), 0700) || chmod(dir.c_str(), c.mode);
-        if (c.kind == 'o') rc |= chown(dir.c_str(), 65534, 65534);
-        if (c.kind == 'l') rc = symlink(c.link.c_str(), dir.c_str());
-        if (c.kind == 'f') rc = close(open(dir.c_str(), O_CREAT | O_WRONLY, 0600));
-        ASSERT_EQ(rc, 0);
-        EXPECT_EQ(modemd_private_dir_ensure(dir, &error), !c.why) << error;
+    auto asked = [&](const std::string &dir) {
+        std::string error;
         struct stat st;
-        if (!c.why) {
-            ASSERT_EQ(lstat(dir.c_str(), &st), 0);
-            EXPECT_EQ(st.st_mode & (S_IFMT | 07777), S_IFDIR | 0700u);
-        } else {
-            EXPECT_EQ(error, "refusing directory " + dir + ": " + c.why);
-            EXPECT_FALSE(modemd_private_dir_check(dir, &error)) << "nothing is repaired behind the owner's back";
+        if (modemd_private_dir_ensure(dir, &error) && lstat(dir.c_str(), &st) == 0) {
+            char mode[32];
+            snprintf(mode, sizeof(mode), "accepted, mode %o", st.st_mode & (S_IFMT | 07777));
+            return std::string(mode);
         }
+        EXPECT_FALSE(modemd_private_dir_check(dir, &error)) << dir;
+        return error.replace(error.find(root), root.size(), "<root>");
+    };
+    expect_cases(__FILE__, "private_dir.cases", [&](const words &w) {
+        std::string dir = root + "/" + w[0], to = w.size() > 2 ? w[2] : "";
+        if (to.compare(0, 6, "<root>") == 0) to.replace(0, 6, root);
+        int rc = 0;
+        if (w[1] == "dir") rc = mkdir(dir.c_str(), 0700) || chmod(dir.c_str(), mode_t(std::stoul(to, nullptr, 8)));
+        if (w[1] == "link") rc = symlink(to.c_str(), dir.c_str());
+        if (w[1] == "file") rc = close(open(dir.c_str(), O_CREAT | O_WRONLY, 0600));
+        EXPECT_EQ(rc, 0) << w[0];
+        return asked(dir);
+    });
+    if (geteuid() != 0) {
+        printf("skipping the directory of another user: needs root to give it away\n");
+        return;
     }
+    std::string other = root + "/other-owner";
+    ASSERT_TRUE(mkdir(other.c_str(), 0700) == 0 && chown(other.c_str(), 65534, 65534) == 0);
+    EXPECT_EQ(asked(other), "refusing directory <root>/other-owner: it is owned by uid 65534, not by uid 0");
 }
 
 /* The default directory is checked wherever a simulator is about to bind;
@@ -130,8 +107,7 @@ TEST_F(ModemdPathsTest, SocketDirectoryPreparation)
     ASSERT_EQ(mkdir((root + "/shared").c_str(), 0777), 0);
     EXPECT_TRUE(modemd_prepare_socket_dir(root + "/shared/s.sock", &error));
     EXPECT_TRUE(modemd_prepare_socket_dir(root + "/fresh/s.sock", &error));
-    struct stat st;
-    EXPECT_EQ(stat((root + "/fresh").c_str(), &st), 0);
+    EXPECT_EQ(access((root + "/fresh").c_str(), F_OK), 0);
     EXPECT_EQ(modemd_dir_of("/a/b.sock"), "/a");
     EXPECT_EQ(modemd_dir_of("/b.sock"), "/");
     EXPECT_EQ(modemd_dir_of("b.sock"), ".");
@@ -147,9 +123,9 @@ TEST_F(ModemdPathsTest, LogFilesAreNotWrittenThroughAPlantedDirectoryOrLink)
     ASSERT_EQ(symlink(victim.c_str(), (root + "/log").c_str()), 0);
     EXPECT_LT(modemd_open_log_file(root + "/log"), 0);
     EXPECT_EQ(errno, ELOOP);
-    struct stat st;
-    EXPECT_NE(lstat(victim.c_str(), &st), 0) << "the link's target was created";
+    EXPECT_NE(access(victim.c_str(), F_OK), 0) << "the link's target was created";
     int fd = modemd_open_log_file(root + "/real.log");
+    struct stat st;
     ASSERT_GE(fd, 0);
     ASSERT_EQ(fstat(fd, &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
@@ -169,10 +145,10 @@ TEST_F(ModemdPathsTest, LogFilesAreNotWrittenThroughAPlantedDirectoryOrLink)
         << "said once per process, naming the directory";
     ASSERT_EQ(chmod(dir.c_str(), 0700), 0);
     syslog_line("third %d", 3);
-    EXPECT_EQ(slurp(victim), "private\n");
+    EXPECT_EQ(file_text(victim), "private\n");
     ASSERT_EQ(unlink((dir + "/syslog.log").c_str()), 0);
     syslog_line("fourth %d", 4);
-    EXPECT_EQ(slurp(dir + "/syslog.log"), "6\tfourth 4\n") << "without the link the line arrives";
+    EXPECT_EQ(file_text(dir + "/syslog.log"), "6\tfourth 4\n") << "without the link the line arrives";
 }
 
 /* A peer of this user is trusted (another user's simulator is played end

@@ -1,15 +1,15 @@
 /* The UIM messages on the wire (one-byte slots and counts under 32-bit C
  * fields), the BER-TLV reader of the ES10 exchange, and the EID check of
  * the eSIM switch. */
+#include <stdio.h>
 #include <string.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ber_tlv.h"
+#include "case_file.h"
 #include "tolvek_cmn_esim.h"
 #include "user_identity_module_v01.h"
 
@@ -40,41 +40,35 @@ int decode(qmi_idl_type_of_message_type type, uint16_t id, const bytes &tlvs, T 
 
 TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
 {
-    uim_power_up_req_msg_v01 up, up_back;
-    memset(&up, 0, sizeof(up));
-    up.slot = UIM_SLOT_2_V01;
-    up.ignore_hotswap_switch_valid = 1;
-    up.ignore_hotswap_switch = 1;
-    up.mode_valid = 1;
-    up.mode = UIM_CARD_MODE_TELECOM_CARD_V01;
-    bytes want = {0x01, 0x01, 0x00, 0x02, 0x10, 0x01, 0x00, 0x01, 0x11, 0x01, 0x00, 0x00};
+    uim_power_up_req_msg_v01 up = {UIM_SLOT_2_V01, 1, 1, 1, UIM_CARD_MODE_TELECOM_CARD_V01}, up_back;
+    bytes want = unhex("01010002 10010001 11010000");
     EXPECT_EQ(encode(QMI_UIM_POWER_UP_REQ_V01, up), want);
     ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_POWER_UP_REQ_V01, want, &up_back), 0);
-    EXPECT_EQ(0, memcmp(&up_back, &up, sizeof(up))) << "the upper bytes of the 32-bit fields are cleared";
+    EXPECT_EQ(std::make_tuple(up_back.slot, up_back.ignore_hotswap_switch_valid, up_back.ignore_hotswap_switch,
+                              up_back.mode_valid, up_back.mode),
+              std::make_tuple(up.slot, 1, 1, 1, up.mode))
+        << "the upper bytes of the 32-bit fields are cleared";
     uim_power_down_req_msg_v01 down; /* qmicli's power-off form: the slot alone */
-    ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_POWER_DOWN_REQ_V01, {0x01, 0x01, 0x00, 0x02}, &down), 0);
+    ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_POWER_DOWN_REQ_V01, unhex("01010002"), &down), 0);
     EXPECT_EQ(down.slot, UIM_SLOT_2_V01);
 
-    uim_send_apdu_req_msg_v01 apdu, apdu_back;
-    memset(&apdu, 0, sizeof(apdu));
-    apdu.slot = UIM_SLOT_2_V01;
-    apdu.apdu_len = 300;
+    uim_send_apdu_req_msg_v01 apdu = {UIM_SLOT_2_V01, 300, {}, 1, 2}, apdu_back;
     memset(apdu.apdu, 0xE2, apdu.apdu_len);
-    apdu.channel_id_valid = 1;
-    apdu.channel_id = 2;
     bytes tlvs = encode(QMI_UIM_SEND_APDU_REQ_V01, apdu);
     ASSERT_EQ(tlvs.size(), 4u + 3u + 2u + 300u + 4u);
-    EXPECT_EQ(bytes(tlvs.begin() + 4, tlvs.begin() + 10), (bytes{0x02, 0x2E, 0x01, 0x2C, 0x01, 0xE2}));
+    EXPECT_EQ(hex(bytes(tlvs.begin() + 4, tlvs.begin() + 10)), "022e012c01e2");
     ASSERT_EQ(decode(QMI_IDL_REQUEST, QMI_UIM_SEND_APDU_REQ_V01, tlvs, &apdu_back), 0);
-    EXPECT_EQ(0, memcmp(&apdu_back, &apdu, sizeof(apdu)));
+    EXPECT_EQ(std::make_tuple(apdu_back.slot, apdu_back.apdu_len, apdu_back.channel_id_valid, apdu_back.channel_id),
+              std::make_tuple(apdu.slot, 300u, 1, 2));
+    EXPECT_EQ(0, memcmp(apdu_back.apdu, apdu.apdu, sizeof(apdu.apdu)));
 
-    bytes eid = {0x02, 0x04, 0x00, 0x01, 0x00, 0x5A, 0x00, 0x10, 0x03, 0x00, 0x02, 0x89, 0x04};
+    bytes eid = unhex("02040001005a00 100300 02 8904");
     uim_get_eid_resp_msg_v01 resp;
     ASSERT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, eid, &resp), 0);
     EXPECT_EQ(std::make_tuple(resp.resp.result, resp.resp.error, resp.eid_value_valid, resp.eid_value_len),
               std::make_tuple(1, 0x5A, 1, 2u));
-    EXPECT_EQ(bytes(resp.eid_value, resp.eid_value + 3), (bytes{0x89, 0x04, 0x00})) << "zeroed past the count";
-    eid = {0x02, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 18, 0x00, 17};
+    EXPECT_EQ(hex(resp.eid_value, 3), "890400") << "zeroed past the count";
+    eid = unhex("02040000000000 101200 11");
     eid.resize(eid.size() + 17, 0x11);
     EXPECT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, eid, &resp), QMI_IDL_LIB_ARRAY_TOO_BIG);
     eid[8] = 17;
@@ -82,33 +76,19 @@ TEST(UimWire, SlotsCountsAndLengthsTravelAsPublicTlvs)
     eid.pop_back();
     EXPECT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, eid, &resp), 0) << "16 bytes fit";
     EXPECT_EQ(resp.eid_value_len, 16u);
-    EXPECT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, {0x10, 0x01, 0x00, 0x00}, &resp),
-              QMI_IDL_LIB_MISSING_TLV);
+    EXPECT_EQ(decode(QMI_IDL_RESPONSE, QMI_UIM_GET_EID_REQ_V01, unhex("10010000"), &resp), QMI_IDL_LIB_MISSING_TLV);
 }
 
 TEST(BerTlv, TagsLengthsAndTruncation)
 {
-    const struct {
-        bytes in;
-        size_t taken;
-        uint32_t tag;
-        size_t len;
-    } cases[] = {
-        {{0x5A, 0x01, 0x07}, 3, 0x5A, 1},
-        {{0xBF, 0x2D, 0x00}, 3, 0xBF2D, 0},
-        {{0x9F, 0x70, 0x01, 0x01, 0xEE}, 4, 0x9F70, 1},
-        {{0xA0, 0x81, 0x80}, 0, 0, 0},                   /* 128 bytes promised, none there */
-        {{0xBF, 0x2D}, 0, 0, 0},                         /* no length */
-        {{0xBF, 0xFF, 0xFF, 0x7F, 0x00}, 0, 0, 0},       /* a four-byte tag */
-        {{0x04, 0x83, 0x00, 0x00, 0x01, 0x00}, 0, 0, 0}, /* three length bytes */
-    };
     ber_tlv t;
-    for (const auto &c : cases) {
-        EXPECT_EQ(ber_tlv_parse(c.in.data(), c.in.size(), &t), c.taken);
-        if (c.taken) {
-            EXPECT_EQ(std::make_pair(t.tag, t.len), std::make_pair(c.tag, c.len));
-        }
-    }
+    expect_cases(__FILE__, "ber_tlv.cases", [&](const words &w) {
+        bytes in = unhex(w[0]);
+        size_t taken = ber_tlv_parse(in.data(), in.size(), &t);
+        char tag[16];
+        snprintf(tag, sizeof(tag), " %x ", t.tag);
+        return std::to_string(taken) + (taken ? tag + std::to_string(t.len) : "");
+    });
     bytes big(200, 0x33), out;
     ASSERT_TRUE(ber_tlv_append(&out, 0xA0, big));
     EXPECT_EQ(bytes(out.begin(), out.begin() + 3), (bytes{0xA0, 0x81, 200}));
@@ -122,21 +102,9 @@ TEST(BerTlv, TagsLengthsAndTruncation)
 
 TEST(EsimEid, DigitsAndCheckValue)
 {
-    const struct {
-        const char *hex;
-        bool valid;
-    } cases[] = {
-        {"89049032000001000000000000000074", true},
-        {"89049032000001000000000000000075", false}, /* modulo 97 is 2 */
-        {"8904903200000100000000000000007A", false}, /* not a decimal digit */
-        {"00000000000000000000000000000000", false},
-        {"00000000000000000000000000000001", true}, /* the smallest value that checks */
-    };
-    for (const auto &c : cases) {
-        uint8_t eid[16];
-        for (int i = 0; i < 16; i++) eid[i] = uint8_t(std::stoul(std::string(c.hex + 2 * i, 2), nullptr, 16));
-        EXPECT_EQ(tolvek_esim_eid_valid(eid), c.valid) << c.hex;
-    }
+    expect_cases(__FILE__, "eid.cases", [](const words &w) {
+        return tolvek_esim_eid_valid(unhex(w[0]).data()) ? "valid" : "invalid";
+    });
 }
 
 }  // namespace
