@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include "golden.h"
 #include "pdc_requests.h"
 #include "pdc_utils.h"
 #include "sim_fixture.h"
@@ -51,23 +52,26 @@ public:
         out.erase(out.begin(), out.begin() + long(std::min(start_, out.size())));
         return out;
     }
+    /* The same lines, each ended by a newline. */
+    std::string text() const
+    {
+        std::string out;
+        for (const std::string &l : lines()) out += l + "\n";
+        return out;
+    }
 
 private:
     std::string path_, saved_;
     size_t start_ = 0;
 };
 
-/* The stored outcome of `op`, read under the PDC mutex. */
-struct pdc_outcome_copy {
-    uint32_t done;
-    int8_t result;
-    uint16_t qmi_error;
-};
-inline pdc_outcome_copy outcome_of(pdc_op op)
+/* The stored outcome of `op` as one line, read under the PDC mutex. */
+inline std::string outcome_of(pdc_op op)
 {
     std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
     pdc_slot_view v = pdc_slot_of(op);
-    return {*v.done, *v.result, *v.qmi_error};
+    return "done " + std::to_string(*v.done) + " result " + std::to_string(*v.result) + " error " +
+           std::to_string(*v.qmi_error) + "\n";
 }
 
 #endif
