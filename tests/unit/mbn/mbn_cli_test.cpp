@@ -2,6 +2,7 @@
  * the modem chose (descriptions), and the texts of failures. */
 #include <gtest/gtest.h>
 
+#include "../modem_api/data_rows.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
 
@@ -32,27 +33,13 @@ TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
     EXPECT_TRUE(o.json);
     EXPECT_EQ(text_of(o.id.bytes, o.id.len), "abc");
 
-    const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"list", "--timeout"}, "--timeout needs a value"},
-        {{"list", "--timeout", "3601"}, "--timeout takes 1 to 3600 seconds"},
-        {{"list", "--sub", "-1"}, "--sub takes 0 or 1"},
-        {{"select"}, "select takes one argument"},
-        {{"activate", "x"}, "activate takes no argument"},
-        {{"load", "f", "--id", ""}, "--id takes an id of 1 to 124 bytes"},
-        {{"list", "--frob"}, "unknown option --frob"},
-        {{"list", "--timeout="}, "--timeout takes 1 to 3600 seconds"},
-        {{"list", "--json=yes"}, "--json takes no value"},
-        {{"list", "--sub", "2"}, "--sub takes 0 or 1"},
-        {{"list", "--type", "xx"}, "--type takes hw or sw"},
-        {{"list", "--timeout", "0"}, "--timeout takes 1 to 3600 seconds"},
-        {{"delete", std::string(125, 'x')}, "an id has 1 to 124 bytes"},
-        {{"frobnicate"}, "unknown command frobnicate"},
-        {{}, "no command"},
-    };
-    for (const auto &c : cases) {
+    for (const auto &c : data_rows(__FILE__, "mbn_refused.data")) {
+        std::vector<std::string> words;
+        std::istringstream in(c[0]);
+        for (std::string w; in >> w;) words.push_back(w == "<empty>" ? "" : w);
         mbn_options bad;
-        EXPECT_FALSE(parse(c.first, &bad, &error));
-        EXPECT_EQ(error, c.second);
+        EXPECT_FALSE(parse(words, &bad, &error)) << c[0];
+        EXPECT_EQ(error, c[1]) << c[0];
     }
 }
 

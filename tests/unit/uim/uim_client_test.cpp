@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "euicc_es10.h"
-#include "golden.h"
+#include "../modem_api/data_rows.h"
 #include "sim_fixture.h"
 #include "tolvek_log.h"
 #include "tolvek_uim_client.h"
@@ -161,51 +161,24 @@ TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValidAndIndicationsAreDecode
     EXPECT_TRUE(poll_until([&] { return logged("msg_id 72"); }, k_wait_ms));
 }
 
-/* A STORE DATA command on `channel` carrying `data`, with byte `at` of
- * the command set to `value` when `at` is given. */
-std::vector<uint8_t> store_data(uint8_t channel, std::vector<uint8_t> data, int at = -1, uint8_t value = 0)
-{
-    const uint8_t head[] = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
-                            uint8_t(data.size())};
-    data.insert(data.begin(), head, head + sizeof(head));
-    data.push_back(0);
-    if (at >= 0) data[size_t(at)] = value;
-    return data;
-}
-
 TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
 {
     uint8_t ch = 0;
     uint16_t sw = 0;
     ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &ch, &sw), 0);
     EXPECT_EQ(sw, k_sw_ok);
-    /* Delete of the enabled profile 89445000000000000017. */
-    const std::vector<uint8_t> delete_enabled = {0xBF, 0x33, 0x0C, 0x5A, 0x0A, 0x98, 0x44, 0x05, 0x00,
-                                                 0x00, 0x00, 0x00, 0x00, 0x00, 0x71};
-    const std::vector<uint8_t> list = {0xBF, 0x2D, 0x00};
-    const struct {
-        const char *what;
+    ASSERT_EQ(ch, 1);
+    for (const auto &c : data_rows(__FILE__, "isdr_apdus.data")) {
         std::vector<uint8_t> apdu;
-        uint8_t on_channel;
-    } cases[] = {
-        {"list", store_data(ch, list), ch},
-        {"unknown ES10 tag", store_data(ch, {0xBF, 0x3E, 0x00}), ch},
-        {"delete of the enabled profile", store_data(ch, delete_enabled), ch},
-        {"class byte of another channel", store_data(ch, list, 0, 0x00), ch},
-        {"not STORE DATA", store_data(ch, list, 1, 0xCA), ch},
-        {"Lc beyond the data", store_data(ch, list, 4, 9), ch},
-        {"truncated TLV", store_data(ch, {0xBF, 0x2D, 0x05}), ch},
-        {"channel not open", store_data(3, list), 3},
-    };
-    std::string answers;
-    for (const auto &c : cases) {
+        for (size_t i = 0; i + 1 < c[2].size(); i += 2) {
+            apdu.push_back(uint8_t(std::stoul(c[2].substr(i, 2), nullptr, 16)));
+        }
         uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
         uint32_t len = sizeof(rsp);
-        ASSERT_EQ(tolvek_uim_send_apdu(k_slot2, c.on_channel, c.apdu.data(), uint32_t(c.apdu.size()), rsp, &len), 0)
-            << c.what;
-        answers += std::string(c.what) + ": " + hex(rsp, len) + "\n";
+        uint8_t channel = uint8_t(std::stoi(c[1]));
+        ASSERT_EQ(tolvek_uim_send_apdu(k_slot2, channel, apdu.data(), uint32_t(apdu.size()), rsp, &len), 0) << c[0];
+        EXPECT_EQ(hex(rsp, len), c[3]) << c[0];
     }
-    expect_golden(answers, __FILE__, "uim_isdr_answers.golden");
     EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, ch), 0);
     /* Closing twice and opening an unknown application are refused. */
     EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, ch), 0x30);
