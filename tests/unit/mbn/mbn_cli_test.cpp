@@ -2,7 +2,7 @@
  * the modem chose (descriptions), and the texts of failures. */
 #include <gtest/gtest.h>
 
-#include "../modem_api/data_rows.h"
+#include "../modem_api/golden_data.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
 

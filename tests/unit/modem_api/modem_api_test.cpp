@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "data_rows.h"
+#include "golden_data.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 #include "orvex_mem.h"
@@ -32,38 +32,19 @@ TEST(ModemApiResponse, DeliveryByCaseAndCopyBounds)
 {
     temp_logcat log;
     const uint32_t full = sizeof(orvex_vs_command_resp_msg_v01);
-    const struct {
-        unsigned msg_id;
-        uint32_t result, error;
-        const char *payload; /* null: no response buffer */
-        uint32_t len;
-        int transp;
-        const char *expected;
-    } rows[] = {
-        /* A successful command: payload copy first, then result 2. */
-        {ORVEX_VS_COMMAND_MSG_ID_V01, 0, 0, "abc", full, QMI_NO_ERR, " 0:abc 2"},
-        /* Service error, result 1, error 26: success, payload delivered. */
-        {ORVEX_VS_COMMAND_MSG_ID_V01, 1, 26, "xy", full, QMI_SERVICE_ERR, " 0:xy 2"},
-        /* Another message id is not copied. */
-        {ORVEX_VS_GET_STATS_MSG_ID_V01, 0, 0, "zz", full, QMI_NO_ERR, " 2"},
-        /* Error 95 yields 1, delivered as is. */
-        {ORVEX_VS_COMMAND_MSG_ID_V01, 1, 95, "", full, QMI_NO_ERR, " 1"},
-        /* Missing or empty response: 3. */
-        {0, 0, 0, nullptr, 10, QMI_NO_ERR, " 3"},
-        {0, 0, 0, "", 0, QMI_NO_ERR, " 3"},
-    };
-    for (const auto &r : rows) {
+    for (const auto &r : data_rows(__FILE__, "responses.data")) {
         std::string got;
         auto *cb = static_cast<modem_api_cb_struct_type *>(orvex_malloc_adv(sizeof(modem_api_cb_struct_type), "t"));
         *cb = {record_delivery, &got};
         orvex_vs_command_resp_msg_v01 *resp = nullptr;
-        if (r.payload) {
+        if (r[3] != "-") {
             resp = static_cast<orvex_vs_command_resp_msg_v01 *>(orvex_malloc_adv(full, "t"));
-            *resp = {r.result, r.error, uint32_t(strlen(r.payload)), {}};
-            memcpy(resp->data, r.payload, strlen(r.payload));
+            *resp = {uint32_t(std::stoul(r[1])), uint32_t(std::stoul(r[2])), uint32_t(r[3].size()), {}};
+            memcpy(resp->data, r[3].data(), r[3].size());
         }
-        modem_api_process_response(r.msg_id, resp, r.len, cb, r.transp);
-        EXPECT_EQ(got, r.expected) << r.msg_id << " " << r.error;
+        const uint32_t len = r[4] == "full" ? full : uint32_t(std::stoul(r[4]));
+        modem_api_process_response(unsigned(std::stoul(r[0], nullptr, 0)), resp, len, cb, std::stoi(r[5]));
+        EXPECT_EQ(got.erase(0, 1), r[6]) << r[0] << " " << r[2];
     }
     /* No callback data or no function: nothing delivered, nothing leaked
      * (ASan). */

@@ -7,11 +7,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include "orvex_mem.h"
 #include "sim_fixture.h"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "../frontend/frontend_test_util.h"
-#include "data_rows.h"
+#include "golden_data.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 #include "tolvek_qmi_modem_stats.h"

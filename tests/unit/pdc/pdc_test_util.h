@@ -3,14 +3,11 @@
 #ifndef RLK_PDC_TEST_UTIL_H
 #define RLK_PDC_TEST_UTIL_H
 
-#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "../frontend/frontend_test_util.h"
-#include "golden.h"
+#include "../modem_api/golden_data.h"
 #include "sim_fixture.h"
 #include "tolvek_smart_test.h"
 
@@ -25,8 +25,8 @@ unsigned int fake_sleep(unsigned int seconds)
     return 0;
 }
 
-/* The tool's own lines and the blank lines after them, with ":123]" as
- * ":N]": the texts do not depend on source line numbers, nor on whether
+/* The tool's own lines and the blank lines after them, without line
+ * numbers: the texts do not depend on source line numbers, nor on whether
  * this process opened its extension client before. */
 std::string ril_lines(const std::string &out)
 {
@@ -35,11 +35,7 @@ std::string ril_lines(const std::string &out)
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line.compare(0, 4, "RIL[") == 0) text += line + "\n";
     }
-    for (size_t p = text.find(':'); p != std::string::npos; p = text.find(':', p + 1)) {
-        size_t end = text.find_first_not_of("0123456789", p + 1);
-        if (end != std::string::npos && end > p + 1 && text[end] == ']') text.replace(p + 1, end - p - 1, "N");
-    }
-    return text;
+    return without_line_numbers(text);
 }
 
 TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)

@@ -1,18 +1,11 @@
 /* The UIM client against a private simulator: failure counting and
  * recovery, the subsystem-restart flag, the EID answer, indication 0x61,
  * and the ISD-R's answers to well- and badly-formed APDUs. */
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <atomic>
-#include <memory>
-#include <sstream>
-
 #include <gtest/gtest.h>
 
+
+#include "../modem_api/golden_data.h"
 #include "euicc_es10.h"
-#include "../modem_api/data_rows.h"
 #include "sim_fixture.h"
 #include "tolvek_log.h"
 #include "tolvek_uim_client.h"
@@ -23,25 +16,12 @@ extern "C" qmi_client_error_type __real_qmi_client_send_msg_sync(qmi_client_type
 
 namespace {
 
-/* `len` bytes as hexadecimal digits. */
-std::string hex(const uint8_t *bytes, size_t len)
-{
-    std::string out;
-    char two[3];
-    for (size_t i = 0; i < len; i++) {
-        snprintf(two, sizeof(two), "%02x", bytes[i]);
-        out += two;
-    }
-    return out;
-}
-
 /* Upper bound of every wait: failures end quickly, success never waits. */
 constexpr int k_wait_ms = 3000;
 /* A dropped request times out after this long (instead of 3 s). */
 constexpr unsigned k_short_timeout_ms = 300;
 constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
-const std::vector<uint8_t> k_seed_eid = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
-                                         0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
+const std::string k_seed_eid = "89049032000001000000000000000074";
 
 /* The unit-test binary links with --wrap=qmi_client_send_msg_sync: the next
  * g_forced_sends calls give g_forced_send_result without sending. */
@@ -69,12 +49,12 @@ protected:
         tolvek_uim_power_params p = {up, slot, 1};
         return tolvek_uim_request_uicc_power_ex(&p);
     }
-    /* The EID the client gives for `slot`, over a buffer of 0xAA. */
-    std::vector<uint8_t> eid_of(uint8_t slot)
+    /* The EID the client gives for `slot`, over a buffer of 0xAA, in hex. */
+    std::string eid_of(uint8_t slot)
     {
         std::vector<uint8_t> eid(TOLVEK_UIM_EID_LEN, 0xAA);
         EXPECT_EQ(tolvek_uim_request_eid(&slot, eid.data()), 0);
-        return eid;
+        return hex(eid.data(), eid.size());
     }
     bool logged(const std::string &text) const
     {
@@ -105,16 +85,14 @@ TEST_F(UimClientTest, ThreeFailedRequestsDropTheHandleAndTheFourthReconnects)
             g_forced_sends = 3;
         }
         for (uint32_t i = 1; i <= 3; i++) {
-            EXPECT_EQ(power(0), rc);
-            EXPECT_EQ(failed_cnt.load(), i);
-            EXPECT_EQ(uim_qmi_client.load() == nullptr, i == 3) << "after failure " << i << " of " << rc;
+            const int result = power(0);
+            EXPECT_EQ(facts(result, failed_cnt.load(), uim_qmi_client.load() == nullptr), facts(rc, i, i == 3));
         }
         expect_logged({"send msg sync client error = " + std::to_string(rc) + ", failed_cnt = 3",
                        "uicc_power_ex res = " + std::to_string(rc) + ", failed_cnt = 3", "QMI error, try recovery"});
         g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
-        EXPECT_EQ(power(0), 0);
-        EXPECT_NE(uim_qmi_client.load(), nullptr);
-        EXPECT_EQ(failed_cnt.load(), 0u);
+        const int result = power(0);
+        EXPECT_EQ(facts(result, uim_qmi_client.load() != nullptr, failed_cnt.load()), "0 1 0\n");
         EXPECT_TRUE(logged("tolvek_uim_request_uicc_power_ex try init_uim_qmi_client"));
     }
 }
@@ -123,9 +101,8 @@ TEST_F(UimClientTest, ServiceGoneInTheMiddleOfARequestRecoversAtOnce)
 {
     ASSERT_EQ(power(1), 0);
     sim.ctl_ok("uim crash-on 0x31 50");
-    EXPECT_EQ(power(1), QMI_SERVICE_ERR);
-    EXPECT_EQ(uim_qmi_client.load(), nullptr);
-    EXPECT_EQ(failed_cnt.load(), 1u);
+    const int result = power(1);
+    EXPECT_EQ(facts(result, uim_qmi_client.load() == nullptr, failed_cnt.load()), facts(QMI_SERVICE_ERR, 1, 1));
     /* The next request waits for the service to come back. */
     EXPECT_EQ(power(1), 0);
     EXPECT_EQ(failed_cnt.load(), 0u);
@@ -144,7 +121,7 @@ TEST_F(UimClientTest, SubsystemRestartSetsTheFlagAndTheNextRequestReconnects)
 
 TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValidAndIndicationsAreDecoded)
 {
-    const std::vector<uint8_t> untouched(TOLVEK_UIM_EID_LEN, 0xAA);
+    const std::string untouched(2 * TOLVEK_UIM_EID_LEN, 'a');
     EXPECT_EQ(eid_of(k_slot2), k_seed_eid); /* the eUICC's EID */
     EXPECT_EQ(eid_of(k_slot1), untouched);  /* success, but no EID: validity 0 */
     sim.ctl_ok("error uim 0x65 0x5A 1");
