@@ -34,6 +34,7 @@ TEST(VsClientOpen, AbsentServiceGivesTenAttemptsAndAReturningOneIsTaken)
     std::string logcat = fresh_logcat(sim.dir(), "open-logcat.log");
     g_vs_client.service_object = orvex_vs_get_service_object_v01();
     vs_client_set_sleep(count_sleep);
+    g_sleeps = 0;
     std::string t = facts(vs_client_init_client_handles(), g_sleeps, g_vs_client.client_handle != nullptr,
                           g_vs_client.initialised);
     /* The service coming up during the retries is taken. */
