@@ -129,16 +129,6 @@ int fail_thread_start(void *(*)(void *)) { return -1; }
 
 class VsClientLive : public ::testing::Test {
 protected:
-    /* Waits (bounded) until `line` is in the log. */
-    bool wait_line(const std::string &line)
-    {
-        long long end = monotonic_ms() + k_modem_api_wait_ms;
-        while (!has_line(orvex_lines(logcat), line)) {
-            if (monotonic_ms() > end) return false;
-            usleep(10000);
-        }
-        return true;
-    }
     void SetUp() override
     {
         ASSERT_TRUE(sim.start());
@@ -151,8 +141,7 @@ protected:
     void TearDown() override
     {
         modem_api_release();
-        EXPECT_EQ(g_vs_client.client_handle, nullptr);
-        EXPECT_EQ(g_vs_client.notifier_handle, nullptr);
+        EXPECT_EQ(facts(g_vs_client.client_handle != nullptr, g_vs_client.notifier_handle != nullptr), "0 0\n");
         g_inds = nullptr;
     }
     static void record_status(modem_api_qmi_client_e_type kind, modem_api_operational_status_type status, void *self)
@@ -222,7 +211,8 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     ASSERT_TRUE(inds.wait_count(8));
     /* A malformed indication (count past its array) drops only itself. */
     sim.ctl_ok("ind vs 0x0204 01040001000000");
-    EXPECT_TRUE(wait_line("6 vs_client_unsol_ind_cb: Indication decode failed for msg 0x204 with error -46"));
+    const std::string decode_failed = "6 vs_client_unsol_ind_cb: Indication decode failed for msg 0x204 with error -46";
+    EXPECT_TRUE(poll_until([&] { return has_line(orvex_lines(logcat), decode_failed); }, k_modem_api_wait_ms));
 
     /* Asynchronous commands come back through the command callback. */
     ASSERT_EQ(modem_api_send_command(id, 0, "ping", 4, record_reply, &replies), MODEM_API_SUCCESS);
