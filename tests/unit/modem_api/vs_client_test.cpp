@@ -35,12 +35,13 @@ TEST(VsClientOpen, AbsentServiceGivesTenAttemptsAndAReturningOneIsTaken)
     g_vs_client.service_object = orvex_vs_get_service_object_v01();
     vs_client_set_sleep(count_sleep);
     g_sleeps = 0;
-    std::string t = facts(vs_client_init_client_handles(), g_sleeps, g_vs_client.client_handle != nullptr,
-                          g_vs_client.initialised);
+    const int first = vs_client_init_client_handles();
+    std::string t = facts(first, g_sleeps, g_vs_client.client_handle != nullptr, g_vs_client.initialised);
     /* The service coming up during the retries is taken. */
     g_open_sim = &sim;
     g_sleeps = 0;
-    t += facts(vs_client_init_client_handles(), g_sleeps, g_vs_client.initialised);
+    const int second = vs_client_init_client_handles();
+    t += facts(second, g_sleeps, g_vs_client.initialised);
     vs_client_set_sleep(nullptr);
     g_open_sim = nullptr;
     EXPECT_EQ(t, "0 9 0 0\n1 3 1\n") << "result, sleeps, handle, initialised";

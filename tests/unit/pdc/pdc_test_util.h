@@ -6,7 +6,6 @@
 #include <string.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <mutex>
 
 #include <gtest/gtest.h>
@@ -30,30 +29,24 @@ public:
         setenv("RLK_LOGCAT_FILE", path_.c_str(), 1);
         qmi_pdc_init_pdc_info();
         pdc_reset_cancel();
-        start_ = lines().size(); /* after the record's own "init done" line */
+        start_ = read_log_file(path_, true).size(); /* after the record's own "init done" line */
     }
     ~pdc_log_scope()
     {
         saved_.empty() ? unsetenv("RLK_LOGCAT_FILE") : setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
         unlink(path_.c_str());
     }
-    /* "<priority> <message>" of every PDC_UTIL line since the scope began. */
-    std::vector<std::string> lines() const
-    {
-        std::vector<std::string> out;
-        for (const log_line &l : read_log_file(path_, true)) {
-            EXPECT_EQ(l.buffer, 1);
-            EXPECT_EQ(l.tag, "PDC_UTIL");
-            out.push_back(std::to_string(l.priority) + " " + l.text);
-        }
-        out.erase(out.begin(), out.begin() + long(std::min(start_, out.size())));
-        return out;
-    }
-    /* The same lines, each ended by a newline. */
+    /* "<priority> <message>" of every PDC_UTIL line since the scope began,
+     * each ended by a newline. */
     std::string text() const
     {
         std::string out;
-        for (const std::string &l : lines()) out += l + "\n";
+        size_t n = 0;
+        for (const log_line &l : read_log_file(path_, true)) {
+            EXPECT_EQ(l.buffer, 1);
+            EXPECT_EQ(l.tag, "PDC_UTIL");
+            if (n++ >= start_) out += std::to_string(l.priority) + " " + l.text + "\n";
+        }
         return out;
     }
 

@@ -101,12 +101,14 @@ TEST_F(QmiClientTest, AbsentServiceIsListedWhenItAppearsAndAfterARestart)
     event_box box;
     notify(&box);
     unsigned int services = 99;
-    std::string t = facts(qmi_client_get_service_list(svc, nullptr, nullptr, &services), services);
+    const int absent = qmi_client_get_service_list(svc, nullptr, nullptr, &services);
+    std::string t = facts(absent, services);
     sim.ctl_ok("up ext");
     qmi_cci_os_signal_wait(&os, k_wait_ms);
-    t += facts(QMI_CCI_OS_SIGNAL_TIMED_OUT(&os), qmi_client_get_service_list(svc, nullptr, nullptr, &services));
-    t += facts(services);
-    EXPECT_EQ(t, facts(QMI_SERVICE_ERR, 0) + facts(0, QMI_NO_ERR) + facts(1)) << "result and services before and after";
+    t += facts(QMI_CCI_OS_SIGNAL_TIMED_OUT(&os));
+    const int present = qmi_client_get_service_list(svc, nullptr, nullptr, &services);
+    t += facts(present, services);
+    EXPECT_EQ(t, facts(QMI_SERVICE_ERR, 0) + facts(0) + facts(QMI_NO_ERR, 1)) << "results and services";
     ASSERT_TRUE(box.wait_count(1));
     EXPECT_EQ(box.events, std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
     sim.ctl_ok("ssr ext 100");
@@ -170,9 +172,11 @@ TEST_F(QmiClientTest, ServiceGoingAwayFailsThePendingSendAndCallsTheErrorCallbac
     ASSERT_TRUE(box.wait_count(1));
     /* A dead client reports the loss again to a late registration; the
      * first callback is not called again. */
-    std::string t = facts(rc.load(), box.events[0], qmi_client_register_error_cb(client, on_error, &late));
-    t += facts(late.events.size(), send_read(100), box.events.size());
-    EXPECT_EQ(t, facts(QMI_SERVICE_ERR, QMI_SERVICE_ERR, QMI_SERVICE_ERR) + facts(1, QMI_SERVICE_ERR, 1));
+    const int late_rc = qmi_client_register_error_cb(client, on_error, &late);
+    std::string t = facts(rc.load(), box.events[0], late_rc, late.events.size());
+    const int dead_rc = send_read(100);
+    t += facts(dead_rc, box.events.size());
+    EXPECT_EQ(t, facts(QMI_SERVICE_ERR, QMI_SERVICE_ERR, QMI_SERVICE_ERR, 1) + facts(QMI_SERVICE_ERR, 1));
 }
 
 TEST_F(QmiClientTest, InitInstanceTimesOutOrFollowsALateService)
