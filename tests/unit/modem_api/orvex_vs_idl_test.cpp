@@ -20,7 +20,6 @@ int decode_stats_answer(const std::vector<uint8_t> &wire, orvex_vs_get_stats_res
 TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
 {
     auto resp = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
-    memset(resp.get(), 0, sizeof(*resp));
     resp->data_list_valid = 1;
     resp->data_list_len = ORVEX_VS_GET_STATS_LIST_MAX;
     for (uint32_t i = 0; i < ORVEX_VS_GET_STATS_LIST_MAX; i++) {

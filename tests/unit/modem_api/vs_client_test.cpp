@@ -174,7 +174,6 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
      * carry. */
     /* 0x0204 announcing 250 entries: exactly 100, count 100. */
     auto ant = std::make_unique<orvex_vs_ant_state_ind_msg_v01>();
-    memset(ant.get(), 0, sizeof(*ant));
     ant->sub = 1;
     ant->ant_state_len = 250;
     for (int i = 0; i < 250; i++) ant->ant_state[i] = uint8_t(i);
@@ -183,7 +182,6 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     vs_client_ind_hdlr(ORVEX_VS_ANT_STATE_IND_V01, ant.get());
     /* 0x0203 with 16 and 8 items of 900 bytes, no optional value. */
     auto report = std::make_unique<orvex_vs_stats_report_ind_msg_v01>();
-    memset(report.get(), 0, sizeof(*report));
     report->report_id = 77;
     report->primary_list_len = ORVEX_VS_REPORT_PRIMARY_MAX;
     report->secondary_list_len = ORVEX_VS_REPORT_SECONDARY_MAX;

@@ -13,8 +13,7 @@ typedef void (*handler_fn)(void *, uint32_t);
 
 pdc_generic_ind_msg_v01 generic_ind(int32_t error, uint32_t token = 0)
 {
-    pdc_generic_ind_msg_v01 ind;
-    memset(&ind, 0, sizeof(ind));
+    pdc_generic_ind_msg_v01 ind = {};
     ind.error = error;
     ind.ind_token_valid = token != 0;
     ind.ind_token = token;
@@ -101,8 +100,7 @@ TEST(PdcLoadHandler, OutcomesStoreTheirCodesAndProgress)
     std::string t;
     for (const auto &c : cases) {
         pdc_log_scope log;
-        pdc_load_config_ind_msg_v01 ind;
-        memset(&ind, 0, sizeof(ind));
+        pdc_load_config_ind_msg_v01 ind = {};
         ind.error = c.first;
         ind.frame_data_reset_valid = c.second;
         ind.received_config_size_valid = 1;
@@ -127,7 +125,6 @@ TEST(PdcQueryHandlers, SelectedAndInfoKeepWhatTheModemSaid)
 {
     pdc_log_scope log;
     auto sel = std::make_unique<pdc_get_selected_config_ind_msg_v01>();
-    memset(sel.get(), 0, sizeof(*sel));
     sel->active_config_id_valid = 1;
     sel->active_config_id_len = 3;
     memcpy(sel->active_config_id, "abc", 3);
@@ -140,7 +137,6 @@ TEST(PdcQueryHandlers, SelectedAndInfoKeepWhatTheModemSaid)
              std::to_string(kept.pending_config_id_len) + "\n";
     }
     auto info = std::make_unique<pdc_get_config_info_ind_msg_v01>();
-    memset(info.get(), 0, sizeof(*info));
     info->config_desc_valid = 1;
     info->config_desc_len = 4;
     memcpy(info->config_desc, "desc", 4);
@@ -173,7 +169,6 @@ protected:
     void page(uint32_t n, bool more, const std::string &prefix, uint32_t token = 7, uint8_t list_valid = 1)
     {
         auto ind = std::make_unique<pdc_list_configs_ind_msg_v01>();
-        memset(ind.get(), 0, sizeof(*ind));
         ind->ind_token_valid = token != 0;
         ind->ind_token = token;
         ind->config_list_valid = list_valid;
