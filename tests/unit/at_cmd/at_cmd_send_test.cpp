@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
 
 #include "../frontend/frontend_test_util.h"
 #include "state_store.h"

@@ -2,6 +2,7 @@
  * the modem chose (descriptions), and the texts of failures. */
 #include <gtest/gtest.h>
 
+#include "../modem_api/golden_data.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
 
@@ -25,34 +26,16 @@ TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
     mbn_options o;
     std::string error;
     ASSERT_TRUE(parse({"--sub=1", "select", "abc", "--type", "hw", "--timeout=5", "--json"}, &o, &error));
-    EXPECT_EQ(o.command, MBN_CMD_SELECT);
-    EXPECT_EQ(o.sub, 1u);
-    EXPECT_EQ(o.config_type, uint32_t(PDC_CONFIG_TYPE_MODEM_PLATFORM_V01));
-    EXPECT_EQ(o.timeout_s, 5u);
-    EXPECT_TRUE(o.json);
-    EXPECT_EQ(text_of(o.id.bytes, o.id.len), "abc");
+    EXPECT_EQ(facts(o.command, o.sub, o.config_type, o.timeout_s, o.json, text_of(o.id.bytes, o.id.len)),
+              facts(MBN_CMD_SELECT, 1, PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 5, true, "abc"));
 
-    const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"list", "--timeout"}, "--timeout needs a value"},
-        {{"list", "--timeout", "3601"}, "--timeout takes 1 to 3600 seconds"},
-        {{"list", "--sub", "-1"}, "--sub takes 0 or 1"},
-        {{"select"}, "select takes one argument"},
-        {{"activate", "x"}, "activate takes no argument"},
-        {{"load", "f", "--id", ""}, "--id takes an id of 1 to 124 bytes"},
-        {{"list", "--frob"}, "unknown option --frob"},
-        {{"list", "--timeout="}, "--timeout takes 1 to 3600 seconds"},
-        {{"list", "--json=yes"}, "--json takes no value"},
-        {{"list", "--sub", "2"}, "--sub takes 0 or 1"},
-        {{"list", "--type", "xx"}, "--type takes hw or sw"},
-        {{"list", "--timeout", "0"}, "--timeout takes 1 to 3600 seconds"},
-        {{"delete", std::string(125, 'x')}, "an id has 1 to 124 bytes"},
-        {{"frobnicate"}, "unknown command frobnicate"},
-        {{}, "no command"},
-    };
-    for (const auto &c : cases) {
+    for (const auto &c : data_rows(__FILE__, "mbn_refused.data")) {
+        std::vector<std::string> words;
+        std::istringstream in(c[0]);
+        for (std::string w; in >> w;) words.push_back(w == "<empty>" ? "" : w);
         mbn_options bad;
-        EXPECT_FALSE(parse(c.first, &bad, &error));
-        EXPECT_EQ(error, c.second);
+        EXPECT_FALSE(parse(words, &bad, &error)) << c[0];
+        EXPECT_EQ(error, c[1]) << c[0];
     }
 }
 
@@ -62,10 +45,11 @@ TEST(MbnIds, HexFormRoundTripsTheLimitIsKeptAndJsonIsEscaped)
     ASSERT_TRUE(mbn_parse_id("hex:00FFa0", &id));
     EXPECT_EQ(id.len, 3u);
     EXPECT_EQ(mbn_format_id(id.bytes, id.len), "hex:00ffa0");
-    EXPECT_FALSE(mbn_parse_id("hex:0", &id)) << "odd digit count";
-    EXPECT_FALSE(mbn_parse_id("hex:", &id)) << "empty";
-    EXPECT_TRUE(mbn_parse_id(std::string(124, 'a'), &id));
-    EXPECT_FALSE(mbn_parse_id(std::string(125, 'a'), &id));
+    /* An odd digit count and an empty hex form are refused; 124 bytes are
+     * the most. */
+    const bool odd = mbn_parse_id("hex:0", &id), empty = mbn_parse_id("hex:", &id);
+    const bool longest = mbn_parse_id(std::string(124, 'a'), &id), too_long = mbn_parse_id(std::string(125, 'a'), &id);
+    EXPECT_EQ(facts(odd, empty, longest, too_long), "0 0 1 0\n");
     /* Printable text that would read back as hex, or with blanks or quotes,
      * is shown in the hex form. */
     for (const std::string t : {"hex:ab", "a b", "a\"b"}) {

@@ -7,11 +7,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include "orvex_mem.h"
 #include "sim_fixture.h"
@@ -55,6 +52,14 @@ inline std::vector<std::string> orvex_lines(const std::string &path)
     for (const log_line &l : read_log_file(path, true)) {
         if (l.tag == "ORVEX") out.push_back(std::to_string(l.priority) + " " + l.text);
     }
+    return out;
+}
+
+/* The same lines, each ended by a newline. */
+inline std::string orvex_text(const std::string &path)
+{
+    std::string out;
+    for (const std::string &l : orvex_lines(path)) out += l + "\n";
     return out;
 }
 

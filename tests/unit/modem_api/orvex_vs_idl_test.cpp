@@ -3,11 +3,10 @@
  * 32-bit in C and 16-bit on the wire, and malformed lists refused. */
 #include <string.h>
 
-#include <memory>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "golden_data.h"
 #include "orvex_vs_service_v01.h"
 
 namespace {
@@ -21,7 +20,6 @@ int decode_stats_answer(const std::vector<uint8_t> &wire, orvex_vs_get_stats_res
 TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
 {
     auto resp = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
-    memset(resp.get(), 0, sizeof(*resp));
     resp->data_list_valid = 1;
     resp->data_list_len = ORVEX_VS_GET_STATS_LIST_MAX;
     for (uint32_t i = 0; i < ORVEX_VS_GET_STATS_LIST_MAX; i++) {
@@ -51,9 +49,7 @@ TEST(OrvexVsIdl, ResultWordsAndMalformedLists)
     /* A bare failure answer (result TLV 0x02 only: u16 1, u16 48). */
     orvex_vs_get_stats_resp_msg_v01 resp;
     ASSERT_EQ(decode_stats_answer({0x02, 0x04, 0x00, 0x01, 0x00, 0x30, 0x00}, &resp), 0);
-    EXPECT_EQ(resp.result, 1u);
-    EXPECT_EQ(resp.error, 48u);
-    EXPECT_EQ(resp.data_list_valid, 0);
+    EXPECT_EQ(facts(resp.result, resp.error, int(resp.data_list_valid)), "1 48 0\n");
     /* Eleven items announced: refused, never written past the list. */
     const uint16_t tlv_len = uint16_t(2 + 712 * 11);
     std::vector<uint8_t> eleven = {0x02, 0x04, 0, 0, 0, 0, 0, 0x10, uint8_t(tlv_len), uint8_t(tlv_len >> 8), 11, 0};

@@ -3,12 +3,11 @@
  * needed. */
 #include <string.h>
 
-#include <memory>
-#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
 
+#include "golden_data.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 #include "orvex_mem.h"
@@ -16,7 +15,7 @@
 
 namespace {
 
-std::atomic<int> g_sleeps{0};
+int g_sleeps = 0;
 sim_instance *g_open_sim = nullptr;
 
 /* The pause between attempts; the third brings the service back when
@@ -36,29 +35,17 @@ TEST(VsClientOpen, AbsentServiceGivesTenAttemptsAndAReturningOneIsTaken)
     g_vs_client.service_object = orvex_vs_get_service_object_v01();
     vs_client_set_sleep(count_sleep);
     g_sleeps = 0;
-    EXPECT_EQ(vs_client_init_client_handles(), 0);
-    EXPECT_EQ(g_sleeps, 9);
-    EXPECT_EQ(g_vs_client.client_handle, nullptr);
-    EXPECT_EQ(g_vs_client.initialised, 0u);
-    std::vector<std::string> expected = {"4 vs_client_init_client_handles: function entry",
-                                         "4 vs_client_get_master_port: using port 65535"};
-    for (int n = 1; n <= 9; n++) {
-        expected.push_back("4 vs_client_init_client_handles: Trying qmi_client_init_instance() try # " +
-                           std::to_string(n) + " port[65535]");
-    }
-    expected.push_back("4 vs_client_init_client_handles: qmi_client_init_instance returned (-3)");
-    expected.push_back("4 vs_client_init_client_handles: qmi_client_init_instance returned failure(-3)");
-    expected.push_back("4 vs_client_init_client_handles: function exit with ret 0");
-    EXPECT_EQ(orvex_lines(logcat), expected);
-
+    const int first = vs_client_init_client_handles();
+    std::string t = facts(first, g_sleeps, g_vs_client.client_handle != nullptr, g_vs_client.initialised);
     /* The service coming up during the retries is taken. */
     g_open_sim = &sim;
     g_sleeps = 0;
-    EXPECT_EQ(vs_client_init_client_handles(), 1);
+    const int second = vs_client_init_client_handles();
+    t += facts(second, g_sleeps, g_vs_client.initialised);
     vs_client_set_sleep(nullptr);
     g_open_sim = nullptr;
-    EXPECT_EQ(g_sleeps, 3);
-    EXPECT_EQ(g_vs_client.initialised, 1u);
+    EXPECT_EQ(t, "0 9 0 0\n1 3 1\n") << "result, sleeps, handle, initialised";
+    expect_golden(orvex_text(logcat), __FILE__, "vs_open.golden");
     qmi_client_release(g_vs_client.client_handle);
     g_vs_client.client_handle = nullptr;
     g_vs_client.initialised = 0;
@@ -143,16 +130,6 @@ int fail_thread_start(void *(*)(void *)) { return -1; }
 
 class VsClientLive : public ::testing::Test {
 protected:
-    /* Waits (bounded) until `line` is in the log. */
-    bool wait_line(const std::string &line)
-    {
-        long long end = monotonic_ms() + k_modem_api_wait_ms;
-        while (!has_line(orvex_lines(logcat), line)) {
-            if (monotonic_ms() > end) return false;
-            usleep(10000);
-        }
-        return true;
-    }
     void SetUp() override
     {
         ASSERT_TRUE(sim.start());
@@ -165,8 +142,7 @@ protected:
     void TearDown() override
     {
         modem_api_release();
-        EXPECT_EQ(g_vs_client.client_handle, nullptr);
-        EXPECT_EQ(g_vs_client.notifier_handle, nullptr);
+        EXPECT_EQ(facts(g_vs_client.client_handle != nullptr, g_vs_client.notifier_handle != nullptr), "0 0\n");
         g_inds = nullptr;
     }
     static void record_status(modem_api_qmi_client_e_type kind, modem_api_operational_status_type status, void *self)
@@ -198,7 +174,6 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
      * carry. */
     /* 0x0204 announcing 250 entries: exactly 100, count 100. */
     auto ant = std::make_unique<orvex_vs_ant_state_ind_msg_v01>();
-    memset(ant.get(), 0, sizeof(*ant));
     ant->sub = 1;
     ant->ant_state_len = 250;
     for (int i = 0; i < 250; i++) ant->ant_state[i] = uint8_t(i);
@@ -207,7 +182,6 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     vs_client_ind_hdlr(ORVEX_VS_ANT_STATE_IND_V01, ant.get());
     /* 0x0203 with 16 and 8 items of 900 bytes, no optional value. */
     auto report = std::make_unique<orvex_vs_stats_report_ind_msg_v01>();
-    memset(report.get(), 0, sizeof(*report));
     report->report_id = 77;
     report->primary_list_len = ORVEX_VS_REPORT_PRIMARY_MAX;
     report->secondary_list_len = ORVEX_VS_REPORT_SECONDARY_MAX;
@@ -234,31 +208,22 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     vs_client_unsol_ind_cb(nullptr, ORVEX_VS_ANT_STATE_IND_V01, nullptr, 0, nullptr);
 
     ASSERT_TRUE(inds.wait_count(8));
-    EXPECT_EQ(inds.values(), (std::vector<std::string>{
-                                 "ant 1 count 100 last 99 paths 15 3",
-                                 "report 1 counts 10 5 items 82/75 113/16 bytes 0 0 value 4294967295",
-                                 "type 5 bytes 3",
-                                 "ant 1 count 100 last 99 paths 15 3",
-                                 "report 77 counts 10 5 items 82/700 82/700 bytes 171 -1 value 4294967295",
-                                 "report 77 counts 2 5 items 82/700 82/3 bytes 171 0 value 2000",
-                                 "feature 85 flags 1 0",
-                                 "type 5 bytes 9",
-                             }));
     /* A malformed indication (count past its array) drops only itself. */
     sim.ctl_ok("ind vs 0x0204 01040001000000");
-    EXPECT_TRUE(wait_line("6 vs_client_unsol_ind_cb: Indication decode failed for msg 0x204 with error -46"));
+    const std::string decode_failed = "6 vs_client_unsol_ind_cb: Indication decode failed for msg 0x204 with error -46";
+    EXPECT_TRUE(poll_until([&] { return has_line(orvex_lines(logcat), decode_failed); }, k_modem_api_wait_ms));
 
     /* Asynchronous commands come back through the command callback. */
     ASSERT_EQ(modem_api_send_command(id, 0, "ping", 4, record_reply, &replies), MODEM_API_SUCCESS);
     ASSERT_TRUE(replies.wait_count(2));
-    ASSERT_EQ(modem_api_send_command(id, 1, nullptr, 0, record_reply, &replies), MODEM_API_SUCCESS);
-    ASSERT_TRUE(replies.wait_count(4));
-    ASSERT_EQ(modem_api_send_command(id, 9, nullptr, 0, record_reply, &replies), MODEM_API_SUCCESS);
-    ASSERT_TRUE(replies.wait_count(5));
+    for (uint32_t command : {1, 9}) {
+        ASSERT_EQ(modem_api_send_command(id, command, nullptr, 0, record_reply, &replies), MODEM_API_SUCCESS);
+        ASSERT_TRUE(replies.wait_count(command == 1 ? 4 : 5));
+    }
     /* The version text comes with its terminating zero; an unknown
-     * command is QMI error 94. */
-    EXPECT_EQ(replies.values(), (std::vector<std::string>{"0:ping", "2", std::string("0:RLKSIM-VS 1.1", 16), "2",
-                                                          std::to_string(MODEM_API_NOT_SUPPORTED)}));
+     * command is QMI error 94 (4, not supported). */
+    const std::vector<std::string> expected = {"0:ping", "2", std::string("0:RLKSIM-VS 1.1", 16), "2", "4"};
+    EXPECT_EQ(replies.values(), expected);
     /* Requests on no client are refused at once. */
     EXPECT_EQ(modem_api_send_command(5, 0, nullptr, 0, record_reply, &replies), MODEM_API_FAILURE);
 
@@ -267,25 +232,18 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     ASSERT_TRUE(statuses.wait_count(4));
     EXPECT_EQ(statuses.values(), (std::vector<int>{4, 5, 6, 3}));
     ASSERT_TRUE(events.wait_count(2));
-    EXPECT_EQ(events.values(), (std::vector<uint32_t>{MODEM_API_EVENT_SERVICE_DOWN, MODEM_API_EVENT_SERVICE_UP}));
-    EXPECT_EQ(g_vs_client.initialised, 1u);
-    EXPECT_EQ(g_vs_client.notifier_handle, nullptr);
+    EXPECT_EQ(facts(events.values()[0], events.values()[1], g_vs_client.initialised,
+                    g_vs_client.notifier_handle != nullptr),
+              facts(MODEM_API_EVENT_SERVICE_DOWN, MODEM_API_EVENT_SERVICE_UP, 1, false));
     sim.ctl_ok("vs ind event 42");
     ASSERT_TRUE(inds.wait_count(9));
-    EXPECT_EQ(inds.values()[8], "type 5 bytes 42");
+    std::string got;
+    for (const std::string &ind : inds.values()) got += ind + "\n";
+    expect_golden(got, __FILE__, "vs_indications.golden");
     /* Requests work on the new client. */
     EXPECT_EQ(modem_api_set_orvex_feature_status(id, ORVEX_VS_FEATURE_START), MODEM_API_SUCCESS);
     std::vector<std::string> lines = orvex_lines(logcat);
-    for (const char *line : {"4 vs_client_ind_hdlr: Handling indication msg 0x205",
-                             "6 vs_client_ind_hdlr: Unexpected NULL pointer!",
-                             "6 vs_client_unsol_ind_cb: Unexpected NULL pointer!",
-                             "6 vs_client_service_down_event: service down with error -2",
-                             "4 vs_client_enter_suspend: function entry",
-                             "4 vs_client_release_qmi_client_thread: qmi_client_notifier_init return 0",
-                             "4 vs_client_enter_resume: function entry",
-                             "4 vs_client_resume_qmi_client_thread: function entry"}) {
-        EXPECT_TRUE(has_line(lines, line)) << line;
-    }
+    for (const auto &row : data_rows(__FILE__, "vs_live_log.data")) EXPECT_TRUE(has_line(lines, row[0])) << row[0];
     /* The cell change from the wire and the direct one. */
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "4 vs_client_ind_hdlr: Unknown indication msg 205"), 2);
 }

@@ -1,10 +1,10 @@
 /* Opening and releasing the PDC client against a private simulator, the
  * indication decoder, and option 10's use of the client. */
-#include <thread>
 
 #include "../frontend/frontend_test_util.h"
 #include "tolvek_test_mbn.h"
 
+#include "../modem_api/golden_data.h"
 #include "pdc_test_util.h"
 
 namespace {
@@ -46,69 +46,50 @@ TEST_F(PdcClientTest, OpeningRetriesTwentyTimes)
     EXPECT_EQ(pdc_init(), -1);
     EXPECT_EQ(g_pdc_info.client_handle, nullptr);
     EXPECT_EQ(g_sleeps, std::vector<unsigned int>(PDC_INIT_ATTEMPTS, PDC_INIT_RETRY_SECONDS));
-    std::vector<std::string> l = log.lines(); /* 21 lines; the option 10 run checks the last */
-    ASSERT_EQ(l.size(), 21u);
-    EXPECT_EQ(l[1], "6 qmi_client_init returned failure (-3) for PDC, retry times 0");
-
     g_sleeps.clear();
     pdc_set_retry_sleep([](unsigned int seconds) {
         g_sleeps.push_back(seconds);
         if (g_sleeps.size() == 3) g_current->ctl_ok("up pdc");
     });
     EXPECT_EQ(pdc_init(), 0);
-    l = log.lines();
-    ASSERT_EQ(l.size(), 21u + 5);
-    EXPECT_EQ(l.back(), "4 qmi_client_init succeeds for PDC");
     pdc_clean();
     pdc_clean();
-    l = log.lines();
-    EXPECT_EQ(l.back(), "4 Release client connection to PDC");
-    EXPECT_EQ(std::count(l.begin(), l.end(), "4 Release client connection to PDC"), 1) << "nothing to release twice";
+    expect_golden(log.text(), __FILE__, "pdc_open.golden");
 }
 
+/* Unknown ids, short results, a page of 26 ids and a configuration change
+ * (no handler) never reach a handler. */
 TEST_F(PdcClientTest, DecoderDispatchesAndRefusesWhatItCannotDecode)
 {
     pdc_log_scope log;
     ASSERT_EQ(pdc_init(), 0);
     pdc_begin(PDC_OP_SELECT);
     deliver(QMI_PDC_SET_SELECTED_CONFIG_REQ_V01, {0x01, 0x02, 0x00, 0x00, 0x00});
-    EXPECT_EQ(outcome_of(PDC_OP_SELECT).done, 1u);
-    EXPECT_EQ(outcome_of(PDC_OP_SELECT).result, PDC_RESULT_SUCCESS);
-
+    EXPECT_EQ(outcome_of(PDC_OP_SELECT), "done 1 result 0 error 0\n");
     deliver(0x99, {});
     deliver(QMI_PDC_SET_SELECTED_CONFIG_REQ_V01, {0x01, 0x05, 0x00, 0x00});
-    /* A page claiming 26 ids never reaches the list handler. */
     std::vector<uint8_t> list = {0x01, 0x02, 0x00, 0x00, 0x00, 0x11, 0, 0, 26};
     for (int i = 0; i < 26; i++) list.insert(list.end(), {1, 0, 0, 0, 1, uint8_t('a' + i)});
     list[6] = uint8_t(list.size() - 8);
     list[7] = uint8_t((list.size() - 8) >> 8);
     deliver(QMI_PDC_LIST_CONFIGS_REQ_V01, list);
-    /* Decoded and dropped: no handler for a configuration change. */
     deliver(QMI_PDC_CONFIG_CHANGE_IND_V01, {0x01, 0x06, 0x00, 1, 0, 0, 0, 1, 'z'});
-    std::vector<std::string> l = log.lines();
-    ASSERT_EQ(l.size(), 5u);
-    EXPECT_EQ(std::vector<std::string>(l.begin() + 2, l.end()),
-              (std::vector<std::string>{"6 failed to get message c_struct len",
-                                        "6 failed to decode qmi message, msg_id: 0x23",
-                                        "6 failed to decode qmi message, msg_id: 0x24"}));
+    expect_golden(log.text(), __FILE__, "pdc_decoder.golden");
 }
 
-/* Option 10 opens the client once per process and reuses it; a forced
- * initialisation releases it and opens it again. */
+/* Option 10 opens the client once per process and reuses it (PDC
+ * untouched, nothing printed); a forced initialisation releases it and
+ * opens it again. */
 TEST_F(PdcClientTest, GroupOpensTheClientOnceUnlessForced)
 {
     pdc_log_scope log;
     g_pdc_init_status = -1;
-    capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(0), 0); });
-    size_t after_first = log.lines().size();
-    std::string out = capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(0), 0); });
-    EXPECT_EQ(log.lines().size(), after_first) << "open already: PDC untouched";
-    EXPECT_EQ(out.find("start tolvek pdc init"), std::string::npos);
-    capture_stdout([] { EXPECT_EQ(tolvek_test_mbn_pdc_init(1), 0); });
-    std::vector<std::string> l = log.lines();
-    ASSERT_EQ(l.size(), after_first + 3);
-    EXPECT_EQ(l[after_first], "4 Release client connection to PDC");
-    EXPECT_EQ(l.back(), "4 qmi_client_init succeeds for PDC");
+    std::string t;
+    for (int force : {0, 0, 1}) {
+        t += without_line_numbers(capture_stdout([force] { EXPECT_EQ(tolvek_test_mbn_pdc_init(force), 0); }));
+        t += "--- PDC log so far\n" + log.text();
+    }
+    expect_golden(t, __FILE__, "pdc_group_init.golden");
     g_pdc_init_status = -1;
 }
 

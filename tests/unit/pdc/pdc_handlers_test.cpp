@@ -1,9 +1,10 @@
 /* The PDC indication handlers: what each stores for every outcome, the
  * lines it writes, the waits on their outcomes, and the list handler's
- * pages. */
-#include <memory>
+ * pages.  Stored outcomes and log lines are compared whole with golden
+ * transcripts. */
 #include <thread>
 
+#include "../modem_api/golden_data.h"
 #include "pdc_test_util.h"
 
 namespace {
@@ -12,14 +13,14 @@ typedef void (*handler_fn)(void *, uint32_t);
 
 pdc_generic_ind_msg_v01 generic_ind(int32_t error, uint32_t token = 0)
 {
-    pdc_generic_ind_msg_v01 ind;
-    memset(&ind, 0, sizeof(ind));
+    pdc_generic_ind_msg_v01 ind = {};
     ind.error = error;
     ind.ind_token_valid = token != 0;
     ind.ind_token = token;
     return ind;
 }
 
+/* Each handler without data, with error 3 and with success. */
 TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
 {
     const std::pair<pdc_op, handler_fn> handlers[] = {
@@ -27,23 +28,21 @@ TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
         {PDC_OP_ACTIVATE, qmi_pdc_activate_config_ind_hdlr}, {PDC_OP_DEACTIVATE, qmi_pdc_deactivate_config_ind_hdlr},
         {PDC_OP_SET_FEATURE, qmi_pdc_set_feature_ind_hdlr},
     };
+    std::string t;
     for (const auto &h : handlers) {
-        SCOPED_TRACE(h.first);
         pdc_log_scope log;
+        t += "op " + std::to_string(h.first) + "\n";
         h.second(nullptr, 0);
-        EXPECT_EQ(outcome_of(h.first).result, PDC_RESULT_GENERAL_ERROR);
-        EXPECT_EQ(outcome_of(h.first).done, 1u);
+        t += outcome_of(h.first);
         for (int32_t error : {3, 0}) {
             pdc_begin(h.first);
             pdc_generic_ind_msg_v01 ind = generic_ind(error);
             h.second(&ind, sizeof(ind));
-            EXPECT_EQ(outcome_of(h.first).result, error ? PDC_RESULT_GENERAL_ERROR : PDC_RESULT_SUCCESS);
-            EXPECT_EQ(outcome_of(h.first).qmi_error, error);
-            EXPECT_EQ(outcome_of(h.first).done, 1u);
+            t += outcome_of(h.first);
         }
-        EXPECT_EQ(log.lines(),
-                  (std::vector<std::string>{"6 NULL pointer for ind_data_ptr", "6 QMI error, error code: 3"}));
+        t += log.text();
     }
+    expect_golden(t, __FILE__, "pdc_simple_handlers.golden");
 }
 
 /* A waiter is woken by its own outcome only (not by one with another
@@ -67,9 +66,9 @@ TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
     long long start = monotonic_ms();
     qmi_pdc_select_config_ind_hdlr(&ours, sizeof(ours));
     waiter.join();
-    EXPECT_EQ(status, PDC_WAIT_DONE);
-    EXPECT_LT(monotonic_ms() - start, 1000);
-    EXPECT_EQ(outcome_of(PDC_OP_SELECT).result, PDC_RESULT_SUCCESS) << "the outcome is our request's";
+    /* Done at once, and the outcome is our request's. */
+    EXPECT_EQ(facts(status, monotonic_ms() - start < 1000) + outcome_of(PDC_OP_SELECT),
+              facts(PDC_WAIT_DONE, 1) + "done 1 result 0 error 0\n");
 
     pdc_begin(PDC_OP_DELETE);
     qmi_pdc_delete_config_ind_hdlr(&ours, sizeof(ours));
@@ -78,9 +77,9 @@ TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
     /* Without an outcome: the time-out, or a cancel at once. */
     pdc_begin(PDC_OP_ACTIVATE);
     start = monotonic_ms();
-    EXPECT_EQ(pdc_wait_outcome(PDC_OP_ACTIVATE, 50), PDC_WAIT_TIMEOUT);
-    EXPECT_GE(monotonic_ms() - start, 50);
-    EXPECT_EQ(*pdc_slot_of(PDC_OP_ACTIVATE).in_progress, 0u);
+    const pdc_wait_status timed_out = pdc_wait_outcome(PDC_OP_ACTIVATE, 50);
+    EXPECT_EQ(facts(timed_out, monotonic_ms() - start >= 50, *pdc_slot_of(PDC_OP_ACTIVATE).in_progress),
+              facts(PDC_WAIT_TIMEOUT, 1, 0));
 
     pdc_begin(PDC_OP_ACTIVATE);
     status = PDC_WAIT_DONE;
@@ -93,68 +92,51 @@ TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
 }
 
 /* Every outcome of a load frame, and its progress: kept only on success,
- * and only where its flag is set. */
+ * and only where its flag is set (the remaining size has none: 5 stays).
+ * An error wins over a reset flag. */
 TEST(PdcLoadHandler, OutcomesStoreTheirCodesAndProgress)
 {
-    const struct {
-        int32_t error;
-        bool reset;
-        int8_t result;
-        std::vector<std::string> lines;
-    } cases[] = {
-        {0, false, PDC_RESULT_SUCCESS, {}},
-        {2, false, PDC_RESULT_NO_MEMORY, {"6 no memory in modem EFS"}},
-        {41, false, PDC_RESULT_CONFIG_EXISTS, {"6 Invalid config id, maybe already exists"}},
-        {7, false, PDC_RESULT_GENERAL_ERROR, {"6 load configuration error, code = 7"}},
-        {0, true, PDC_RESULT_FRAME_RESET, {"6 PDC frame data is reset"}},
-        /* An error wins over a reset flag. */
-        {41, true, PDC_RESULT_CONFIG_EXISTS, {"6 Invalid config id, maybe already exists"}},
-    };
+    const std::pair<int32_t, bool> cases[] = {{0, false}, {2, false}, {41, false}, {7, false}, {0, true}, {41, true}};
+    std::string t;
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.error + 100 * c.reset);
         pdc_log_scope log;
-        pdc_load_config_ind_msg_v01 ind;
-        memset(&ind, 0, sizeof(ind));
-        ind.error = c.error;
-        ind.frame_data_reset_valid = c.reset;
+        pdc_load_config_ind_msg_v01 ind = {};
+        ind.error = c.first;
+        ind.frame_data_reset_valid = c.second;
         ind.received_config_size_valid = 1;
         ind.received_config_size = 1024;
-        ind.remaining_config_size = 777; /* no flag: ignored */
+        ind.remaining_config_size = 777;
         g_pdc_info.slots.load.remaining_config_size = 5;
         qmi_pdc_load_config_ind_hdlr(&ind, sizeof(ind));
-        EXPECT_EQ(outcome_of(PDC_OP_LOAD).result, c.result);
-        EXPECT_EQ(outcome_of(PDC_OP_LOAD).done, 1u);
-        EXPECT_EQ(log.lines(), c.lines);
-        EXPECT_EQ(g_pdc_info.slots.load.received_config_size, c.result == PDC_RESULT_SUCCESS ? 1024u : 0u);
-        EXPECT_EQ(g_pdc_info.slots.load.remaining_config_size, 5u);
-        EXPECT_EQ(ind.frame_data_reset, c.result == PDC_RESULT_FRAME_RESET);
+        const auto &slot = g_pdc_info.slots.load;
+        t += "error " + std::to_string(c.first) + " reset " + std::to_string(c.second) + ": " + outcome_of(PDC_OP_LOAD);
+        t += "received " + std::to_string(slot.received_config_size) + " remaining " +
+             std::to_string(slot.remaining_config_size) + " frame reset " + std::to_string(ind.frame_data_reset) + "\n";
+        t += log.text();
     }
     pdc_log_scope log;
     qmi_pdc_load_config_ind_hdlr(nullptr, 0);
-    EXPECT_EQ(outcome_of(PDC_OP_LOAD).result, PDC_RESULT_GENERAL_ERROR);
-    EXPECT_EQ(log.lines(), std::vector<std::string>{"6 NULL pointer for ind_dat_ptr"});
+    t += "null: " + outcome_of(PDC_OP_LOAD) + log.text();
+    expect_golden(t, __FILE__, "pdc_load_handler.golden");
 }
 
+/* Nothing is kept from a failed query. */
 TEST(PdcQueryHandlers, SelectedAndInfoKeepWhatTheModemSaid)
 {
     pdc_log_scope log;
     auto sel = std::make_unique<pdc_get_selected_config_ind_msg_v01>();
-    memset(sel.get(), 0, sizeof(*sel));
     sel->active_config_id_valid = 1;
     sel->active_config_id_len = 3;
     memcpy(sel->active_config_id, "abc", 3);
-    qmi_pdc_get_selected_config_ind_hdlr(sel.get(), sizeof(*sel));
-    EXPECT_EQ(outcome_of(PDC_OP_GET_SELECTED).result, PDC_RESULT_SUCCESS);
-    EXPECT_EQ(g_pdc_info.slots.get_selected.active_config_id_len, 3u);
-    EXPECT_EQ(g_pdc_info.slots.get_selected.pending_config_id_len, 0u);
-
-    sel->error = 16;
-    qmi_pdc_get_selected_config_ind_hdlr(sel.get(), sizeof(*sel));
-    EXPECT_EQ(outcome_of(PDC_OP_GET_SELECTED).result, PDC_RESULT_GENERAL_ERROR);
-    EXPECT_EQ(g_pdc_info.slots.get_selected.active_config_id_len, 0u) << "nothing kept from a failed query";
-
+    const auto &kept = g_pdc_info.slots.get_selected;
+    std::string t;
+    for (int32_t error : {0, 16}) {
+        sel->error = error;
+        qmi_pdc_get_selected_config_ind_hdlr(sel.get(), sizeof(*sel));
+        t += outcome_of(PDC_OP_GET_SELECTED) + "active " + std::to_string(kept.active_config_id_len) + " pending " +
+             std::to_string(kept.pending_config_id_len) + "\n";
+    }
     auto info = std::make_unique<pdc_get_config_info_ind_msg_v01>();
-    memset(info.get(), 0, sizeof(*info));
     info->config_desc_valid = 1;
     info->config_desc_len = 4;
     memcpy(info->config_desc, "desc", 4);
@@ -162,10 +144,9 @@ TEST(PdcQueryHandlers, SelectedAndInfoKeepWhatTheModemSaid)
     info->config_version = 0x05010823;
     qmi_pdc_get_config_info_ind_hdlr(info.get(), sizeof(*info));
     const pdc_config_info_slot &s = g_pdc_info.slots.get_config_info;
-    EXPECT_EQ(std::string(reinterpret_cast<const char *>(s.config_desc), s.config_desc_len), "desc");
-    EXPECT_EQ(s.config_version, 0x05010823u);
-    EXPECT_EQ(s.config_size_valid, 0);
-    EXPECT_EQ(log.lines(), std::vector<std::string>{"6 QMI error, error code: 16"});
+    t += std::string(reinterpret_cast<const char *>(s.config_desc), s.config_desc_len) + " version " +
+         std::to_string(s.config_version) + " size valid " + std::to_string(s.config_size_valid) + "\n";
+    expect_golden(t + log.text(), __FILE__, "pdc_query_handlers.golden");
 }
 
 class PdcListHandler : public ::testing::Test {
@@ -183,11 +164,11 @@ protected:
         g_pdc_info.slots.list.num_of_configs = num;
         g_pdc_info.slots.list.config_list_holder = holder;
     }
-    /* Hands the handler one page of `n` ids named <prefix><i>. */
+    /* Hands the handler one page of `n` ids named <prefix><i>, and notes
+     * the outcome, the count and the token for the next page. */
     void page(uint32_t n, bool more, const std::string &prefix, uint32_t token = 7, uint8_t list_valid = 1)
     {
         auto ind = std::make_unique<pdc_list_configs_ind_msg_v01>();
-        memset(ind.get(), 0, sizeof(*ind));
         ind->ind_token_valid = token != 0;
         ind->ind_token = token;
         ind->config_list_valid = list_valid;
@@ -200,11 +181,28 @@ protected:
         ind->more_available_valid = 1;
         ind->more_available = more;
         qmi_pdc_list_configs_ind_hdlr(ind.get(), sizeof(*ind));
+        t += "page " + prefix + std::to_string(n) + ": " + outcome_of(PDC_OP_LIST) + "count " + std::to_string(count) +
+             " token " + std::to_string(g_pdc_info.slots.list.ind_token) + "\n";
+    }
+    /* The list, newest first, then the log with the indication's address
+     * replaced by "PTR". */
+    void expect_transcript(const std::string &name)
+    {
+        for (pdc_config_list_element *e = head; e; e = e->next) {
+            t += std::string(reinterpret_cast<const char *>(e->config_id), e->config_id_len) + " ";
+        }
+        std::string l = log.text();
+        const std::string at = "ind_data_ptr = ";
+        for (size_t p = l.find(at); p != std::string::npos; p = l.find(at, p + 1)) {
+            l.replace(p + at.size(), l.find(',', p) - p - at.size(), "PTR");
+        }
+        expect_golden(t + "\n" + l, __FILE__, name);
     }
 
     pdc_log_scope log;
     uint32_t count = 0;
     pdc_config_list_element *head = nullptr;
+    std::string t;
 };
 
 /* 26 entries, an empty list and no list at all: each ends the list with
@@ -212,54 +210,27 @@ protected:
 TEST_F(PdcListHandler, BadPagesAreRefusedWithoutAnElement)
 {
     page(26, false, "x");
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_GENERAL_ERROR);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).done, 1u);
     page(0, false, "x");
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_GENERAL_ERROR);
     page(0, false, "x", 7, 0);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_NO_MBN);
-    EXPECT_EQ(head, nullptr);
-    EXPECT_EQ(count, 0u);
-    std::vector<std::string> l = log.lines();
-    ASSERT_EQ(l.size(), 6u);
-    EXPECT_EQ(l[1], "6 PDC_ERROR, more_available_valid 1, ind_token_valid 1, more_available 0, config_list_len 26");
-    EXPECT_EQ(l[3], "6 PDC_ERROR, more_available_valid 1, ind_token_valid 1, more_available 0, config_list_len 0");
-    EXPECT_EQ(l[5], "6 None MBN available in modem EFS");
+    expect_transcript("pdc_list_bad_pages.golden");
 }
 
+/* Only the last page wakes the waiter; the next page is asked for with the
+ * token of the one before; new elements go to the head. */
 TEST_F(PdcListHandler, PagesAccumulateAndOnlyTheLastWakesTheWaiter)
 {
     page(25, true, "a", 41);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).done, 0u) << "more to come: the waiter keeps waiting";
-    EXPECT_EQ(count, 25u);
-    EXPECT_EQ(g_pdc_info.slots.list.ind_token, 41u) << "the next page is asked for with this token";
     page(3, false, "b", 41);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).done, 1u);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_SUCCESS);
-    EXPECT_EQ(count, 28u);
-    std::vector<std::string> got;
-    for (pdc_config_list_element *e = head; e; e = e->next) {
-        got.emplace_back(reinterpret_cast<const char *>(e->config_id), e->config_id_len);
-    }
-    ASSERT_EQ(got.size(), 28u);
-    EXPECT_EQ(got.front(), "b2") << "new elements go to the head";
-    EXPECT_EQ(got.back(), "a0");
-    std::vector<std::string> l = log.lines();
-    EXPECT_EQ(std::vector<std::string>(l.begin() + 1, l.begin() + 5),
-              (std::vector<std::string>{
-                  "4 succeed to get config_list 1 ", "4 config_list_len 25, old num_of_configs 0",
-                  "4 new num_of_configs 25",
-                  "4 PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 1, get_list_complete 0"}));
-    EXPECT_EQ(l.back(), "4 PDC_SUCCESS, more_available_valid 1, ind_token_valid 1, more_available 0, get_list_complete 1");
+    expect_transcript("pdc_list_pages.golden");
 }
 
 TEST_F(PdcListHandler, MoreWithoutATokenEndsTheList)
 {
     page(2, true, "a", 0);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).done, 1u);
-    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(t, "page a2: done 1 result 0 error 0\ncount 2 token 0\n");
 }
 
+/* Not running, or no count: nothing; no list head: counted, no element. */
 TEST_F(PdcListHandler, NotRunningOrNoCountDoesNothing)
 {
     set_list(0, nullptr, nullptr);
@@ -268,14 +239,7 @@ TEST_F(PdcListHandler, NotRunningOrNoCountDoesNothing)
     page(2, false, "a");
     set_list(1, &count, nullptr);
     page(2, false, "a");
-    EXPECT_EQ(count, 2u) << "counted, then no list head to add to";
-    EXPECT_EQ(head, nullptr);
-    EXPECT_EQ(outcome_of(PDC_OP_LIST).result, PDC_RESULT_GENERAL_ERROR);
-    std::vector<std::string> l = log.lines();
-    ASSERT_EQ(l.size(), 9u);
-    EXPECT_EQ(l[1], "6 g_pdc_info.num_of_configs is null");
-    EXPECT_EQ(l[3], "6 g_pdc_info.is_pdc_list_handling is not running, do nothing");
-    EXPECT_EQ(l[8], "6 g_pdc_info.config_list_holder is null, quit");
+    expect_transcript("pdc_list_not_running.golden");
 }
 
 }  // namespace

@@ -3,17 +3,14 @@
 #ifndef RLK_PDC_TEST_UTIL_H
 #define RLK_PDC_TEST_UTIL_H
 
-#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "golden.h"
 #include "pdc_requests.h"
 #include "pdc_utils.h"
 #include "sim_fixture.h"
@@ -32,23 +29,24 @@ public:
         setenv("RLK_LOGCAT_FILE", path_.c_str(), 1);
         qmi_pdc_init_pdc_info();
         pdc_reset_cancel();
-        start_ = lines().size(); /* after the record's own "init done" line */
+        start_ = read_log_file(path_, true).size(); /* after the record's own "init done" line */
     }
     ~pdc_log_scope()
     {
         saved_.empty() ? unsetenv("RLK_LOGCAT_FILE") : setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
         unlink(path_.c_str());
     }
-    /* "<priority> <message>" of every PDC_UTIL line since the scope began. */
-    std::vector<std::string> lines() const
+    /* "<priority> <message>" of every PDC_UTIL line since the scope began,
+     * each ended by a newline. */
+    std::string text() const
     {
-        std::vector<std::string> out;
+        std::string out;
+        size_t n = 0;
         for (const log_line &l : read_log_file(path_, true)) {
             EXPECT_EQ(l.buffer, 1);
             EXPECT_EQ(l.tag, "PDC_UTIL");
-            out.push_back(std::to_string(l.priority) + " " + l.text);
+            if (n++ >= start_) out += std::to_string(l.priority) + " " + l.text + "\n";
         }
-        out.erase(out.begin(), out.begin() + long(std::min(start_, out.size())));
         return out;
     }
 
@@ -57,17 +55,13 @@ private:
     size_t start_ = 0;
 };
 
-/* The stored outcome of `op`, read under the PDC mutex. */
-struct pdc_outcome_copy {
-    uint32_t done;
-    int8_t result;
-    uint16_t qmi_error;
-};
-inline pdc_outcome_copy outcome_of(pdc_op op)
+/* The stored outcome of `op` as one line, read under the PDC mutex. */
+inline std::string outcome_of(pdc_op op)
 {
     std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
     pdc_slot_view v = pdc_slot_of(op);
-    return {*v.done, *v.result, *v.qmi_error};
+    return "done " + std::to_string(*v.done) + " result " + std::to_string(*v.result) + " error " +
+           std::to_string(*v.qmi_error) + "\n";
 }
 
 #endif

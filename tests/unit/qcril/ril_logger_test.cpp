@@ -1,14 +1,12 @@
 /* The RIL logger and the qcril allocation pair. */
 #include <gtest/gtest.h>
-#include <stdint.h>
 #include <stdio.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
-#include <string>
-#include <vector>
 
 #include "Logger.h"
+#include "golden.h"
 #include "qcril_memory_management.h"
 
 using namespace qti::ril::logger;
@@ -70,19 +68,15 @@ TEST(RilLogger, StdoutLoggerLinesAndLevelNames)
     std::shared_ptr<LoggerImpl> impl = factory.getLoggerImpl();
     ASSERT_TRUE(impl);
     EXPECT_EQ(impl, factory.getLoggerImpl()) << "one shared implementation";
-    EXPECT_EQ(impl->name(), "stdout");
     ASSERT_EQ(impl->params().size(), 1u);
-    EXPECT_EQ(impl->params()[0].name, "level");
-    EXPECT_EQ(impl->params()[0].description, "Set the maximum level to log at.");
+    EXPECT_EQ(impl->name() + "; " + impl->params()[0].name + ": " + impl->params()[0].description,
+              "stdout; level: Set the maximum level to log at.");
+    /* Every level's name; long messages are cut at 1023 characters. */
     testing::internal::CaptureStdout();
     for (unsigned lv = 0; lv < k_log_level_count; lv++) impl->vlog(LogLevel(lv), "t", "m");
     Logger::instance().log(INFO, "tag", "%s %d", "x", 5);
-    /* Long messages are cut at 1023 characters. */
     Logger::instance().log(DEBUG, "t", "%s", std::string(3000, 'a').c_str());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "[ESSENTIAL :t]: m\n[VERBOSE   :t]: m\n[DEBUG     :t]: m\n[INFO      :t]: m\n"
-              "[WARN      :t]: m\n[HIGH      :t]: m\n[FATAL     :t]: m\n[MAX       :t]: m\n"
-              "[INFO      :tag]: x 5\n[DEBUG     :t]: " + std::string(1023, 'a') + "\n");
+    expect_golden(testing::internal::GetCapturedStdout(), __FILE__, "stdout_logger.golden");
 }
 
 TEST(RilLoggerDeathTest, LevelEightAborts)

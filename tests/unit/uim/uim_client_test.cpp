@@ -1,15 +1,10 @@
 /* The UIM client against a private simulator: failure counting and
  * recovery, the subsystem-restart flag, the EID answer, indication 0x61,
  * and the ISD-R's answers to well- and badly-formed APDUs. */
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <atomic>
-#include <memory>
-
 #include <gtest/gtest.h>
 
+
+#include "../modem_api/golden_data.h"
 #include "euicc_es10.h"
 #include "sim_fixture.h"
 #include "tolvek_log.h"
@@ -26,8 +21,7 @@ constexpr int k_wait_ms = 3000;
 /* A dropped request times out after this long (instead of 3 s). */
 constexpr unsigned k_short_timeout_ms = 300;
 constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
-const std::vector<uint8_t> k_seed_eid = {0x89, 0x04, 0x90, 0x32, 0x00, 0x00, 0x01, 0x00,
-                                         0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x74};
+const std::string k_seed_eid = "89049032000001000000000000000074";
 
 /* The unit-test binary links with --wrap=qmi_client_send_msg_sync: the next
  * g_forced_sends calls give g_forced_send_result without sending. */
@@ -55,12 +49,12 @@ protected:
         tolvek_uim_power_params p = {up, slot, 1};
         return tolvek_uim_request_uicc_power_ex(&p);
     }
-    /* The EID the client gives for `slot`, over a buffer of 0xAA. */
-    std::vector<uint8_t> eid_of(uint8_t slot)
+    /* The EID the client gives for `slot`, over a buffer of 0xAA, in hex. */
+    std::string eid_of(uint8_t slot)
     {
         std::vector<uint8_t> eid(TOLVEK_UIM_EID_LEN, 0xAA);
         EXPECT_EQ(tolvek_uim_request_eid(&slot, eid.data()), 0);
-        return eid;
+        return hex(eid.data(), eid.size());
     }
     bool logged(const std::string &text) const
     {
@@ -91,16 +85,14 @@ TEST_F(UimClientTest, ThreeFailedRequestsDropTheHandleAndTheFourthReconnects)
             g_forced_sends = 3;
         }
         for (uint32_t i = 1; i <= 3; i++) {
-            EXPECT_EQ(power(0), rc);
-            EXPECT_EQ(failed_cnt.load(), i);
-            EXPECT_EQ(uim_qmi_client.load() == nullptr, i == 3) << "after failure " << i << " of " << rc;
+            const int result = power(0);
+            EXPECT_EQ(facts(result, failed_cnt.load(), uim_qmi_client.load() == nullptr), facts(rc, i, i == 3));
         }
         expect_logged({"send msg sync client error = " + std::to_string(rc) + ", failed_cnt = 3",
                        "uicc_power_ex res = " + std::to_string(rc) + ", failed_cnt = 3", "QMI error, try recovery"});
         g_tolvek_uim_sync_timeout_ms = TOLVEK_UIM_SYNC_TIMEOUT_MS;
-        EXPECT_EQ(power(0), 0);
-        EXPECT_NE(uim_qmi_client.load(), nullptr);
-        EXPECT_EQ(failed_cnt.load(), 0u);
+        const int result = power(0);
+        EXPECT_EQ(facts(result, uim_qmi_client.load() != nullptr, failed_cnt.load()), "0 1 0\n");
         EXPECT_TRUE(logged("tolvek_uim_request_uicc_power_ex try init_uim_qmi_client"));
     }
 }
@@ -109,9 +101,8 @@ TEST_F(UimClientTest, ServiceGoneInTheMiddleOfARequestRecoversAtOnce)
 {
     ASSERT_EQ(power(1), 0);
     sim.ctl_ok("uim crash-on 0x31 50");
-    EXPECT_EQ(power(1), QMI_SERVICE_ERR);
-    EXPECT_EQ(uim_qmi_client.load(), nullptr);
-    EXPECT_EQ(failed_cnt.load(), 1u);
+    const int result = power(1);
+    EXPECT_EQ(facts(result, uim_qmi_client.load() == nullptr, failed_cnt.load()), facts(QMI_SERVICE_ERR, 1, 1));
     /* The next request waits for the service to come back. */
     EXPECT_EQ(power(1), 0);
     EXPECT_EQ(failed_cnt.load(), 0u);
@@ -130,7 +121,7 @@ TEST_F(UimClientTest, SubsystemRestartSetsTheFlagAndTheNextRequestReconnects)
 
 TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValidAndIndicationsAreDecoded)
 {
-    const std::vector<uint8_t> untouched(TOLVEK_UIM_EID_LEN, 0xAA);
+    const std::string untouched(2 * TOLVEK_UIM_EID_LEN, 'a');
     EXPECT_EQ(eid_of(k_slot2), k_seed_eid); /* the eUICC's EID */
     EXPECT_EQ(eid_of(k_slot1), untouched);  /* success, but no EID: validity 0 */
     sim.ctl_ok("error uim 0x65 0x5A 1");
@@ -147,50 +138,23 @@ TEST_F(UimClientTest, EidIsCopiedOnlyWhenTheAnswerIsValidAndIndicationsAreDecode
     EXPECT_TRUE(poll_until([&] { return logged("msg_id 72"); }, k_wait_ms));
 }
 
-/* A STORE DATA command on `channel` carrying `data`, with byte `at` of
- * the command set to `value` when `at` is given. */
-std::vector<uint8_t> store_data(uint8_t channel, std::vector<uint8_t> data, int at = -1, uint8_t value = 0)
-{
-    const uint8_t head[] = {es10_store_data_cla(channel), k_es10_ins_store_data, k_es10_p1_last_block, 0,
-                            uint8_t(data.size())};
-    data.insert(data.begin(), head, head + sizeof(head));
-    data.push_back(0);
-    if (at >= 0) data[size_t(at)] = value;
-    return data;
-}
-
 TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
 {
     uint8_t ch = 0;
     uint16_t sw = 0;
     ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &ch, &sw), 0);
     EXPECT_EQ(sw, k_sw_ok);
-    /* Delete of the enabled profile 89445000000000000017. */
-    const std::vector<uint8_t> delete_enabled = {0xBF, 0x33, 0x0C, 0x5A, 0x0A, 0x98, 0x44, 0x05, 0x00,
-                                                 0x00, 0x00, 0x00, 0x00, 0x00, 0x71};
-    const std::vector<uint8_t> list = {0xBF, 0x2D, 0x00};
-    const struct {
-        const char *what;
+    ASSERT_EQ(ch, 1);
+    for (const auto &c : data_rows(__FILE__, "isdr_apdus.data")) {
         std::vector<uint8_t> apdu;
-        uint8_t on_channel;
-        std::vector<uint8_t> tail; /* last bytes of the answer */
-    } cases[] = {
-        {"list", store_data(ch, list), ch, {0x90, 0x00}},
-        {"unknown ES10 tag", store_data(ch, {0xBF, 0x3E, 0x00}), ch, {0x6A, 0x88}},
-        {"delete of the enabled profile", store_data(ch, delete_enabled), ch, {0x80, 0x01, 0x02, 0x90, 0x00}},
-        {"class byte of another channel", store_data(ch, list, 0, 0x00), ch, {0x6E, 0x00}},
-        {"not STORE DATA", store_data(ch, list, 1, 0xCA), ch, {0x6D, 0x00}},
-        {"Lc beyond the data", store_data(ch, list, 4, 9), ch, {0x67, 0x00}},
-        {"truncated TLV", store_data(ch, {0xBF, 0x2D, 0x05}), ch, {0x6A, 0x80}},
-        {"channel not open", store_data(3, list), 3, {0x68, 0x81}},
-    };
-    for (const auto &c : cases) {
+        for (size_t i = 0; i + 1 < c[2].size(); i += 2) {
+            apdu.push_back(uint8_t(std::stoul(c[2].substr(i, 2), nullptr, 16)));
+        }
         uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
         uint32_t len = sizeof(rsp);
-        ASSERT_EQ(tolvek_uim_send_apdu(k_slot2, c.on_channel, c.apdu.data(), uint32_t(c.apdu.size()), rsp, &len), 0)
-            << c.what;
-        ASSERT_GE(len, c.tail.size()) << c.what;
-        EXPECT_EQ(std::vector<uint8_t>(rsp + len - c.tail.size(), rsp + len), c.tail) << c.what;
+        uint8_t channel = uint8_t(std::stoi(c[1]));
+        ASSERT_EQ(tolvek_uim_send_apdu(k_slot2, channel, apdu.data(), uint32_t(apdu.size()), rsp, &len), 0) << c[0];
+        EXPECT_EQ(hex(rsp, len), c[3]) << c[0];
     }
     EXPECT_EQ(tolvek_uim_close_logical_channel(k_slot2, ch), 0);
     /* Closing twice and opening an unknown application are refused. */
@@ -212,36 +176,29 @@ TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
                                        k_wait_ms, &client),
               QMI_NO_ERR);
     auto card_msg = std::make_unique<uim_get_card_status_resp_msg_v01>();
+    uim_get_card_status_resp_msg_v01 &card = *card_msg;
     uim_get_slots_status_resp_msg_v01 slots;
+    std::ostringstream t;
     for (bool on : {true, false}) {
         ASSERT_EQ(on ? 0 : power(0), 0);
-        uim_get_card_status_resp_msg_v01 &card = *card_msg;
         ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, &card, sizeof(card),
                                            k_wait_ms),
                   QMI_NO_ERR);
-        EXPECT_EQ(card.resp.result, 0);
-        ASSERT_EQ(card.card_status.card_info_len, 2u);
-        EXPECT_EQ(card.card_status.index_gw_pri, 0x0000);
-        EXPECT_EQ(card.card_status.index_gw_sec, on ? 0x0100 : QMI_UIM_NO_APP_INDEX_V01);
-        const uim_card_info_type_v01 &c2 = card.card_status.card_info[1];
-        EXPECT_EQ(c2.card_state, on ? 1 : 2);
-        EXPECT_EQ(c2.error_code, on ? 0 : 1);
-        EXPECT_EQ(c2.app_info_len, on ? 1u : 0u);
-        EXPECT_EQ(c2.app_info[0].app_state, on ? 7 : c2.app_info[0].app_state);
-
         ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_SLOTS_STATUS_REQ_V01, nullptr, 0, &slots,
                                            sizeof(slots), k_wait_ms),
                   QMI_NO_ERR);
-        ASSERT_EQ(slots.status.physical_slot_status_len, 2u);
-        EXPECT_EQ(slots.status.physical_slot_status[1].physical_slot_state,
-                  uint32_t(on ? UIM_SLOT_STATE_ACTIVE_V01 : UIM_SLOT_STATE_INACTIVE_V01));
-        ASSERT_EQ(slots.status.eid_info_len, 2u);
-        EXPECT_EQ(slots.status.eid_info[0].eid_len, 0u);
-        EXPECT_EQ(slots.status.eid_info[1].eid_len, uint32_t(TOLVEK_UIM_EID_LEN));
-        const uint8_t *eid = slots.status.eid_info[1].eid;
-        EXPECT_EQ(std::vector<uint8_t>(eid, eid + TOLVEK_UIM_EID_LEN), k_seed_eid);
+        const uim_card_info_type_v01 &c2 = card.card_status.card_info[1];
+        const auto &st = slots.status;
+        t << "power " << on << ": result " << card.resp.result << " cards " << card.card_status.card_info_len
+          << " gw apps " << std::hex << card.card_status.index_gw_pri << " " << card.card_status.index_gw_sec
+          << std::dec << "\ncard 2: state " << int(c2.card_state) << " error " << int(c2.error_code) << " apps "
+          << c2.app_info_len << " first app state " << (c2.app_info_len ? int(c2.app_info[0].app_state) : -1)
+          << "\nslots " << st.physical_slot_status_len << ": slot 2 state " << st.physical_slot_status[1].physical_slot_state
+          << ", eids " << st.eid_info_len << ": " << hex(st.eid_info[0].eid, st.eid_info[0].eid_len) << "/"
+          << hex(st.eid_info[1].eid, st.eid_info[1].eid_len) << "\n";
     }
     qmi_client_release(client);
+    expect_golden(t.str(), __FILE__, "uim_card_slot_status.golden");
 }
 
 }  // namespace
