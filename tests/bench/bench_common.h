@@ -1,0 +1,227 @@
+/* What the benchmarks share: the clock, order statistics, the console sent
+ * to /dev/null, a socket echo peer as the floor of a round trip, runs timed
+ * in turn, and the packet dispatch loop with its cases read from a file.
+ * Benchmarks report figures; they are run by hand, never as timed tests. */
+#ifndef RLK_BENCH_COMMON_H
+#define RLK_BENCH_COMMON_H
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "modem_stats_dispatch.h"
+#include "process_runner.h"
+#include "sim_fixture.h"
+
+namespace bench {
+
+inline double now_ms()
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return double(ts.tv_sec) * 1e3 + double(ts.tv_nsec) / 1e6;
+}
+
+/* The `p` quantile (0.5 the median, 1 the maximum) of `v`. */
+inline double quantile(std::vector<double> v, double p)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? -1 : v[size_t(p * double(v.size() - 1) + 0.5)];
+}
+
+inline void print_row(const char *label, const std::vector<double> &ms)
+{
+    printf("  %-34s median %9.4f ms   p99 %9.4f ms   max %9.4f ms\n", label, quantile(ms, 0.5), quantile(ms, 0.99),
+           quantile(ms, 1));
+}
+
+inline bool start(sim_instance &sim)
+{
+    if (sim.start()) return true;
+    fprintf(stderr, "simulator did not start\n");
+    return false;
+}
+
+/* Standard output goes to /dev/null for the life of the object: the tool's
+ * console stays out of the figures. */
+class stdout_muted {
+public:
+    stdout_muted()
+    {
+        fflush(stdout);
+        saved_ = dup(STDOUT_FILENO);
+        int fd = open("/dev/null", O_WRONLY);
+        dup2(fd, STDOUT_FILENO);
+        close(fd);
+    }
+    ~stdout_muted()
+    {
+        fflush(stdout);
+        dup2(saved_, STDOUT_FILENO);
+        close(saved_);
+    }
+
+private:
+    int saved_;
+};
+
+/* A second process that sends back every AF_UNIX SOCK_SEQPACKET packet: the
+ * floor of a round trip with no encoding. */
+class echo_peer {
+public:
+    echo_peer()
+    {
+        int sv[2];
+        if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, sv) != 0) return;
+        pid_ = fork();
+        if (pid_ == 0) {
+            close(sv[0]);
+            for (ssize_t n; (n = recv(sv[1], buf_, sizeof(buf_), 0)) > 0;) send(sv[1], buf_, size_t(n), 0);
+            _exit(0);
+        }
+        close(sv[1]);
+        fd_ = sv[0];
+    }
+    ~echo_peer()
+    {
+        close(fd_);
+        if (pid_ > 0) waitpid(pid_, nullptr, 0);
+    }
+    bool round_trip(size_t bytes)
+    {
+        return send(fd_, buf_, bytes, 0) == ssize_t(bytes) && recv(fd_, buf_, sizeof(buf_), 0) == ssize_t(bytes);
+    }
+
+private:
+    int fd_ = -1;
+    pid_t pid_ = -1;
+    char buf_[1024] = {0};
+};
+
+/* QMI header and the extension message's TLVs: the bytes of one extension
+ * request or answer on the socket. */
+constexpr size_t k_ext_packet_bytes = 7 + 529;
+
+/* Milliseconds of `rounds` calls of each subject, the subjects called in
+ * turn so that all see the same load of the machine, after `warmup`
+ * untimed rounds; empty if a call failed. */
+inline std::vector<std::vector<double>> time_in_turn(int rounds, const std::vector<std::function<bool()>> &subjects,
+                                                     int warmup = 1)
+{
+    std::vector<std::vector<double>> ms(subjects.size());
+    for (int i = 0; i < warmup + rounds; i++) {
+        for (size_t k = 0; k < subjects.size(); k++) {
+            double t0 = now_ms();
+            if (!subjects[k]()) return std::vector<std::vector<double>>(subjects.size());
+            if (i >= warmup) ms[k].push_back(now_ms() - t0);
+        }
+    }
+    return ms;
+}
+
+/* One process from start to exit beside /bin/true started the same way
+ * (fork, exec, wait, output collected); a run of `argv` must exit cleanly
+ * and print `expect`. */
+inline int process_against_true(const std::vector<std::string> &argv, const std::vector<std::string> &env, int rounds,
+                                const std::string &expect = "")
+{
+    auto run = [&env](const std::vector<std::string> &words, const std::string &text) {
+        run_result r = run_process(words, env);
+        return exited_cleanly(r.status) && r.out.find(text) != std::string::npos;
+    };
+    std::vector<std::vector<double>> ms =
+        time_in_turn(rounds, {[&] { return run(argv, expect); }, [&] { return run({"/bin/true"}, ""); }});
+    if (ms[0].empty()) {
+        fprintf(stderr, "a process failed\n");
+        return 1;
+    }
+    std::string label = argv[0].substr(argv[0].rfind('/') + 1);
+    for (size_t i = 1; i < argv.size(); i++) label += " " + argv[i];
+    printf("Process start to exit (%d runs each)\n", rounds);
+    print_row(label.c_str(), ms[0]);
+    print_row("/bin/true", ms[1]);
+    printf("  ratio of medians %8.2fx (goal: within 5x)\n", quantile(ms[0], 0.5) / quantile(ms[1], 0.5));
+    return 0;
+}
+
+/* One packet of a dispatch case; `alternate`, when not empty, is sent every
+ * other time. */
+struct dispatch_case {
+    bool event;
+    uint16_t code;
+    std::vector<uint8_t> payload, alternate;
+    std::string label;
+    void run(long i) const
+    {
+        const std::vector<uint8_t> &p = (!alternate.empty() && (i & 1)) ? alternate : payload;
+        auto process = event ? modem_stats_diag_process_event_ex : modem_stats_diag_process_log_ex;
+        process(static_cast<int32_t>(p.size()), code, 0, p.data());
+    }
+};
+
+inline std::vector<uint8_t> from_hex(const std::string &hex)
+{
+    std::vector<uint8_t> out;
+    for (size_t i = 0; hex != "-" && i + 1 < hex.size(); i += 2) out.push_back(uint8_t(stoul(hex.substr(i, 2), nullptr, 16)));
+    return out;
+}
+
+/* Packets per second of each case of the file `cases` of this folder,
+ * one thread, the parsers' output fully buffered into /dev/null, the
+ * figures on the original standard output.  Arguments: [packets per case
+ * [only this code]], or --show to print what each case decodes to. */
+inline int dispatch_bench(const char *cases, const char *title, int argc, char **argv)
+{
+    setenv("RLK_LOGCAT_FILE", "/dev/null", 1);
+    std::vector<dispatch_case> list;
+    std::ifstream in(std::string(BENCH_DATA_DIR) + "/" + cases);
+    for (std::string line, kind, code, payload, alternate; std::getline(in, line);) {
+        std::istringstream words(line);
+        if (line.empty() || line[0] == '#' || !(words >> kind >> code >> payload >> alternate)) continue;
+        std::string label;
+        std::getline(words >> std::ws, label);
+        list.push_back({kind == "event", uint16_t(stoul(code, nullptr, 0)), from_hex(payload), from_hex(alternate), label});
+    }
+    if (argc > 1 && std::string(argv[1]) == "--show") {
+        for (const dispatch_case &c : list) {
+            printf("== %s\n", c.label.c_str());
+            c.run(0);
+        }
+        return 0;
+    }
+    long packets = argc > 1 ? atol(argv[1]) : 300000;
+    long only = argc > 2 ? strtol(argv[2], nullptr, 0) : -1;
+    int figures_fd = dup(STDOUT_FILENO);
+    FILE *figures = figures_fd >= 0 ? fdopen(figures_fd, "w") : nullptr;
+    if (list.empty() || !figures || !freopen("/dev/null", "w", stdout) ||
+        setvbuf(stdout, nullptr, _IOFBF, 1 << 16) != 0) {
+        fprintf(stderr, "no cases, or cannot redirect standard output\n");
+        return 1;
+    }
+    if (packets <= 0) packets = 300000;
+    fprintf(figures, "%s, %ld packets per case, stdout to /dev/null, 1 thread\n", title, packets);
+    for (const dispatch_case &c : list) {
+        if (only >= 0 && c.code != only) continue;
+        double t0 = now_ms();
+        for (long i = 0; i < packets; i++) c.run(i);
+        fflush(stdout);
+        fprintf(figures, "  %-44s %12.0f packets/s\n", c.label.c_str(), double(packets) * 1e3 / (now_ms() - t0));
+    }
+    fclose(figures);
+    return 0;
+}
+
+}  // namespace bench
+
+#endif
