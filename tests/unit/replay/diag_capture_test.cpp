@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "replay_test_util.h"
+#include "table_file.h"
 
 using namespace replay_test;
 
@@ -84,24 +86,35 @@ bytes packet_with_crc_byte(uint8_t value, bool high)
     return {};
 }
 
+struct stream_case {
+    std::string name;
+    bytes stream;
+};
+
+/* "name: text" of every stream read as `format`, compared with a golden
+ * file; for AUTO the line also names the format detected. */
+void expect_readings(const std::vector<stream_case> &cases, diag_capture_format format, const char *golden)
+{
+    const char *const names[] = {"auto", "hdlc", "dlf"};
+    std::string out;
+    for (const stream_case &c : cases) {
+        out += c.name + ":";
+        if (format == DIAG_FORMAT_AUTO) out += std::string(" ") + names[diag_capture_detect(c.stream.data(), c.stream.size(), true)];
+        out += " " + read_stream(c.stream, format).text + "\n";
+    }
+    expect_golden(out, __FILE__, golden);
+}
+
+/* Payload bytes 7E and 7D, and CRCs holding them in either byte. */
 TEST(CaptureHdlc, EscapedBytesInPayloadAndCrcSurviveAnySplit)
 {
-    std::vector<bytes> packets = {
-        log_packet(0xB193, 0x1122334455667788ull, {0x7E, 0x7D, 0x5E, 0x5D, 0x7E, 0x7E, 0x00, 0x7D}),
-        packet_with_crc_byte(HDLC_FLAG, false),
-        packet_with_crc_byte(HDLC_FLAG, true),
-        packet_with_crc_byte(HDLC_ESCAPE, false),
-        packet_with_crc_byte(HDLC_ESCAPE, true),
-    };
-    std::vector<bytes> frames;
-    for (const bytes &p : packets) frames.push_back(frame(p));
-    read_result r = read_stream(concat(frames), DIAG_FORMAT_HDLC);
-    ASSERT_EQ(r.packets.size(), packets.size()) << r.text;
-    EXPECT_EQ(r.text.substr(0, 35), "0xb193:1122334455667788=7e7d5e5d7e7");
-    EXPECT_EQ(r.text.substr(r.text.size() - 10), "| frames 5");
-    for (size_t i = 0; i < packets.size(); i++) {
-        EXPECT_EQ(r.packets[i].payload, bytes(packets[i].begin() + DIAG_LOG_HEADER_LEN, packets[i].end())) << i;
-    }
+    bytes escapes = log_packet(0xB193, 0x1122334455667788ull, {0x7E, 0x7D, 0x5E, 0x5D, 0x7E, 0x7E, 0x00, 0x7D});
+    bytes stream = concat({frame(escapes), frame(packet_with_crc_byte(HDLC_FLAG, false)),
+                           frame(packet_with_crc_byte(HDLC_FLAG, true)), frame(packet_with_crc_byte(HDLC_ESCAPE, false)),
+                           frame(packet_with_crc_byte(HDLC_ESCAPE, true))});
+    EXPECT_EQ(read_stream(stream, DIAG_FORMAT_HDLC).text,
+              "0xb193:1122334455667788=7e7d5e5d7e7e007d 0xb193:1=6604 0xb193:1=5c01 0xb193:1=3000 0xb193:1=1a00 "
+              "| frames 5");
 }
 
 /* A damaged or malformed frame costs itself only: the next flag starts
@@ -141,35 +154,28 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
     bytes past_frame = two;
     past_frame[1]++;
 
-    const std::string ab = "0x1001:1=01 0x1003:3=03 | frames 2";
-    const std::string logs_sub0 = "0xb193:7=0102 ev1606:9=02 | frames 2";
-    struct {
-        const char *name;
-        bytes stream;
-        std::string want;
-    } cases[] = {
-        {"bad CRC", concat({a, bad_crc, b}), ab + ", crc 1"},
-        {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b}), ab + ", escape 1"},
-        {"too short", concat({a, {0x33, HDLC_FLAG}, b}), ab + ", short 1"},
-        {"leading flags", concat({{HDLC_FLAG, HDLC_FLAG}, a, {HDLC_FLAG}, b}), ab},
-        {"truncated last frame", concat({a, b, truncated}), ab + ", truncated 1"},
-        {"garbage before the first flag", concat({{1, 2, 3, HDLC_FLAG}, a, b}), ab + ", crc 1"},
-        {"oversized frame", concat({huge, a}), "0x1001:1=01 | frames 1, long 1"},
-        {"malformed logs, other commands",
-         concat({frame(short_len), frame(long_len), frame(header_only), frame({0x79, 1, 2}), frame({0x92}), frame(good)}),
-         "0xb0c2:5=090807 | frames 3, log 3, other 0x79 1, other 0x92 1"},
-        {"sub 1", sim(1, 1), logs_sub0},
-        {"sub 2", sim(2, 1), "0xb193:7=0102/s1 ev1606:9=02/s1 | frames 2"},
-        {"sub 0 is the first", sim(0, 1), logs_sub0},
-        {"sub all ones is the first", sim(0xFFFFFFFF, 1), logs_sub0},
-        {"sub 3", sim(3, 1), "| frames 0, sub 2"},
-        {"wrapper version 2", sim(1, 2), "| frames 0, wrapper 2"},
-        {"nested and cut wrappers", concat({frame(wrapped(1, wrapped(2, log))), frame(cut_wrapper)}),
-         "| frames 0, wrapper 2"},
-        {"event reports that do not fit",
-         concat({frame(overrun), frame(counted), frame(past_frame), frame({0x60, 0x00})}), "| frames 0, event 4"},
-    };
-    for (const auto &c : cases) EXPECT_EQ(read_stream(c.stream, DIAG_FORMAT_HDLC).text, c.want) << c.name;
+    expect_readings(
+        {
+            {"bad CRC", concat({a, bad_crc, b})},
+            {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b})},
+            {"too short", concat({a, {0x33, HDLC_FLAG}, b})},
+            {"leading flags", concat({{HDLC_FLAG, HDLC_FLAG}, a, {HDLC_FLAG}, b})},
+            {"truncated last frame", concat({a, b, truncated})},
+            {"garbage before the first flag", concat({{1, 2, 3, HDLC_FLAG}, a, b})},
+            {"oversized frame", concat({huge, a})},
+            {"malformed logs, other commands", concat({frame(short_len), frame(long_len), frame(header_only),
+                                                       frame({0x79, 1, 2}), frame({0x92}), frame(good)})},
+            {"sub 1", sim(1, 1)},
+            {"sub 2", sim(2, 1)},
+            {"sub 0 is the first", sim(0, 1)},
+            {"sub all ones is the first", sim(0xFFFFFFFF, 1)},
+            {"sub 3", sim(3, 1)},
+            {"wrapper version 2", sim(1, 2)},
+            {"nested and cut wrappers", concat({frame(wrapped(1, wrapped(2, log))), frame(cut_wrapper)})},
+            {"event reports that do not fit",
+             concat({frame(overrun), frame(counted), frame(past_frame), frame({0x60, 0x00})})},
+        },
+        DIAG_FORMAT_HDLC, "capture_damaged.golden");
 }
 
 /* Records of every length code, with full and truncated timestamps; a
@@ -200,18 +206,10 @@ TEST(CapturePackets, EventReportSplitsEveryLengthCode)
 
 TEST(CapturePackets, TruncatedTimestampTakesTheNearestFullValue)
 {
-    struct {
-        uint64_t last;
-        uint16_t ts16;
-        uint64_t want;
-    } cases[] = {
-        {0x12345678, 0x3457, 0x12345700},
-        {0x12FFFF00, 0x0001, 0x13000100},       /* forward across the wrap */
-        {0x13000100, 0xFFFF, 0x12FFFF00},       /* backward across it */
-        {0, 0xFFFF, 0xFFFF00},                  /* nothing below zero */
-        {UINT64_MAX, 0, 0xFFFFFFFFFF000000ull}, /* nothing above the top */
-    };
-    for (const auto &c : cases) EXPECT_EQ(diag_expand_truncated_ts(c.last, c.ts16), c.want) << std::hex << c.last;
+    for (const table_row &c : read_table(__FILE__, "truncated_timestamps.txt")) {
+        uint64_t last = stoull(c[0], nullptr, 0), want = stoull(c[2], nullptr, 0);
+        EXPECT_EQ(diag_expand_truncated_ts(last, uint16_t(stoul(c[1], nullptr, 0))), want) << c[0];
+    }
 }
 
 TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
@@ -237,25 +235,18 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
     /* A first frame beyond the frame limit whose bytes also chain as DLF
      * lengths (0x2020) under codes of no log group. */
     bytes oversized = frame(log_packet(0xB193, 1, bytes(HDLC_MAX_FRAME + 4000, 0x20)));
-    struct {
-        const char *name;
-        bytes stream;
-        diag_capture_format format;
-        size_t packets;
-    } cases[] = {
-        {"hdlc", hdlc_stream, DIAG_FORMAT_HDLC, 3},
-        {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
-        {"dlf", dlf_stream, DIAG_FORMAT_DLF, 40},
-        {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5), DIAG_FORMAT_DLF, 39},
-        {"one dlf record", one_dlf, DIAG_FORMAT_DLF, 1},
-        {"garbage", bytes(100, 0x42), DIAG_FORMAT_HDLC, 0},
-        {"only flags", bytes(100000, HDLC_FLAG), DIAG_FORMAT_HDLC, 0},
-        {"first frame over 64 KiB", concat({oversized, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(read_stream(c.stream, DIAG_FORMAT_AUTO).packets.size(), c.packets) << c.name;
-        EXPECT_EQ(diag_capture_detect(c.stream.data(), c.stream.size(), true), c.format) << c.name;
-    }
+    expect_readings(
+        {
+            {"hdlc", hdlc_stream},
+            {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream})},
+            {"dlf", dlf_stream},
+            {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5)},
+            {"one dlf record", one_dlf},
+            {"garbage", bytes(100, 0x42)},
+            {"only flags", bytes(100000, HDLC_FLAG)},
+            {"first frame over 64 KiB", concat({oversized, hdlc_stream})},
+        },
+        DIAG_FORMAT_AUTO, "capture_detect.golden");
     /* One reader, several inputs: each one is detected afresh. */
     std::vector<seen_packet> seen;
     diag_capture_reader reader(DIAG_FORMAT_AUTO, collect, &seen);
