@@ -5,62 +5,24 @@
 #include <string>
 #include <vector>
 
+#include "../replay/table_file.h"
 #include "frontend_test_util.h"
 #include "process_runner.h"
 
 namespace {
 
-/* The functions take writable text, as command-line words are. */
-int string_to_int(std::string text)
+/* The cases of conversions.txt; the functions take writable text, as
+ * command-line words are. */
+TEST(TolvekStringToInt, ChoosesBaseByPrefixOrReadsUpToFiftyHexDigits)
 {
-    return tolvek_string_to_int(&text[0]);
-}
-
-int hex_string_to_int(std::string text)
-{
-    return tolvek_hex_string_to_int(&text[0]);
-}
-
-struct conversion_case {
-    std::string text;
-    int expected;
-};
-
-TEST(TolvekStringToInt, ChoosesBaseByPrefix)
-{
-    const conversion_case cases[] = {
-        {"0x1A", 26}, {"0X1a", 26}, {"1A", 1},      {"0x", 0},   {"26", 26}, {"-5", -5}, {"  42", 42},
-        {"3abc", 3},  {"x1A", 0},   {"00x1A", 0},   {"0x-1", 1}, {"", 0},    {"0x7FFFFFFF", 2147483647},
-    };
-    for (const conversion_case &c : cases) EXPECT_EQ(string_to_int(c.text), c.expected) << '"' << c.text << '"';
-}
-
-TEST(TolvekHexStringToInt, ReadsEveryCharacterAsADigitUpToFiftyOfThem)
-{
-    const conversion_case cases[] = {
-        {"", 0},
-        {"0", 0},
-        {"1a", 26},
-        {"Ff", 255},
-        {"1g", 16},   /* g is a zero digit */
-        {"x1", 1},    /* so is x */
-        {"-1", 1},    /* and a minus sign */
-        {"1 1", 257}, /* and a blank */
-        {"7FFFFFFF", 2147483647},
-        {"80000000", 2147483647},  /* the term 8 * 16^7 saturates */
-        {"100000000", 2147483647}, /* so does 16^8, and nothing is added */
-        {std::string(TOLVEK_HEX_MAX_DIGITS - 2, '0') + "1a", 26},
-    };
-    for (const conversion_case &c : cases) EXPECT_EQ(hex_string_to_int(c.text), c.expected) << '"' << c.text << '"';
-}
-
-TEST(TolvekHexStringToInt, LongTextAndValuesBeyondInt32Abort)
-{
-    for (std::string text : {std::string(TOLVEK_HEX_MAX_DIGITS, '0') + "f", std::string("80000001"),
-                             std::string("FFFFFFFF"), std::string("0FFFFFFFF"), std::string("11000000000")}) {
-        EXPECT_EXIT(hex_string_to_int(text), ended_abnormally, "") << text;
+    for (table_row c : read_table(__FILE__, "conversions.txt")) {
+        auto convert = c[0] == "hex" ? tolvek_hex_string_to_int : tolvek_string_to_int;
+        if (c[2] == "abort") {
+            EXPECT_EXIT(convert(&c[1][0]), ended_abnormally, "") << c[1];
+        } else {
+            EXPECT_EQ(convert(&c[1][0]), stoi(c[2])) << c[0] << " \"" << c[1] << '"';
+        }
     }
-    EXPECT_EXIT(string_to_int("0x" + std::string(TOLVEK_HEX_MAX_DIGITS + 1, '0')), ended_abnormally, "");
 }
 
 TEST(TolvekConvert, NullInputNotesUnlessQuiet)
