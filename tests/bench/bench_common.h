@@ -155,68 +155,63 @@ inline int process_against_true(const std::vector<std::string> &argv, const std:
     return 0;
 }
 
-/* One packet of a dispatch case; `alternate`, when not empty, is sent every
- * other time. */
-struct dispatch_case {
-    bool event;
-    uint16_t code;
-    std::vector<uint8_t> payload, alternate;
-    std::string label;
-    void run(long i) const
-    {
-        const std::vector<uint8_t> &p = (!alternate.empty() && (i & 1)) ? alternate : payload;
-        auto process = event ? modem_stats_diag_process_event_ex : modem_stats_diag_process_log_ex;
-        process(static_cast<int32_t>(p.size()), code, 0, p.data());
-    }
-};
-
-inline std::vector<uint8_t> from_hex(const std::string &hex)
-{
-    std::vector<uint8_t> out;
-    for (size_t i = 0; hex != "-" && i + 1 < hex.size(); i += 2) out.push_back(uint8_t(stoul(hex.substr(i, 2), nullptr, 16)));
-    return out;
-}
-
-/* Packets per second of each case of the file `cases` of this folder,
- * one thread, the parsers' output fully buffered into /dev/null, the
- * figures on the original standard output.  Arguments: [packets per case
- * [only this code]], or --show to print what each case decodes to. */
+/* Packets per second of each case of the file `cases` of this folder
+ * ("kind code payload alternate label": `alternate`, unless "-", is sent
+ * every other time), one thread, the parsers' output fully buffered into
+ * /dev/null, the figures on the original standard output.  Arguments:
+ * [packets per case [only this code]], or --show to print what each case
+ * decodes to. */
 inline int dispatch_bench(const char *cases, const char *title, int argc, char **argv)
 {
-    setenv("RLK_LOGCAT_FILE", "/dev/null", 1);
-    std::vector<dispatch_case> list;
-    std::ifstream in(std::string(BENCH_DATA_DIR) + "/" + cases);
-    for (std::string line, kind, code, payload, alternate; std::getline(in, line);) {
-        std::istringstream words(line);
-        if (line.empty() || line[0] == '#' || !(words >> kind >> code >> payload >> alternate)) continue;
+    struct packets {
+        bool event;
+        uint16_t code;
+        std::vector<uint8_t> p[2];
         std::string label;
-        std::getline(words >> std::ws, label);
-        list.push_back({kind == "event", uint16_t(stoul(code, nullptr, 0)), from_hex(payload), from_hex(alternate), label});
+    };
+    std::vector<packets> list;
+    std::ifstream in(std::string(BENCH_DATA_DIR) + "/" + cases);
+    for (std::string line, kind, code, hex[2]; std::getline(in, line);) {
+        std::istringstream words(line);
+        if (line[0] == '#' || !(words >> kind >> code >> hex[0] >> hex[1])) continue;
+        packets c{kind == "event", uint16_t(stoul(code, nullptr, 0)), {}, ""};
+        for (int k = 0; k < 2; k++) {
+            for (size_t i = 0; hex[k] != "-" && i + 1 < hex[k].size(); i += 2)
+                c.p[k].push_back(uint8_t(stoul(hex[k].substr(i, 2), nullptr, 16)));
+        }
+        if (c.p[1].empty()) c.p[1] = c.p[0];
+        std::getline(words >> std::ws, c.label);
+        list.push_back(c);
     }
+    auto run = [](const packets &c, long i) {
+        const std::vector<uint8_t> &p = c.p[i & 1];
+        auto process = c.event ? modem_stats_diag_process_event_ex : modem_stats_diag_process_log_ex;
+        process(static_cast<int32_t>(p.size()), c.code, 0, p.data());
+    };
+    setenv("RLK_LOGCAT_FILE", "/dev/null", 1);
     if (argc > 1 && std::string(argv[1]) == "--show") {
-        for (const dispatch_case &c : list) {
+        for (const packets &c : list) {
             printf("== %s\n", c.label.c_str());
-            c.run(0);
+            run(c, 0);
         }
         return 0;
     }
-    long packets = argc > 1 ? atol(argv[1]) : 300000;
+    long packets_per_case = argc > 1 && atol(argv[1]) > 0 ? atol(argv[1]) : 300000;
     long only = argc > 2 ? strtol(argv[2], nullptr, 0) : -1;
-    int figures_fd = dup(STDOUT_FILENO);
-    FILE *figures = figures_fd >= 0 ? fdopen(figures_fd, "w") : nullptr;
+    FILE *figures = fdopen(dup(STDOUT_FILENO), "w");
     if (list.empty() || !figures || !freopen("/dev/null", "w", stdout) ||
         setvbuf(stdout, nullptr, _IOFBF, 1 << 16) != 0) {
         fprintf(stderr, "no cases, or cannot redirect standard output\n");
         return 1;
     }
-    if (packets <= 0) packets = 300000;
-    fprintf(figures, "%s, %ld packets per case, stdout to /dev/null, 1 thread\n", title, packets);
-    for (const dispatch_case &c : list) {
+    fprintf(figures, "%s, %ld packets per case, stdout to /dev/null, 1 thread\n", title, packets_per_case);
+    for (const packets &c : list) {
         if (only >= 0 && c.code != only) continue;
         double t0 = now_ms();
-        for (long i = 0; i < packets; i++) c.run(i);
+        for (long i = 0; i < packets_per_case; i++) run(c, i);
         fflush(stdout);
-        fprintf(figures, "  %-44s %12.0f packets/s\n", c.label.c_str(), double(packets) * 1e3 / (now_ms() - t0));
+        fprintf(figures, "  %-44s %12.0f packets/s\n", c.label.c_str(),
+                double(packets_per_case) * 1e3 / (now_ms() - t0));
     }
     fclose(figures);
     return 0;

@@ -15,8 +15,8 @@ int main()
     printf("simulator ready after %.1f ms (spawn to first answer)\n", bench::now_ms() - t0);
     qmi_client_type client = nullptr;
     qmi_client_os_params os = {};
-    if (qmi_client_init_instance(tolvek_extend_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr,
-                                 &os, 3000, &client) != 0) {
+    if (qmi_client_init_instance(tolvek_extend_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
+                                 3000, &client) != 0) {
         fprintf(stderr, "no extension service\n");
         return 1;
     }

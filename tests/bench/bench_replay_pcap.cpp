@@ -61,7 +61,7 @@ int main()
         }
         if (ok)
             printf("%-24s wall %.3f s %6.0f MB/s   cpu %.3f s %6.0f MB/s\n", run[0].c_str(), wall, mb / wall, cpu,
-               cpu > 0 ? mb / cpu : 0.0);
+                   cpu > 0 ? mb / cpu : 0.0);
     }
     run_process({"/bin/rm", "-rf", tmp}, {});
     return 0;

@@ -33,8 +33,8 @@ void describe(void *ctx, const diag_packet &p)
     out += p.sub ? "/s1 " : " ";
 }
 
-const char *const k_reasons[DIAG_SKIP_REASON_COUNT] = {"crc", "escape", "short", "long", "truncated",
-                                                       "log", "event", "wrapper", "sub", "record"};
+const char *const k_reasons[DIAG_SKIP_REASON_COUNT] = {"crc", "escape", "short",   "long", "truncated",
+                                                       "log", "event",  "wrapper", "sub",  "record"};
 
 /* The packets of `stream` fed in pieces of `piece` bytes, then the frames
  * and every non-zero skip counter and count of frames of other commands:
@@ -95,7 +95,8 @@ void expect_readings(const std::vector<stream_case> &cases, diag_capture_format 
     std::string out;
     for (const stream_case &c : cases) {
         out += c.name + ":";
-        if (format == DIAG_FORMAT_AUTO) out += std::string(" ") + names[diag_capture_detect(c.stream.data(), c.stream.size(), true)];
+        if (format == DIAG_FORMAT_AUTO)
+            out += std::string(" ") + names[diag_capture_detect(c.stream.data(), c.stream.size(), true)];
         out += " " + read_stream(c.stream, format) + "\n";
     }
     expect_golden(out, __FILE__, golden);
@@ -105,9 +106,9 @@ void expect_readings(const std::vector<stream_case> &cases, diag_capture_format 
 TEST(CaptureHdlc, EscapedBytesInPayloadAndCrcSurviveAnySplit)
 {
     bytes escapes = log_packet(0xB193, 0x1122334455667788ull, {0x7E, 0x7D, 0x5E, 0x5D, 0x7E, 0x7E, 0x00, 0x7D});
-    bytes stream = concat({frame(escapes), frame(packet_with_crc_byte(HDLC_FLAG, false)),
-                           frame(packet_with_crc_byte(HDLC_FLAG, true)), frame(packet_with_crc_byte(HDLC_ESCAPE, false)),
-                           frame(packet_with_crc_byte(HDLC_ESCAPE, true))});
+    bytes stream = concat(
+        {frame(escapes), frame(packet_with_crc_byte(HDLC_FLAG, false)), frame(packet_with_crc_byte(HDLC_FLAG, true)),
+         frame(packet_with_crc_byte(HDLC_ESCAPE, false)), frame(packet_with_crc_byte(HDLC_ESCAPE, true))});
     EXPECT_EQ(read_stream(stream, DIAG_FORMAT_HDLC),
               "0xb193:1122334455667788=7e7d5e5d7e7e007d 0xb193:1=6604 0xb193:1=5c01 0xb193:1=3000 0xb193:1=1a00 "
               "| frames 5");
@@ -180,10 +181,8 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
 TEST(CapturePackets, EventReportSplitsEveryLengthCode)
 {
     bytes report = event_report({
-        event_record(629, 0x1000, false, {}),
-        event_record(1606, 0x12345678, false, {4}),
-        event_record(1632, 0x3457, true, {5, 6}),
-        event_record(3184, 0x12FFFF00, false, {1, 2, 3, 4, 5, 6, 7}),
+        event_record(629, 0x1000, false, {}), event_record(1606, 0x12345678, false, {4}),
+        event_record(1632, 0x3457, true, {5, 6}), event_record(3184, 0x12FFFF00, false, {1, 2, 3, 4, 5, 6, 7}),
         event_record(3243, 0x0001, true, {}), /* just past a wrap of the 24 bits */
         event_record(1995, 0x4000, false, bytes(200, 0x7E)),
         event_record(2568, 0x5555, true, {9}, true), /* counted form of one byte */
@@ -211,7 +210,8 @@ TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
     bytes a = inner_log(0xB193, 10, {1, 2, 3});
     bytes b = inner_log(0xB0C2, 11, {});
     bytes c = inner_log(0xB064, 12, bytes(300, 0x7E));
-    EXPECT_EQ(read_stream(concat({a, b, c}), DIAG_FORMAT_DLF), "0xb193:a=010203 0xb0c2:b= 0xb064:c#300+37800 | frames 3");
+    EXPECT_EQ(read_stream(concat({a, b, c}), DIAG_FORMAT_DLF),
+              "0xb193:a=010203 0xb0c2:b= 0xb064:c#300+37800 | frames 3");
     /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
     EXPECT_EQ(read_stream(concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)}), DIAG_FORMAT_DLF),
               "0xb193:a=010203 0xb0c2:b= | frames 2, truncated 1, record 1");
@@ -222,7 +222,8 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
     bytes hdlc_stream = concat({frame(log_packet(0xB193, 1, {1})), frame(log_packet(0xB064, 2, {2})),
                                 frame(event_report({event_record(1606, 3, false, {2})}))});
     bytes dlf_stream;
-    for (int i = 0; i < 40; i++) dlf_stream = concat({dlf_stream, inner_log(0xB193, uint64_t(i), bytes(size_t(i), 0x10))});
+    for (int i = 0; i < 40; i++)
+        dlf_stream = concat({dlf_stream, inner_log(0xB193, uint64_t(i), bytes(size_t(i), 0x10))});
     bytes one_dlf = inner_log(0xB193, 1, {1, 2});
     /* A first frame beyond the frame limit whose bytes also chain as DLF
      * lengths (0x2020) under codes of no log group. */

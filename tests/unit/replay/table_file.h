@@ -39,7 +39,8 @@ inline std::vector<uint8_t> row_bytes(const table_row &row, size_t from)
     for (size_t i = from; i < row.size(); i++) {
         size_t colon = row[i].find(':');
         if (colon == std::string::npos) {
-            for (size_t at = 0; at + 1 < row[i].size(); at += 2) out.push_back(uint8_t(stoul(row[i].substr(at, 2), nullptr, 16)));
+            for (size_t at = 0; at + 1 < row[i].size(); at += 2)
+                out.push_back(uint8_t(stoul(row[i].substr(at, 2), nullptr, 16)));
             continue;
         }
         uint64_t value = stoull(row[i].substr(0, colon), nullptr, 0);
