@@ -65,44 +65,30 @@ TEST(ReplayJson, StringsEscapeWhatJsonRequires)
     expect_golden(out + "\n", __FILE__, "replay_json.golden");
 }
 
-replay_options parse_ok(std::vector<const char *> args)
-{
-    replay_options opts;
-    std::string error;
-    EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &opts, &error)) << error;
-    return opts;
-}
-
-/* The codes a filter selects. */
-std::vector<size_t> chosen(const std::vector<bool> &selected)
-{
-    std::vector<size_t> codes;
-    for (size_t i = 0; i < selected.size(); i++) {
-        if (selected[i]) codes.push_back(i);
-    }
-    return codes;
-}
-
+/* Each command line of replay_command_lines.txt and every option it
+ * gives, compared with a golden file. */
 TEST(ReplayOptions, FormsThatParse)
 {
-    replay_options o = parse_ok({"-s", "--format=dlf", "a.qmdl", "-", "--", "-j"});
-    EXPECT_EQ(o.mode, REPLAY_OUTPUT_SUMMARY);
-    EXPECT_EQ(o.format, DIAG_FORMAT_DLF);
-    EXPECT_EQ(o.inputs, (std::vector<std::string>{"a.qmdl", "-", "-j"}));
-    EXPECT_FALSE(o.filter);
-
-    o = parse_ok({"--log", "0xB193,45236", "-l", "0x1", "-e", "1606", "--event=4095", "--json", "x"});
-    EXPECT_TRUE(o.filter);
-    EXPECT_EQ(o.mode, REPLAY_OUTPUT_JSON);
-    EXPECT_EQ(chosen(o.logs), (std::vector<size_t>{1, 0xB0B4, 0xB193}));
-    EXPECT_EQ(chosen(o.events), (std::vector<size_t>{1606, 4095}));
-    /* Decimal despite the leading zero. */
-    EXPECT_EQ(chosen(parse_ok({"--event", "01606", "x"}).events), std::vector<size_t>{1606});
-
-    EXPECT_TRUE(parse_ok({"--help"}).help);
-    o = parse_ok({"-f", "hdlc", "--no-progress", "/dev/ttyUSB0"});
-    EXPECT_EQ(o.format, DIAG_FORMAT_HDLC);
-    EXPECT_FALSE(o.progress);
+    std::string out;
+    for (const table_row &words : read_table(__FILE__, "replay_command_lines.txt")) {
+        std::vector<const char *> args;
+        for (const std::string &w : words) args.push_back(w.c_str());
+        replay_options o;
+        std::string error;
+        EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &o, &error)) << error;
+        out += "$";
+        for (const std::string &w : words) out += " " + w;
+        out += "\n  format " + std::to_string(o.format) + ", mode " + std::to_string(o.mode) + ", filter " +
+               std::to_string(o.filter) + ", progress " + std::to_string(o.progress) + ", help " +
+               std::to_string(o.help) + ", pcap '" + o.pcap + "'\n  logs";
+        for (size_t i = 0; i < o.logs.size(); i++) out += o.logs[i] ? " " + std::to_string(i) : "";
+        out += "\n  events";
+        for (size_t i = 0; i < o.events.size(); i++) out += o.events[i] ? " " + std::to_string(i) : "";
+        out += "\n  inputs";
+        for (const std::string &in : o.inputs) out += " '" + in + "'";
+        out += "\n";
+    }
+    expect_golden(out, __FILE__, "replay_options.golden");
 }
 
 }  // namespace
