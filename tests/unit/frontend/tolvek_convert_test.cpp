@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,20 +26,6 @@ TEST(TolvekStringToInt, ChoosesBaseByPrefixOrReadsUpToFiftyHexDigits)
     }
 }
 
-TEST(TolvekConvert, NullInputNotesUnlessQuiet)
-{
-    for (bool quiet : {false, true}) {
-        console_quiet_scope scope(quiet);
-        int result = -1;
-        EXPECT_EQ(capture_stdout([&] { result = tolvek_string_to_int(nullptr); }), quiet ? "" : "\ninput is null\n");
-        EXPECT_EQ(result, 0);
-        result = -1;
-        EXPECT_EQ(capture_stdout([&] { result = tolvek_hex_string_to_int(nullptr); }),
-                  quiet ? "" : "\ninput is null\n");
-        EXPECT_EQ(result, 0);
-    }
-}
-
 TEST(TolvekByteToHex, WritesLowerCaseWithoutTerminator)
 {
     unsigned char bytes[] = {0x00, 0x0f, 0xa5, 0xff};
@@ -52,40 +39,41 @@ TEST(TolvekByteToHex, WritesLowerCaseWithoutTerminator)
     EXPECT_STREQ(untouched, "####");
 }
 
-/* tolvek_print_data_with_hex writes `message` once to the debug system log
- * and, unless the console is quiet, to the console, both with the same
- * source line. */
-void expect_dump(unsigned char *data, unsigned len, const std::string &message, bool quiet = false)
+/* What `fn` writes to the console (quiet or not) and the debug system
+ * log, the line number of the log statement written as @LINE: console and
+ * system log must name the same line. */
+std::string logged(bool quiet, const std::function<void()> &fn)
 {
     console_quiet_scope scope(quiet);
     syslog_capture log;
-    std::string console = capture_stdout([&] { tolvek_print_data_with_hex(data, len); });
-    std::vector<std::string> lines = log.lines();
-    ASSERT_EQ(lines.size(), 1u) << message;
-    const std::string head = "7\tSUB[shell][tolvek_convert.cpp:";
-    std::string line = lines[0].substr(head.size(), lines[0].find(']', head.size()) - head.size());
-    EXPECT_EQ(lines[0], head + line + "] tolvek_print_data_with_hex: " + message);
-    EXPECT_EQ(console, quiet ? "" : "RIL[tolvek_print_data_with_hex:" + line + "]: " + message + "\n");
+    std::string text = std::string(quiet ? "quiet: " : "console: ") + capture_stdout(fn);
+    for (const std::string &l : log.lines()) text += "syslog: " + l + "\n";
+    size_t at = text.find("tolvek_convert.cpp:");
+    if (at == std::string::npos) return text;
+    const std::string number = text.substr(at + 18, text.find(']', at) - at - 17);
+    while ((at = text.find(number)) != std::string::npos) text.replace(at, number.size(), ":@LINE]");
+    return text;
 }
 
-TEST(TolvekPrintDataWithHex, DumpsUpToTheLimitAndRefusesBadInput)
+/* A null input notes it unless the console is quiet; hex dumps go to the
+ * console and the system log up to their limit and refuse bad input. */
+TEST(TolvekConvert, NullInputAndHexDumpsOnConsoleAndSystemLog)
 {
     std::vector<unsigned char> data(TOLVEK_HEX_DUMP_MAX_LEN + 1);
-    static const char digits[] = "0123456789ABCDEF";
-    std::string text;
-    for (size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<unsigned char>(0xAB + i);
-        text += i ? " " : "";
-        text += digits[data[i] >> 4];
-        text += digits[data[i] & 15];
+    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<unsigned char>(0xAB + i);
+    std::string out;
+    for (bool quiet : {false, true}) {
+        int results[2] = {-1, -1};
+        out += logged(quiet, [&] { results[0] = tolvek_string_to_int(nullptr); });
+        out += logged(quiet, [&] { results[1] = tolvek_hex_string_to_int(nullptr); });
+        EXPECT_EQ(results[0] + results[1], 0);
+        out += logged(quiet, [&] { tolvek_print_data_with_hex(data.data(), 1); });
     }
-    expect_dump(data.data(), 1, "data hex show, len(1), data: AB");
-    expect_dump(data.data(), 1, "data hex show, len(1), data: AB", true);
-    expect_dump(data.data(), TOLVEK_HEX_DUMP_MAX_LEN,
-                "data hex show, len(4096), data: " + text.substr(0, 3 * TOLVEK_HEX_DUMP_MAX_LEN - 1));
-    expect_dump(data.data(), 0, "print_data_with_hex, invalid data len(0)");
-    expect_dump(data.data(), TOLVEK_HEX_DUMP_MAX_LEN + 1, "print_data_with_hex, invalid data len(4097)");
-    expect_dump(nullptr, 4, "print_data_with_hex, data is null");
+    for (unsigned len : {0u, unsigned(TOLVEK_HEX_DUMP_MAX_LEN), unsigned(TOLVEK_HEX_DUMP_MAX_LEN + 1)}) {
+        out += logged(false, [&] { tolvek_print_data_with_hex(data.data(), len); });
+    }
+    out += logged(false, [&] { tolvek_print_data_with_hex(nullptr, 4); });
+    expect_golden(out, __FILE__, "convert_logs.golden");
 }
 
 }  // namespace
