@@ -53,28 +53,20 @@ inline bool start(sim_instance &sim)
     return false;
 }
 
-/* Standard output goes to /dev/null for the life of the object: the tool's
- * console stays out of the figures. */
-class stdout_muted {
-public:
-    stdout_muted()
-    {
-        fflush(stdout);
-        saved_ = dup(STDOUT_FILENO);
-        int fd = open("/dev/null", O_WRONLY);
-        dup2(fd, STDOUT_FILENO);
-        close(fd);
-    }
-    ~stdout_muted()
-    {
-        fflush(stdout);
-        dup2(saved_, STDOUT_FILENO);
-        close(saved_);
-    }
-
-private:
-    int saved_;
-};
+/* Runs `fn` with standard output sent to /dev/null: the tool's console
+ * stays out of the figures. */
+template <typename Fn>
+void stdout_muted(Fn fn)
+{
+    fflush(stdout);
+    int saved = dup(STDOUT_FILENO), null_fd = open("/dev/null", O_WRONLY);
+    dup2(null_fd, STDOUT_FILENO);
+    close(null_fd);
+    fn();
+    fflush(stdout);
+    dup2(saved, STDOUT_FILENO);
+    close(saved);
+}
 
 /* A second process that sends back every AF_UNIX SOCK_SEQPACKET packet: the
  * floor of a round trip with no encoding. */

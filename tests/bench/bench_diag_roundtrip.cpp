@@ -25,8 +25,7 @@ void round_trips(const char *title, int rounds, int delay_ms)
     for (int mode : {TOLVEK_DIAG_MODE_CALLBACK, TOLVEK_DIAG_MODE_DCI}) {
         std::vector<double> ms;
         int failures = 0;
-        {
-            bench::stdout_muted muted;
+        bench::stdout_muted([&] {
             for (int i = 0; i < rounds; i++) {
                 unsigned char cmd[1] = {0x1C}, reply[TOLVEK_DIAG_RSP_MAX_LEN];
                 int len = sizeof(reply);
@@ -37,7 +36,7 @@ void round_trips(const char *title, int rounds, int delay_ms)
                 ms.push_back(bench::now_ms() - t0 - delay_ms);
                 failures += r != 0 || len != 3 || reply[0] != 0x1C;
             }
-        }
+        });
         bench::print_row(mode ? "DCI" : "callback", ms);
         printf("  failures %d\n", failures);
     }

@@ -26,10 +26,9 @@ int main()
     auto requests = [&] { return atoll(sim.ctl_ok("counter get ext.requests.2").c_str()); };
     long long n = 0;
     std::vector<std::vector<double>> ms;
-    {
-        /* The library prints every chunk.  The first round connects and
-         * counts the requests; it is not timed. */
-        bench::stdout_muted muted;
+    /* The library prints every chunk.  The first round connects and counts
+     * the requests; it is not timed. */
+    bench::stdout_muted([&] {
         bench::echo_peer echo;
         long long before = requests();
         if (write_and_read()) n = requests() - before;
@@ -40,7 +39,7 @@ int main()
             return true;
         };
         ms = bench::time_in_turn(15, {write_and_read, floor}, 0);
-    }
+    });
     if (n == 0 || ms[0].empty()) {
         fprintf(stderr, "EFS write/read failed\n");
         return 1;
