@@ -14,12 +14,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "../unit/replay/table_file.h"
 #include "modem_stats_dispatch.h"
 #include "process_runner.h"
 #include "sim_fixture.h"
@@ -149,7 +148,7 @@ inline int process_against_true(const std::vector<std::string> &argv, const std:
 
 /* Packets per second of each case of the file `cases` of this folder
  * ("kind code payload alternate label": `alternate`, unless "-", is sent
- * every other time), one thread, the parsers' output fully buffered into
+ * every other time; see table_file.h), one thread, the parsers' output fully buffered into
  * /dev/null, the figures on the original standard output.  Arguments:
  * [packets per case [only this code]], or --show to print what each case
  * decodes to. */
@@ -162,17 +161,10 @@ inline int dispatch_bench(const char *cases, const char *title, int argc, char *
         std::string label;
     };
     std::vector<packets> list;
-    std::ifstream in(std::string(BENCH_DATA_DIR) + "/" + cases);
-    for (std::string line, kind, code, hex[2]; std::getline(in, line);) {
-        std::istringstream words(line);
-        if (line[0] == '#' || !(words >> kind >> code >> hex[0] >> hex[1])) continue;
-        packets c{kind == "event", uint16_t(stoul(code, nullptr, 0)), {}, ""};
-        for (int k = 0; k < 2; k++) {
-            for (size_t i = 0; hex[k] != "-" && i + 1 < hex[k].size(); i += 2)
-                c.p[k].push_back(uint8_t(stoul(hex[k].substr(i, 2), nullptr, 16)));
-        }
+    for (const table_row &row : read_table(BENCH_DATA_DIR "/", cases)) {
+        packets c{row[0] == "event", uint16_t(stoul(row[1], nullptr, 0)), {row_bytes({row[2]}, 0), row_bytes({row[3]}, 0)},
+                  row[4]};
         if (c.p[1].empty()) c.p[1] = c.p[0];
-        std::getline(words >> std::ws, c.label);
         list.push_back(c);
     }
     auto run = [](const packets &c, long i) {
