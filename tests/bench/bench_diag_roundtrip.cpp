@@ -13,33 +13,38 @@
  * The tool's console goes to /dev/null while measuring. */
 #include <signal.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "bench_common.h"
 #include "tolvek_diag_send.h"
 
 namespace {
 
-/* `rounds` with-result round trips in each mode, less `delay_ms`. */
+/* `rounds` with-result round trips in each mode, the modes in turn, less
+ * `delay_ms`. */
 void round_trips(const char *title, int rounds, int delay_ms)
 {
     printf("%s, %d rounds:\n", title, rounds);
-    for (int mode : {TOLVEK_DIAG_MODE_CALLBACK, TOLVEK_DIAG_MODE_DCI}) {
-        std::vector<double> ms;
-        int failures = 0;
-        bench::stdout_muted([&] {
-            for (int i = 0; i < rounds; i++) {
-                unsigned char cmd[1] = {0x1C}, reply[TOLVEK_DIAG_RSP_MAX_LEN];
-                int len = sizeof(reply);
-                double t0 = bench::now_ms();
-                int r = mode == TOLVEK_DIAG_MODE_CALLBACK
-                            ? tolvek_diag_cmd_send_with_result_by_callback_mode(cmd, 1, reply, &len, 3000)
-                            : tolvek_diag_cmd_send_with_result_by_dci_mode(cmd, 1, reply, &len, 3000);
-                ms.push_back(bench::now_ms() - t0 - delay_ms);
-                failures += r != 0 || len != 3 || reply[0] != 0x1C;
-            }
-        });
-        bench::print_row(mode ? "DCI" : "callback", ms);
-        printf("  failures %d\n", failures);
+    int failures = 0;
+    auto trip = [&failures](bool dci) {
+        return [&failures, dci] {
+            unsigned char cmd[1] = {0x1C}, reply[TOLVEK_DIAG_RSP_MAX_LEN];
+            int len = sizeof(reply);
+            int r = dci ? tolvek_diag_cmd_send_with_result_by_dci_mode(cmd, 1, reply, &len, 3000)
+                        : tolvek_diag_cmd_send_with_result_by_callback_mode(cmd, 1, reply, &len, 3000);
+            failures += r != 0 || len != 3 || reply[0] != 0x1C;
+            return true;
+        };
+    };
+    std::vector<std::vector<double>> ms;
+    bench::stdout_muted([&] { ms = bench::time_in_turn(rounds, {trip(false), trip(true)}, 0); });
+    for (std::vector<double> &mode : ms) {
+        for (double &t : mode) t -= delay_ms;
     }
+    bench::print_row("callback", ms[0]);
+    bench::print_row("DCI", ms[1]);
+    printf("  failures %d\n", failures);
 }
 
 unsigned long long number_after(const std::string &text, const std::string &key)
