@@ -162,7 +162,9 @@ inline int dispatch_bench(const char *cases, const char *title, int argc, char *
     };
     std::vector<packets> list;
     for (const table_row &row : read_table(BENCH_DATA_DIR "/", cases)) {
-        packets c{row[0] == "event", uint16_t(stoul(row[1], nullptr, 0)), {row_bytes({row[2]}, 0), row_bytes({row[3]}, 0)},
+        packets c{row[0] == "event",
+                  uint16_t(stoul(row[1], nullptr, 0)),
+                  {row_bytes({row[2]}, 0), row_bytes({row[3]}, 0)},
                   row[4]};
         if (c.p[1].empty()) c.p[1] = c.p[0];
         list.push_back(c);
