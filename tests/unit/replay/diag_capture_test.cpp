@@ -188,13 +188,11 @@ TEST(CapturePackets, EventReportSplitsEveryLengthCode)
         event_record(2568, 0x5555, true, {9}, true), /* counted form of one byte */
         event_record(4095, 0x6000, false, {}, true), /* counted form, length 0 */
     });
-    EXPECT_EQ(read_stream(frame(report), DIAG_FORMAT_HDLC),
-              "ev629:1000= ev1606:12345678=04 ev1632:12345700~3457=0506 ev3184:12ffff00=01020304050607 "
-              "ev3243:13000100~0001= ev1995:4000#200+25200 ev2568:555500~5555=09 ev4095:6000= | frames 1");
     /* The last full timestamp may be a log packet's. */
-    bytes stream = concat({frame(log_packet(0xB193, 0xABCDEF12345678ull, {})),
-                           frame(event_report({event_record(1606, 0x3500, true, {1})}))});
-    EXPECT_EQ(read_stream(stream, DIAG_FORMAT_HDLC), "0xb193:abcdef12345678= ev1606:abcdef12350000~3500=01 | frames 2");
+    bytes after_log = concat({frame(log_packet(0xB193, 0xABCDEF12345678ull, {})),
+                              frame(event_report({event_record(1606, 0x3500, true, {1})}))});
+    expect_readings({{"every length code", frame(report)}, {"after a log packet", after_log}}, DIAG_FORMAT_HDLC,
+                    "capture_events.golden");
 }
 
 TEST(CapturePackets, TruncatedTimestampTakesTheNearestFullValue)
@@ -210,11 +208,10 @@ TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
     bytes a = inner_log(0xB193, 10, {1, 2, 3});
     bytes b = inner_log(0xB0C2, 11, {});
     bytes c = inner_log(0xB064, 12, bytes(300, 0x7E));
-    EXPECT_EQ(read_stream(concat({a, b, c}), DIAG_FORMAT_DLF),
-              "0xb193:a=010203 0xb0c2:b= 0xb064:c#300+37800 | frames 3");
-    /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
-    EXPECT_EQ(read_stream(concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)}), DIAG_FORMAT_DLF),
-              "0xb193:a=010203 0xb0c2:b= | frames 2, truncated 1, record 1");
+    expect_readings({{"three records", concat({a, b, c})},
+                     /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
+                     {"zeros before b, c cut", concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)})}},
+                    DIAG_FORMAT_DLF, "capture_dlf.golden");
 }
 
 TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
