@@ -10,80 +10,41 @@
  * 5. log packets a second the diag port streams and a live rlk-replay
  *    decodes; the stream stops before the count, so a packet sent and not
  *    decoded is a loss.
- * The tool's console goes to /dev/null while measuring.  Run by hand,
- * never as a timed test. */
-#include <fcntl.h>
+ * The tool's console goes to /dev/null while measuring. */
 #include <signal.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <time.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
-#include <string>
-#include <vector>
 
-#include "process_runner.h"
-#include "sim_fixture.h"
+#include "bench_common.h"
 #include "tolvek_diag_send.h"
 
 namespace {
 
-double now_ms()
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return double(ts.tv_sec) * 1e3 + double(ts.tv_nsec) / 1e6;
-}
-
-double percentile(std::vector<double> v, double p)
-{
-    std::sort(v.begin(), v.end());
-    return v[size_t(p * double(v.size() - 1) + 0.5)];
-}
-
-/* Prints the median and p99 of `rounds` with-result round trips in each
- * mode, less `delay_ms`, with the tool's console off. */
+/* `rounds` with-result round trips in each mode, the modes in turn, less
+ * `delay_ms`. */
 void round_trips(const char *title, int rounds, int delay_ms)
 {
     printf("%s, %d rounds:\n", title, rounds);
-    int saved = dup(1), null_fd = open("/dev/null", O_WRONLY);
-    for (int mode : {TOLVEK_DIAG_MODE_CALLBACK, TOLVEK_DIAG_MODE_DCI}) {
-        std::vector<double> ms;
-        int failures = 0;
-        fflush(stdout);
-        dup2(null_fd, 1);
-        for (int i = 0; i < rounds; i++) {
+    int failures = 0;
+    auto trip = [&failures](bool dci) {
+        return [&failures, dci] {
             unsigned char cmd[1] = {0x1C}, reply[TOLVEK_DIAG_RSP_MAX_LEN];
             int len = sizeof(reply);
-            double t0 = now_ms();
-            int r = mode == TOLVEK_DIAG_MODE_CALLBACK
-                        ? tolvek_diag_cmd_send_with_result_by_callback_mode(cmd, 1, reply, &len, 3000)
-                        : tolvek_diag_cmd_send_with_result_by_dci_mode(cmd, 1, reply, &len, 3000);
-            ms.push_back(now_ms() - t0 - delay_ms);
-            if (r != 0 || len != 3 || reply[0] != 0x1C) failures++;
-        }
-        fflush(stdout);
-        dup2(saved, 1);
-        printf("  %-8s median %.3f ms, p99 %.3f ms, failures %d\n", mode ? "DCI" : "callback", percentile(ms, 0.5),
-               percentile(ms, 0.99), failures);
+            int r = dci ? tolvek_diag_cmd_send_with_result_by_dci_mode(cmd, 1, reply, &len, 3000)
+                        : tolvek_diag_cmd_send_with_result_by_callback_mode(cmd, 1, reply, &len, 3000);
+            failures += r != 0 || len != 3 || reply[0] != 0x1C;
+            return true;
+        };
+    };
+    std::vector<std::vector<double>> ms;
+    bench::stdout_muted([&] { ms = bench::time_in_turn(rounds, {trip(false), trip(true)}, 0); });
+    for (std::vector<double> &mode : ms) {
+        for (double &t : mode) t -= delay_ms;
     }
-    close(null_fd);
-    close(saved);
-}
-
-std::vector<double> process_ms(const std::vector<std::string> &argv, const sim_instance &sim)
-{
-    std::vector<double> ms;
-    for (int i = 0; i < 30; i++) {
-        double t0 = now_ms();
-        run_process(argv, sim.env());
-        ms.push_back(now_ms() - t0);
-    }
-    return ms;
+    bench::print_row("callback", ms[0]);
+    bench::print_row("DCI", ms[1]);
+    printf("  failures %d\n", failures);
 }
 
 unsigned long long number_after(const std::string &text, const std::string &key)
@@ -128,17 +89,12 @@ int main()
 {
     sim_instance sim;
     sim.enable_diag_port();
-    if (!sim.start()) {
-        fprintf(stderr, "simulator did not start\n");
-        return 1;
-    }
+    if (!bench::start(sim)) return 1;
     round_trips("small diag command with result (0x1C), session open to release", 300, 0);
     sim.ctl_ok("diag delay 0x1c 250");
     round_trips("answer held back 250 ms (the wait thread ticks every 100 ms), time after the answer", 10, 250);
     sim.ctl_ok("diag clear");
-    std::vector<double> rlk = process_ms({RLK_BINARY, "5", "0", "0", "0", "0", "0x00"}, sim);
-    printf("rlk 5 0 0 0 0 0x00 as a process, 30 rounds: median %.3f ms, p99 %.3f ms (/bin/true %.3f ms)\n",
-           percentile(rlk, 0.5), percentile(rlk, 0.99), percentile(process_ms({"/bin/true"}, sim), 0.5));
+    bench::process_against_true({RLK_BINARY, "5", "0", "0", "0", "0", "0x00"}, sim.env(), 30);
     setenv("RLK_DIAG_DEVICE", sim.diag_port_path().c_str(), 1);
     round_trips("the same over the diag port (device opened, locked and closed each round)", 300, 0);
     unsetenv("RLK_DIAG_DEVICE");

@@ -3,33 +3,21 @@
  * /dev/null, the input in the page cache, beside cat of the same file and
  * --summary-only without --pcap.  Best of ten, in wall time and in the CPU
  * time of the child (user and system: the figure that holds on a loaded
- * machine); run by hand, never as a timed test. */
-#include <stdio.h>
+ * machine). */
 #include <sys/resource.h>
-#include <time.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <string>
 
+#include "bench_common.h"
 #include "capture_files.h"
-#include "process_runner.h"
 
 namespace {
 
-constexpr int k_copies = 20;
-constexpr int k_rounds = 10;
-
-/* Seconds on the monotonic clock and of CPU time used by the children. */
-void now(double *wall, double *cpu)
+double children_cpu_s()
 {
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    *wall = double(ts.tv_sec) + double(ts.tv_nsec) / 1e9;
     struct rusage ru;
     getrusage(RUSAGE_CHILDREN, &ru);
-    *cpu = double(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) + double(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
+    return double(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) + double(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
 }
 
 }  // namespace
@@ -49,7 +37,7 @@ int main()
     char tmp[] = "/tmp/bench_replay_pcap.XXXXXX";
     if (!mkdtemp(tmp)) return 1;
     std::string input = std::string(tmp) + "/capture.qmdl";
-    std::string concat = "for i in $(seq " + std::to_string(k_copies) + "); do cat '" + largest + "'; done > " + input;
+    std::string concat = "for i in $(seq 20); do cat '" + largest + "'; done > " + input;
     if (!exited_cleanly(run_process({"/bin/sh", "-c", concat}, {}).status)) return 1;
     double mb = double(fs::file_size(input)) / 1e6;
     std::string pin = access("/usr/bin/taskset", X_OK) == 0 ? "/usr/bin/taskset -c 0 " : "";
@@ -59,23 +47,21 @@ int main()
         {"--pcap --summary-only", pin + RLK_REPLAY_BINARY + " -s --pcap /dev/null " + input + " > /dev/null"},
         {"--pcap - --summary-only", pin + RLK_REPLAY_BINARY + " -s --pcap - " + input + " > /dev/null 2>&1"},
     };
-    printf("%s x%d: %.1f MB\n", largest.c_str(), k_copies, mb);
+    printf("%s x20: %.1f MB\n", largest.c_str(), mb);
     for (const auto &run : runs) {
-        double wall = 1e9, cpu = 1e9, wall0, cpu0, wall1, cpu1;
+        double wall = 1e9, cpu = 1e9;
         bool ok = true;
-        for (int i = 0; i < k_rounds && ok; i++) {
-            now(&wall0, &cpu0);
+        for (int i = 0; i < 10 && ok; i++) {
+            double wall0 = bench::now_ms(), cpu0 = children_cpu_s();
             run_result r = run_process({"/bin/sh", "-c", run[1]}, {});
-            now(&wall1, &cpu1);
             ok = exited_cleanly(r.status);
             if (!ok) fprintf(stderr, "failed: %s\n%s", run[1].c_str(), r.err.c_str());
-            wall = std::min(wall, wall1 - wall0);
-            cpu = std::min(cpu, cpu1 - cpu0);
+            wall = std::min(wall, (bench::now_ms() - wall0) / 1e3);
+            cpu = std::min(cpu, children_cpu_s() - cpu0);
         }
-        if (ok) {
+        if (ok)
             printf("%-24s wall %.3f s %6.0f MB/s   cpu %.3f s %6.0f MB/s\n", run[0].c_str(), wall, mb / wall, cpu,
                    cpu > 0 ? mb / cpu : 0.0);
-        }
     }
     run_process({"/bin/rm", "-rf", tmp}, {});
     return 0;

@@ -16,25 +16,22 @@ int main(int argc, char **argv)
 {
     namespace fs = std::filesystem;
     if (!freopen("/dev/null", "w", stdout)) return 2;
-    std::vector<fs::path> inputs;
+    size_t count = 0;
     for (int i = 1; i < argc; i++) {
-        if (!fs::is_directory(argv[i])) {
-            inputs.push_back(argv[i]);
-            continue;
-        }
-        for (const auto &e : fs::directory_iterator(argv[i])) {
-            if (e.is_regular_file()) inputs.push_back(e.path());
+        std::vector<fs::path> inputs = {argv[i]};
+        if (fs::is_directory(argv[i])) inputs.assign(fs::directory_iterator(argv[i]), fs::directory_iterator());
+        for (const fs::path &path : inputs) {
+            if (fs::is_directory(path)) continue;
+            std::ifstream in(path, std::ios::binary);
+            if (!in) {
+                fprintf(stderr, "cannot read %s\n", path.c_str());
+                return 1;
+            }
+            std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+            LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+            count++;
         }
     }
-    for (const fs::path &path : inputs) {
-        std::ifstream in(path, std::ios::binary);
-        if (!in) {
-            fprintf(stderr, "cannot read %s\n", path.c_str());
-            return 1;
-        }
-        std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
-    }
-    fprintf(stderr, "replayed %zu inputs\n", inputs.size());
+    fprintf(stderr, "replayed %zu inputs\n", count);
     return 0;
 }

@@ -6,8 +6,6 @@
 
 #include <fstream>
 
-#include "tolvek_log.h"
-
 namespace {
 
 std::string g_private_syslog;
@@ -45,20 +43,4 @@ std::vector<std::string> syslog_capture::lines() const
     std::vector<std::string> out;
     for (std::string line; std::getline(in, line);) out.push_back(line);
     return out;
-}
-
-console_quiet_scope::console_quiet_scope(bool quiet) : saved_(g_tolvek_console_quiet)
-{
-    g_tolvek_console_quiet = quiet;
-}
-
-console_quiet_scope::~console_quiet_scope()
-{
-    g_tolvek_console_quiet = saved_;
-}
-
-arg_vector::arg_vector(std::vector<std::string> words) : words_(std::move(words))
-{
-    for (std::string &w : words_) ptrs_.push_back(&w[0]);
-    ptrs_.push_back(nullptr);
 }

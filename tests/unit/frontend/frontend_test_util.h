@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tolvek_log.h"
+
 /* Standard output written while `fn` runs. */
 template <typename Fn>
 std::string capture_stdout(Fn fn)
@@ -34,8 +36,8 @@ private:
 /* Sets the console quiet flag for one scope and restores it afterwards. */
 class console_quiet_scope {
 public:
-    explicit console_quiet_scope(bool quiet);
-    ~console_quiet_scope();
+    explicit console_quiet_scope(bool quiet) : saved_(g_tolvek_console_quiet) { g_tolvek_console_quiet = quiet; }
+    ~console_quiet_scope() { g_tolvek_console_quiet = saved_; }
 
 private:
     bool saved_;
@@ -44,7 +46,11 @@ private:
 /* Writable argument vector terminated by a null pointer, as main gets it. */
 class arg_vector {
 public:
-    explicit arg_vector(std::vector<std::string> words);
+    explicit arg_vector(std::vector<std::string> words) : words_(std::move(words))
+    {
+        for (std::string &w : words_) ptrs_.push_back(&w[0]);
+        ptrs_.push_back(nullptr);
+    }
     int argc() const { return static_cast<int>(words_.size()); }
     char **argv() { return ptrs_.data(); }
 

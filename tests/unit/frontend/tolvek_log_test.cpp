@@ -7,15 +7,9 @@
 #include <vector>
 
 #include "frontend_test_util.h"
+#include "golden.h"
 
 namespace {
-
-/* What one log statement wrote, and the line it sits on. */
-struct logged {
-    std::string console;
-    std::vector<std::string> syslog;
-    int line;
-};
 
 /* Each helper below logs one statement between begin_capture() and
  * end_capture(), so the function name in the lines is the helper's own. */
@@ -27,28 +21,33 @@ void begin_capture()
     testing::internal::CaptureStdout();
 }
 
-logged end_capture(int line)
+/* The console output and the system-log lines, the statement's own line
+ * number written as @LINE (any other number stays and fails the test). */
+std::string end_capture(int line)
 {
-    logged out{testing::internal::GetCapturedStdout(), g_log->lines(), line};
+    std::string text = "console: " + testing::internal::GetCapturedStdout();
+    for (const std::string &l : g_log->lines()) text += "syslog: " + l + "\n";
     g_log.reset();
-    return out;
+    const std::string number = ":" + std::to_string(line) + "]";
+    for (size_t at; (at = text.find(number)) != std::string::npos;) text.replace(at, number.size(), ":@LINE]");
+    return text + "--\n";
 }
 
-logged debug_with_args(int *counter)
+std::string debug_with_args(int *counter)
 {
     begin_capture();
     TOLVEK_LOGD("count %d, %s%%", ++*counter, "pct");
     return end_capture(__LINE__ - 1);
 }
 
-logged error_ending_in_newline()
+std::string error_ending_in_newline()
 {
     begin_capture();
     TOLVEK_LOGE("invalid input\n");
     return end_capture(__LINE__ - 1);
 }
 
-logged quiet_entry_marker()
+std::string quiet_entry_marker()
 {
     console_quiet_scope quiet(true);
     begin_capture();
@@ -56,29 +55,17 @@ logged quiet_entry_marker()
     return end_capture(__LINE__ - 1);
 }
 
+/* Console and debug system log get the same line, with the level; a
+ * message's own newline adds an empty console line; a quiet console keeps
+ * the system log. */
 TEST(TolvekLog, PairedLinesWithLevelAndArgumentsEvaluatedOnce)
 {
     int counter = 0;
-    const struct {
-        logged l;
-        const char *func;
-        int priority;
-        std::string console; /* after the prefix; empty: nothing at all */
-        std::string syslog;
-    } cases[] = {
-        {debug_with_args(&counter), "debug_with_args", 7, "count 1, pct%\n", "count 1, pct%"},
-        /* The message's own newline and the line's newline: an empty line. */
-        {error_ending_in_newline(), "error_ending_in_newline", 3, "invalid input\n\n", "invalid input\\n"},
-        /* A quiet console keeps the system log. */
-        {quiet_entry_marker(), "quiet_entry_marker", 7, "", "function entry ------------->"},
-    };
+    std::string out = debug_with_args(&counter);
+    out += error_ending_in_newline();
+    out += quiet_entry_marker();
     EXPECT_EQ(counter, 1);
-    for (const auto &c : cases) {
-        const std::string func = c.func, line = std::to_string(c.l.line);
-        EXPECT_EQ(c.l.console, c.console.empty() ? "" : "RIL[" + func + ":" + line + "]: " + c.console);
-        const std::string sys = "\tSUB[shell][tolvek_log_test.cpp:" + line + "] " + func + ": " + c.syslog;
-        EXPECT_EQ(c.l.syslog, std::vector<std::string>{std::to_string(c.priority) + sys});
-    }
+    expect_golden(out, __FILE__, "tolvek_log.golden");
 }
 
 }  // namespace

@@ -4,70 +4,68 @@
  * read whole and in pieces of several sizes, which must all agree. */
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "replay_test_util.h"
+#include "table_file.h"
 
 using namespace replay_test;
 
 namespace {
 
-struct read_result {
-    std::vector<seen_packet> packets;
-    /* "0x1001:1=01 ev1606:9~0000=02/s1 | frames 2, crc 1, other 0x79 1":
-     * per packet its code, timestamp (hex), a truncated timestamp's two
-     * bytes, payload (hex, or "#length" past 8 bytes) and a second
-     * subscription; then the frames and every non-zero skip counter and
-     * count of frames of other commands. */
-    std::string text;
-    uint64_t bytes_read;
-};
-
-const char *const k_reasons[DIAG_SKIP_REASON_COUNT] = {"crc", "escape", "short", "long", "truncated",
-                                                       "log", "event", "wrapper", "sub", "record"};
-
-read_result read_in_pieces(const bytes &stream, diag_capture_format format, size_t piece)
+/* Appends a packet as "0x1001:1=01 " or "ev1606:9~0000=02/s1 ": code,
+ * timestamp (hex), a truncated timestamp's two bytes, payload (hex, or
+ * "#length+byte sum" past 8 bytes) and a second subscription. */
+void describe(void *ctx, const diag_packet &p)
 {
-    read_result r;
-    diag_capture_reader reader(format, collect, &r.packets);
+    std::string &out = *static_cast<std::string *>(ctx);
+    char buf[64];
+    const char *form = p.kind == DIAG_PACKET_LOG ? "0x%04x:%llx" : "ev%u:%llx";
+    snprintf(buf, sizeof(buf), form, p.code, static_cast<unsigned long long>(p.timestamp));
+    out += buf;
+    if (p.ts_truncated) out += "~" + hex(bytes{uint8_t(p.ts_short >> 8), uint8_t(p.ts_short)});
+    bytes payload(p.payload, p.payload + p.length);
+    unsigned sum = std::accumulate(payload.begin(), payload.end(), 0u);
+    out += p.length > 8 ? "#" + std::to_string(p.length) + "+" + std::to_string(sum) : "=" + hex(payload);
+    out += p.sub ? "/s1 " : " ";
+}
+
+const char *const k_reasons[DIAG_SKIP_REASON_COUNT] = {"crc", "escape", "short",   "long", "truncated",
+                                                       "log", "event",  "wrapper", "sub",  "record"};
+
+/* The packets of `stream` fed in pieces of `piece` bytes, then the frames
+ * and every non-zero skip counter and count of frames of other commands:
+ * "0x1001:1=01 ev1606:9=02 | frames 2, crc 1, other 0x79 1". */
+std::string read_in_pieces(const bytes &stream, diag_capture_format format, size_t piece)
+{
+    std::string text;
+    diag_capture_reader reader(format, describe, &text);
     for (size_t at = 0; at < stream.size(); at += piece) {
         reader.feed(stream.data() + at, std::min(piece, stream.size() - at));
     }
     reader.finish();
-    char buf[64];
-    for (const seen_packet &p : r.packets) {
-        const char *form = p.kind == DIAG_PACKET_LOG ? "0x%04x:%llx" : "ev%u:%llx";
-        snprintf(buf, sizeof(buf), form, p.code, static_cast<unsigned long long>(p.timestamp));
-        r.text += buf;
-        if (p.ts_truncated) r.text += "~" + hex(bytes{uint8_t(p.ts_short >> 8), uint8_t(p.ts_short)});
-        r.text += p.payload.size() > 8 ? "#" + std::to_string(p.payload.size()) : "=" + hex(p.payload);
-        r.text += p.sub ? "/s1 " : " ";
-    }
     const diag_capture_counters &n = reader.counters();
-    r.text += "| frames " + std::to_string(n.frames);
+    EXPECT_EQ(n.bytes, stream.size());
+    text += "| frames " + std::to_string(n.frames);
     for (int i = 0; i < DIAG_SKIP_REASON_COUNT; i++) {
-        if (n.skipped[i]) r.text += std::string(", ") + k_reasons[i] + " " + std::to_string(n.skipped[i]);
+        if (n.skipped[i]) text += std::string(", ") + k_reasons[i] + " " + std::to_string(n.skipped[i]);
     }
     for (unsigned c = 0; c < DIAG_COMMAND_VALUES; c++) {
-        snprintf(buf, sizeof(buf), ", other 0x%02x %llu", c, static_cast<unsigned long long>(reader.other_frames()[c]));
-        if (reader.other_frames()[c]) r.text += buf;
+        uint64_t other = reader.other_frames()[c];
+        if (other) text += ", other 0x" + hex(bytes{uint8_t(c)}) + " " + std::to_string(other);
     }
-    r.bytes_read = n.bytes;
-    return r;
+    return text;
 }
 
 /* Reads `stream` whole, then in pieces that split it everywhere: each
- * reading must give the same packets and counters. */
-read_result read_stream(const bytes &stream, diag_capture_format format)
+ * reading must give the same text. */
+std::string read_stream(const bytes &stream, diag_capture_format format)
 {
-    read_result whole = read_in_pieces(stream, format, stream.size() + 1);
-    for (size_t piece : {1, 2, 3, 5, 7, 64, 4096}) {
-        read_result r = read_in_pieces(stream, format, piece);
-        EXPECT_EQ(r.text, whole.text) << "piece " << piece;
-        EXPECT_TRUE(r.packets == whole.packets) << "piece " << piece;
-    }
-    EXPECT_EQ(whole.bytes_read, stream.size());
+    std::string whole = read_in_pieces(stream, format, stream.size() + 1);
+    for (size_t piece : {1, 2, 3, 5, 7, 64, 4096}) EXPECT_EQ(read_in_pieces(stream, format, piece), whole) << piece;
     return whole;
 }
 
@@ -84,24 +82,36 @@ bytes packet_with_crc_byte(uint8_t value, bool high)
     return {};
 }
 
+struct stream_case {
+    std::string name;
+    bytes stream;
+};
+
+/* "name: text" of every stream read as `format`, compared with a golden
+ * file; for AUTO the line also names the format detected. */
+void expect_readings(const std::vector<stream_case> &cases, diag_capture_format format, const char *golden)
+{
+    const char *const names[] = {"auto", "hdlc", "dlf"};
+    std::string out;
+    for (const stream_case &c : cases) {
+        out += c.name + ":";
+        if (format == DIAG_FORMAT_AUTO)
+            out += std::string(" ") + names[diag_capture_detect(c.stream.data(), c.stream.size(), true)];
+        out += " " + read_stream(c.stream, format) + "\n";
+    }
+    expect_golden(out, __FILE__, golden);
+}
+
+/* Payload bytes 7E and 7D, and CRCs holding them in either byte. */
 TEST(CaptureHdlc, EscapedBytesInPayloadAndCrcSurviveAnySplit)
 {
-    std::vector<bytes> packets = {
-        log_packet(0xB193, 0x1122334455667788ull, {0x7E, 0x7D, 0x5E, 0x5D, 0x7E, 0x7E, 0x00, 0x7D}),
-        packet_with_crc_byte(HDLC_FLAG, false),
-        packet_with_crc_byte(HDLC_FLAG, true),
-        packet_with_crc_byte(HDLC_ESCAPE, false),
-        packet_with_crc_byte(HDLC_ESCAPE, true),
-    };
-    std::vector<bytes> frames;
-    for (const bytes &p : packets) frames.push_back(frame(p));
-    read_result r = read_stream(concat(frames), DIAG_FORMAT_HDLC);
-    ASSERT_EQ(r.packets.size(), packets.size()) << r.text;
-    EXPECT_EQ(r.text.substr(0, 35), "0xb193:1122334455667788=7e7d5e5d7e7");
-    EXPECT_EQ(r.text.substr(r.text.size() - 10), "| frames 5");
-    for (size_t i = 0; i < packets.size(); i++) {
-        EXPECT_EQ(r.packets[i].payload, bytes(packets[i].begin() + DIAG_LOG_HEADER_LEN, packets[i].end())) << i;
-    }
+    bytes escapes = log_packet(0xB193, 0x1122334455667788ull, {0x7E, 0x7D, 0x5E, 0x5D, 0x7E, 0x7E, 0x00, 0x7D});
+    bytes stream = concat(
+        {frame(escapes), frame(packet_with_crc_byte(HDLC_FLAG, false)), frame(packet_with_crc_byte(HDLC_FLAG, true)),
+         frame(packet_with_crc_byte(HDLC_ESCAPE, false)), frame(packet_with_crc_byte(HDLC_ESCAPE, true))});
+    EXPECT_EQ(read_stream(stream, DIAG_FORMAT_HDLC),
+              "0xb193:1122334455667788=7e7d5e5d7e7e007d 0xb193:1=6604 0xb193:1=5c01 0xb193:1=3000 0xb193:1=1a00 "
+              "| frames 5");
 }
 
 /* A damaged or malformed frame costs itself only: the next flag starts
@@ -141,35 +151,28 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
     bytes past_frame = two;
     past_frame[1]++;
 
-    const std::string ab = "0x1001:1=01 0x1003:3=03 | frames 2";
-    const std::string logs_sub0 = "0xb193:7=0102 ev1606:9=02 | frames 2";
-    struct {
-        const char *name;
-        bytes stream;
-        std::string want;
-    } cases[] = {
-        {"bad CRC", concat({a, bad_crc, b}), ab + ", crc 1"},
-        {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b}), ab + ", escape 1"},
-        {"too short", concat({a, {0x33, HDLC_FLAG}, b}), ab + ", short 1"},
-        {"leading flags", concat({{HDLC_FLAG, HDLC_FLAG}, a, {HDLC_FLAG}, b}), ab},
-        {"truncated last frame", concat({a, b, truncated}), ab + ", truncated 1"},
-        {"garbage before the first flag", concat({{1, 2, 3, HDLC_FLAG}, a, b}), ab + ", crc 1"},
-        {"oversized frame", concat({huge, a}), "0x1001:1=01 | frames 1, long 1"},
-        {"malformed logs, other commands",
-         concat({frame(short_len), frame(long_len), frame(header_only), frame({0x79, 1, 2}), frame({0x92}), frame(good)}),
-         "0xb0c2:5=090807 | frames 3, log 3, other 0x79 1, other 0x92 1"},
-        {"sub 1", sim(1, 1), logs_sub0},
-        {"sub 2", sim(2, 1), "0xb193:7=0102/s1 ev1606:9=02/s1 | frames 2"},
-        {"sub 0 is the first", sim(0, 1), logs_sub0},
-        {"sub all ones is the first", sim(0xFFFFFFFF, 1), logs_sub0},
-        {"sub 3", sim(3, 1), "| frames 0, sub 2"},
-        {"wrapper version 2", sim(1, 2), "| frames 0, wrapper 2"},
-        {"nested and cut wrappers", concat({frame(wrapped(1, wrapped(2, log))), frame(cut_wrapper)}),
-         "| frames 0, wrapper 2"},
-        {"event reports that do not fit",
-         concat({frame(overrun), frame(counted), frame(past_frame), frame({0x60, 0x00})}), "| frames 0, event 4"},
-    };
-    for (const auto &c : cases) EXPECT_EQ(read_stream(c.stream, DIAG_FORMAT_HDLC).text, c.want) << c.name;
+    expect_readings(
+        {
+            {"bad CRC", concat({a, bad_crc, b})},
+            {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b})},
+            {"too short", concat({a, {0x33, HDLC_FLAG}, b})},
+            {"leading flags", concat({{HDLC_FLAG, HDLC_FLAG}, a, {HDLC_FLAG}, b})},
+            {"truncated last frame", concat({a, b, truncated})},
+            {"garbage before the first flag", concat({{1, 2, 3, HDLC_FLAG}, a, b})},
+            {"oversized frame", concat({huge, a})},
+            {"malformed logs, other commands", concat({frame(short_len), frame(long_len), frame(header_only),
+                                                       frame({0x79, 1, 2}), frame({0x92}), frame(good)})},
+            {"sub 1", sim(1, 1)},
+            {"sub 2", sim(2, 1)},
+            {"sub 0 is the first", sim(0, 1)},
+            {"sub all ones is the first", sim(0xFFFFFFFF, 1)},
+            {"sub 3", sim(3, 1)},
+            {"wrapper version 2", sim(1, 2)},
+            {"nested and cut wrappers", concat({frame(wrapped(1, wrapped(2, log))), frame(cut_wrapper)})},
+            {"event reports that do not fit",
+             concat({frame(overrun), frame(counted), frame(past_frame), frame({0x60, 0x00})})},
+        },
+        DIAG_FORMAT_HDLC, "capture_damaged.golden");
 }
 
 /* Records of every length code, with full and truncated timestamps; a
@@ -178,40 +181,26 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
 TEST(CapturePackets, EventReportSplitsEveryLengthCode)
 {
     bytes report = event_report({
-        event_record(629, 0x1000, false, {}),
-        event_record(1606, 0x12345678, false, {4}),
-        event_record(1632, 0x3457, true, {5, 6}),
-        event_record(3184, 0x12FFFF00, false, {1, 2, 3, 4, 5, 6, 7}),
+        event_record(629, 0x1000, false, {}), event_record(1606, 0x12345678, false, {4}),
+        event_record(1632, 0x3457, true, {5, 6}), event_record(3184, 0x12FFFF00, false, {1, 2, 3, 4, 5, 6, 7}),
         event_record(3243, 0x0001, true, {}), /* just past a wrap of the 24 bits */
         event_record(1995, 0x4000, false, bytes(200, 0x7E)),
         event_record(2568, 0x5555, true, {9}, true), /* counted form of one byte */
         event_record(4095, 0x6000, false, {}, true), /* counted form, length 0 */
     });
-    read_result r = read_stream(frame(report), DIAG_FORMAT_HDLC);
-    EXPECT_EQ(r.text,
-              "ev629:1000= ev1606:12345678=04 ev1632:12345700~3457=0506 ev3184:12ffff00=01020304050607 "
-              "ev3243:13000100~0001= ev1995:4000#200 ev2568:555500~5555=09 ev4095:6000= | frames 1");
-    EXPECT_EQ(r.packets.at(5).payload, bytes(200, 0x7E));
-    r = read_stream(concat({frame(log_packet(0xB193, 0xABCDEF12345678ull, {})),
-                            frame(event_report({event_record(1606, 0x3500, true, {1})}))}),
-                    DIAG_FORMAT_HDLC);
-    EXPECT_EQ(r.text, "0xb193:abcdef12345678= ev1606:abcdef12350000~3500=01 | frames 2");
+    /* The last full timestamp may be a log packet's. */
+    bytes after_log = concat({frame(log_packet(0xB193, 0xABCDEF12345678ull, {})),
+                              frame(event_report({event_record(1606, 0x3500, true, {1})}))});
+    expect_readings({{"every length code", frame(report)}, {"after a log packet", after_log}}, DIAG_FORMAT_HDLC,
+                    "capture_events.golden");
 }
 
 TEST(CapturePackets, TruncatedTimestampTakesTheNearestFullValue)
 {
-    struct {
-        uint64_t last;
-        uint16_t ts16;
-        uint64_t want;
-    } cases[] = {
-        {0x12345678, 0x3457, 0x12345700},
-        {0x12FFFF00, 0x0001, 0x13000100},       /* forward across the wrap */
-        {0x13000100, 0xFFFF, 0x12FFFF00},       /* backward across it */
-        {0, 0xFFFF, 0xFFFF00},                  /* nothing below zero */
-        {UINT64_MAX, 0, 0xFFFFFFFFFF000000ull}, /* nothing above the top */
-    };
-    for (const auto &c : cases) EXPECT_EQ(diag_expand_truncated_ts(c.last, c.ts16), c.want) << std::hex << c.last;
+    for (const table_row &c : read_table(__FILE__, "truncated_timestamps.txt")) {
+        uint64_t last = stoull(c[0], nullptr, 0), want = stoull(c[2], nullptr, 0);
+        EXPECT_EQ(diag_expand_truncated_ts(last, uint16_t(stoul(c[1], nullptr, 0))), want) << c[0];
+    }
 }
 
 TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
@@ -219,12 +208,10 @@ TEST(CaptureDlf, RecordsResyncAndTruncatedEnd)
     bytes a = inner_log(0xB193, 10, {1, 2, 3});
     bytes b = inner_log(0xB0C2, 11, {});
     bytes c = inner_log(0xB064, 12, bytes(300, 0x7E));
-    read_result r = read_stream(concat({a, b, c}), DIAG_FORMAT_DLF);
-    EXPECT_EQ(r.text, "0xb193:a=010203 0xb0c2:b= 0xb064:c#300 | frames 3");
-    EXPECT_EQ(r.packets.at(2).payload, bytes(300, 0x7E));
-    /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
-    r = read_stream(concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)}), DIAG_FORMAT_DLF);
-    EXPECT_EQ(r.text, "0xb193:a=010203 0xb0c2:b= | frames 2, truncated 1, record 1");
+    expect_readings({{"three records", concat({a, b, c})},
+                     /* Three zero bytes (lengths 0) before b: one skip, then b is found. */
+                     {"zeros before b, c cut", concat({a, {0, 0, 0}, b, bytes(c.begin(), c.begin() + 40)})}},
+                    DIAG_FORMAT_DLF, "capture_dlf.golden");
 }
 
 TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
@@ -232,46 +219,43 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
     bytes hdlc_stream = concat({frame(log_packet(0xB193, 1, {1})), frame(log_packet(0xB064, 2, {2})),
                                 frame(event_report({event_record(1606, 3, false, {2})}))});
     bytes dlf_stream;
-    for (int i = 0; i < 40; i++) dlf_stream = concat({dlf_stream, inner_log(0xB193, uint64_t(i), bytes(size_t(i), 0x10))});
+    for (int i = 0; i < 40; i++)
+        dlf_stream = concat({dlf_stream, inner_log(0xB193, uint64_t(i), bytes(size_t(i), 0x10))});
     bytes one_dlf = inner_log(0xB193, 1, {1, 2});
     /* A first frame beyond the frame limit whose bytes also chain as DLF
      * lengths (0x2020) under codes of no log group. */
     bytes oversized = frame(log_packet(0xB193, 1, bytes(HDLC_MAX_FRAME + 4000, 0x20)));
-    struct {
-        const char *name;
-        bytes stream;
-        diag_capture_format format;
-        size_t packets;
-    } cases[] = {
-        {"hdlc", hdlc_stream, DIAG_FORMAT_HDLC, 3},
-        {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
-        {"dlf", dlf_stream, DIAG_FORMAT_DLF, 40},
-        {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5), DIAG_FORMAT_DLF, 39},
-        {"one dlf record", one_dlf, DIAG_FORMAT_DLF, 1},
-        {"garbage", bytes(100, 0x42), DIAG_FORMAT_HDLC, 0},
-        {"only flags", bytes(100000, HDLC_FLAG), DIAG_FORMAT_HDLC, 0},
-        {"first frame over 64 KiB", concat({oversized, hdlc_stream}), DIAG_FORMAT_HDLC, 3},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(read_stream(c.stream, DIAG_FORMAT_AUTO).packets.size(), c.packets) << c.name;
-        EXPECT_EQ(diag_capture_detect(c.stream.data(), c.stream.size(), true), c.format) << c.name;
-    }
+    expect_readings(
+        {
+            {"hdlc", hdlc_stream},
+            {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream})},
+            {"dlf", dlf_stream},
+            {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5)},
+            {"one dlf record", one_dlf},
+            {"garbage", bytes(100, 0x42)},
+            {"only flags", bytes(100000, HDLC_FLAG)},
+            {"first frame over 64 KiB", concat({oversized, hdlc_stream})},
+        },
+        DIAG_FORMAT_AUTO, "capture_detect.golden");
     /* One reader, several inputs: each one is detected afresh. */
-    std::vector<seen_packet> seen;
-    diag_capture_reader reader(DIAG_FORMAT_AUTO, collect, &seen);
+    std::string seen, each;
+    diag_capture_reader reader(DIAG_FORMAT_AUTO, describe, &seen);
     for (const bytes *in : {&dlf_stream, &hdlc_stream, &one_dlf}) {
         reader.feed(in->data(), in->size());
         reader.finish();
+        each += read_stream(*in, DIAG_FORMAT_AUTO);
+        each.erase(each.find("| frames"));
     }
-    EXPECT_EQ(seen.size(), 44u);
+    EXPECT_EQ(seen, each);
     EXPECT_EQ(reader.counters().bytes, dlf_stream.size() + hdlc_stream.size() + one_dlf.size());
     /* A large input is decided without waiting for its end. */
     bytes f = frame(log_packet(0xB193, 1, bytes(100, 3)));
-    diag_capture_reader early(DIAG_FORMAT_AUTO, collect, &seen);
+    seen.clear();
+    diag_capture_reader early(DIAG_FORMAT_AUTO, describe, &seen);
     early.feed(f.data(), f.size());
     early.feed(f.data(), f.size());
     EXPECT_EQ(early.format(), DIAG_FORMAT_HDLC);
-    EXPECT_EQ(seen.size(), 46u);
+    EXPECT_EQ(seen, "0xb193:1#100+300 0xb193:1#100+300 ");
     early.finish();
     EXPECT_EQ(early.format(), DIAG_FORMAT_AUTO);
 }

@@ -6,6 +6,7 @@
 
 #include "replay_format.h"
 #include "replay_options.h"
+#include "table_file.h"
 
 namespace {
 
@@ -17,34 +18,11 @@ uint64_t ts_of(uint64_t seconds, uint64_t ms)
 
 TEST(ReplayTime, CalendarAndMilliseconds)
 {
-    constexpr uint64_t DAY = 86400;
-    struct {
-        uint64_t ts;
-        const char *text;
-        bool iso;
-    } cases[] = {
-        {0, "1980-01-06 00:00:00.000", false},
-        {ts_of(DAY - 1, 999), "1980-01-06 23:59:59.999", false},
-        {ts_of(25 * DAY, 0), "1980-01-31 00:00:00.000", false},
-        {ts_of(54 * DAY, 0), "1980-02-29 00:00:00.000", false},  /* 1980 is a leap year */
-        {ts_of(55 * DAY, 0), "1980-03-01 00:00:00.000", false},
-        {ts_of(7359 * DAY, 0), "2000-02-29 00:00:00.000", false}, /* leap by the 400-year rule */
-        /* 2016-01-17 03:40:41 UTC is Unix 1453002041. */
-        {ts_of(1453002041 - 315964800, 642), "2016-01-17 03:40:41.642", false},
-        {ts_of(4102444800 - 315964800 - 1, 500), "2099-12-31 23:59:59.500", false},
-        /* The sub-millisecond rest never rounds up. */
-        {ts_of(0, 1) - 1, "1980-01-06 00:00:00.000", false},
-        /* The same second three times, the middle one in ISO form. */
-        {ts_of(100, 5), "1980-01-06 00:01:40.005", false},
-        {ts_of(100, 6), "1980-01-06T00:01:40.006Z", true},
-        {ts_of(100, 7), "1980-01-06 00:01:40.007", false},
-        /* 2^64 units are about 11149 years. */
-        {UINT64_MAX, "13129-07-01 06:54:48.319", false},
-    };
-    for (const auto &c : cases) {
+    for (const table_row &c : read_table(__FILE__, "replay_times.txt")) {
+        uint64_t ts = c[0] == "units" ? stoull(c[1], nullptr, 0) : ts_of(stoull(c[0]), stoull(c[1]));
         std::string s;
-        replay_append_time(&s, c.ts, c.iso);
-        EXPECT_EQ(s, c.text) << c.ts;
+        replay_append_time(&s, ts, c[2] == "iso");
+        EXPECT_EQ(s, c[3]) << ts;
     }
 }
 
@@ -61,73 +39,56 @@ TEST(ReplayHeader, LogEventAndTruncatedTimestamp)
               "#9 1980-01-06 00:01:01.000 UTC event 1606 length 0 sub 0 ts16 0x0abc\n");
 }
 
+/* One JSON string a line, then the hex of four bytes. */
 TEST(ReplayJson, StringsEscapeWhatJsonRequires)
 {
-    struct {
-        std::string in;
-        const char *out;
-    } cases[] = {
-        {"plain text = 1, x(2)", "\"plain text = 1, x(2)\""},
-        {"q\"b\\s/", "\"q\\\"b\\\\s/\""},
-        {std::string("nl\n cr\r tab\t nul") + '\0' + "\x01\x1f", "\"nl\\n cr\\r tab\\t nul\\u0000\\u0001\\u001f\""},
-        {"caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6", "\"caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6\""},
+    const std::string inputs[] = {
+        "plain text = 1, x(2)",
+        "q\"b\\s/",
+        std::string("nl\n cr\r tab\t nul") + '\0' + "\x01\x1f",
+        "caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6",
         /* Not UTF-8: a lone continuation byte, a cut sequence, an overlong
          * form and an encoded surrogate keep their byte values. */
-        {"\x80", "\"\\u0080\""},
-        {"a\xc3", "\"a\\u00c3\""},
-        {"\xc0\xaf", "\"\\u00c0\\u00af\""},
-        {"\xed\xa0\x80", "\"\\u00ed\\u00a0\\u0080\""},
-        {"", "\"\""},
+        "\x80",
+        "a\xc3",
+        "\xc0\xaf",
+        "\xed\xa0\x80",
+        "",
     };
-    for (const auto &c : cases) {
-        std::string s;
-        replay_append_json_string(&s, c.in.data(), c.in.size());
-        EXPECT_EQ(s, c.out) << c.in;
+    std::string out;
+    for (const std::string &in : inputs) {
+        replay_append_json_string(&out, in.data(), in.size());
+        out += "\n";
     }
-    std::string hex;
     const uint8_t data[] = {0x00, 0x7e, 0xff, 0x10};
-    replay_append_hex(&hex, data, sizeof(data));
-    EXPECT_EQ(hex, "007eff10");
+    replay_append_hex(&out, data, sizeof(data));
+    expect_golden(out + "\n", __FILE__, "replay_json.golden");
 }
 
-replay_options parse_ok(std::vector<const char *> args)
-{
-    replay_options opts;
-    std::string error;
-    EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &opts, &error)) << error;
-    return opts;
-}
-
-/* The codes a filter selects. */
-std::vector<size_t> chosen(const std::vector<bool> &selected)
-{
-    std::vector<size_t> codes;
-    for (size_t i = 0; i < selected.size(); i++) {
-        if (selected[i]) codes.push_back(i);
-    }
-    return codes;
-}
-
+/* Each command line of replay_command_lines.txt and every option it
+ * gives, compared with a golden file. */
 TEST(ReplayOptions, FormsThatParse)
 {
-    replay_options o = parse_ok({"-s", "--format=dlf", "a.qmdl", "-", "--", "-j"});
-    EXPECT_EQ(o.mode, REPLAY_OUTPUT_SUMMARY);
-    EXPECT_EQ(o.format, DIAG_FORMAT_DLF);
-    EXPECT_EQ(o.inputs, (std::vector<std::string>{"a.qmdl", "-", "-j"}));
-    EXPECT_FALSE(o.filter);
-
-    o = parse_ok({"--log", "0xB193,45236", "-l", "0x1", "-e", "1606", "--event=4095", "--json", "x"});
-    EXPECT_TRUE(o.filter);
-    EXPECT_EQ(o.mode, REPLAY_OUTPUT_JSON);
-    EXPECT_EQ(chosen(o.logs), (std::vector<size_t>{1, 0xB0B4, 0xB193}));
-    EXPECT_EQ(chosen(o.events), (std::vector<size_t>{1606, 4095}));
-    /* Decimal despite the leading zero. */
-    EXPECT_EQ(chosen(parse_ok({"--event", "01606", "x"}).events), std::vector<size_t>{1606});
-
-    EXPECT_TRUE(parse_ok({"--help"}).help);
-    o = parse_ok({"-f", "hdlc", "--no-progress", "/dev/ttyUSB0"});
-    EXPECT_EQ(o.format, DIAG_FORMAT_HDLC);
-    EXPECT_FALSE(o.progress);
+    std::string out;
+    for (const table_row &words : read_table(__FILE__, "replay_command_lines.txt")) {
+        std::vector<const char *> args;
+        for (const std::string &w : words) args.push_back(w.c_str());
+        replay_options o;
+        std::string error;
+        EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &o, &error)) << error;
+        out += "$";
+        for (const std::string &w : words) out += " " + w;
+        out += "\n  format " + std::to_string(o.format) + ", mode " + std::to_string(o.mode) + ", filter " +
+               std::to_string(o.filter) + ", progress " + std::to_string(o.progress) + ", help " +
+               std::to_string(o.help) + ", pcap '" + o.pcap + "'\n  logs";
+        for (size_t i = 0; i < o.logs.size(); i++) out += o.logs[i] ? " " + std::to_string(i) : "";
+        out += "\n  events";
+        for (size_t i = 0; i < o.events.size(); i++) out += o.events[i] ? " " + std::to_string(i) : "";
+        out += "\n  inputs";
+        for (const std::string &in : o.inputs) out += " '" + in + "'";
+        out += "\n";
+    }
+    expect_golden(out, __FILE__, "replay_options.golden");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 /* Builders of diag capture bytes, shared by the reader tests and the
- * rlk-replay end-to-end tests, and a collector of what the reader hands
- * over. */
+ * rlk-replay end-to-end tests. */
 #ifndef RLK_REPLAY_TEST_UTIL_H
 #define RLK_REPLAY_TEST_UTIL_H
 
@@ -94,29 +93,6 @@ std::string hex(const T &b, size_t from = 0)
         out += digits[uint8_t(b[i]) & 15];
     }
     return out;
-}
-
-/* A packet as handed over, with its payload copied. */
-struct seen_packet {
-    diag_packet_kind kind;
-    uint16_t code;
-    uint8_t sub;
-    bool ts_truncated;
-    uint16_t ts_short;
-    uint64_t timestamp;
-    bytes payload;
-    bool operator==(const seen_packet &o) const
-    {
-        return kind == o.kind && code == o.code && sub == o.sub && ts_truncated == o.ts_truncated &&
-               ts_short == o.ts_short && timestamp == o.timestamp && payload == o.payload;
-    }
-};
-
-inline void collect(void *ctx, const diag_packet &p)
-{
-    auto *out = static_cast<std::vector<seen_packet> *>(ctx);
-    out->push_back({p.kind, p.code, p.sub, p.ts_truncated, p.ts_short, p.timestamp,
-                    bytes(p.payload, p.payload + p.length)});
 }
 
 }  // namespace replay_test
