@@ -1,7 +1,7 @@
-/* Option 11 through the real rlk against a private simulator: argument
- * notes, SSR around the restart level, full dump with the saved level and
- * the update count, NV sync, the print switches, and the subsystem restart
- * seen from both sides. */
+/* Option 11's runs that restart the modem, against a private simulator:
+ * SSR around the restart level, full dump with the saved level and the
+ * update count, the modem print switches, and the subsystem restart seen
+ * from both sides (notes, the AP switch and NV sync are a transcript). */
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,18 +19,6 @@ const char k_level[] = "persist.vendor.ssr.restart_level";
 const char k_level_bak[] = "persist.vendor.ssr.restart_level_bak";
 const char k_wait[] = "persist.radio.ssr_wait_s";
 const char k_update_count[] = "/nv/item_files/modem/tolvek/ssr_update_count";
-
-const std::string k_help_11 =
-    "\n=========== blew: radio_lab_kit(rlk) cmd help =======================================================\n"
-    "11: smart test\n"
-    "   rlk 11 0                      /* trigger SSR of modem */\n"
-    "   rlk 11 1                      /* trigger Full Dump */\n"
-    "   rlk 11 2                      /* trigger NV SYNC */\n"
-    "   rlk 11 3 opt                  /* ap orvex print(need reboot), opt: 0 - off; 1 - on */\n"
-    "   rlk 11 4 opt                  /* bp orvex print, opt: 0 - off; 1 - on */\n"
-    "   rlk 11 5 opt                  /* bp qmi print, opt: 0 - off; 1 - on */\n"
-    "   rlk 11 6 opt                  /* bp rf print, opt: 0 - off; 1 - on */\n"
-    "=========== above: radio_lab_kit(rlk) cmd help =======================================================\n\n";
 
 /* Each of `texts` in `out`, in this order, and none of `absent`. */
 void expect_texts(const std::string &out, const std::vector<std::string> &texts,
@@ -89,46 +77,6 @@ protected:
 
     sim_instance sim;
 };
-
-TEST_F(SmartTestTest, ArgumentNotesApPrintSwitchAndNvSync)
-{
-    const std::string few = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
-    const struct {
-        std::vector<std::string> args;
-        std::string note;
-    } cases[] = {
-        {{"11"}, few},
-        {{"11", "0"}, few},
-        {{"11", "0", "2"}, "\nnote: opt(2) is invalid:\n"},
-        {{"11", "3", "-1"}, "\nnote: opt(-1) is invalid:\n"},
-        {{"11", "7", "0"}, "invalid par_i = 7\n"},
-        {{"11", "-1", "1"}, "invalid par_i = -1\n"},
-        {{"11", "9", "5"}, "\nnote: opt(5) is invalid:\n"}, /* the opt is judged first */
-    };
-    for (const auto &c : cases) {
-        rlk_run r = rlk(c.args);
-        EXPECT_EQ(r.out, c.note + k_help_11) << testing::PrintToString(c.args);
-        EXPECT_EQ(r.status, 0);
-    }
-    /* The AP print switch sets the statistics property ("on" is atoi's 0,
-     * a valid off). */
-    const char *const switches[][3] = {{"1", "1", "1"}, {"0", "0", "2"}, {"1", "1", "1"}, {"on", "0", "2"}};
-    for (const auto &s : switches) {
-        expect_texts(rlk({"11", "3", s[0]}).out,
-                     {std::string("]: ap_orvex_print, opt = ") + s[1] + "\n\n", "]: success, need to reboot\n"},
-                     {"note:"});
-        EXPECT_EQ(prop("persist.vendor.radio.print_stats"), s[2]) << s[0];
-    }
-    EXPECT_EQ(typed_requests(), typed{});
-
-    /* NV sync flushes the modem store and restarts nothing. */
-    expect_texts(rlk({"11", "2", "1"}).out, {"Will trigger NV SYNC\nRIL[tolvek_send_common_qmi_msg:", "]: l 0\n"},
-                 {"note:"});
-    EXPECT_EQ(typed_requests(), (typed{{35, -1}}));
-    EXPECT_EQ(ext_last_requests(sim, 1).at(0).u32(12), 0u) << "no value";
-    EXPECT_EQ(counter("ext.nv_sync"), 1);
-    EXPECT_EQ(counter("ext.restart.down"), 0);
-}
 
 TEST_F(SmartTestTest, SsrAroundTheLevelWithAndWithoutWaits)
 {
