@@ -16,17 +16,19 @@ namespace {
 /* The UIM service restarts while a request is in flight; the run fails at
  * that step, and a second run finishes the switch.  The restart came
  * between disable and delete: the second run deleted the profile the first
- * one noted, and only that one. */
+ * one noted, and only that one.  With debug on, the console shows the
+ * steps. */
 TEST(EsimSwitch, RestartHalfWayIsFinishedByASecondRun)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
     const struct {
-        const char *esim_on, *crash_on, *failure, *resumed;
+        const char *esim_on, *crash_on, *failure, *resumed, *step;
     } cases[] = {
-        {"1", "0x31", "esim step \"power up SIM2\" failed, code -2", "EFS already holds this EID"},
+        {"1", "0x31", "esim step \"power up SIM2\" failed, code -2", "EFS already holds this EID",
+         "]: esim step: power up SIM2"},
         {"2", "apdu:BF33", "esim step \"delete profile\" failed, code -2",
-         "profile 89445000000000000017 was left disabled by an earlier run"},
+         "profile 89445000000000000017 was left disabled by an earlier run", "]: esim step: close logical channel 1"},
     };
     for (const auto &c : cases) {
         sim.ctl_ok(std::string("uim crash-on ") + c.crash_on + " 100");
@@ -36,6 +38,7 @@ TEST(EsimSwitch, RestartHalfWayIsFinishedByASecondRun)
         out = sim.run_rlk({"5", "10", c.esim_on, "1"}).out;
         EXPECT_NE(out.find(": ok (0)"), std::string::npos) << out;
         EXPECT_NE(out.find(c.resumed), std::string::npos) << out;
+        EXPECT_NE(out.find(c.step), std::string::npos) << "the console shows the steps\n" << out;
     }
     std::string state = sim.ctl_ok("uim state");
     EXPECT_EQ(state.find("89445000000000000017"), std::string::npos) << state;
