@@ -1,7 +1,8 @@
-/* `rlk 9` where a transcript cannot tell: what the Android log holds, the
- * service restarted between runs (it forgets the started collection until
- * the next run starts it again) with the counters option 7 reports, and
- * the ten real attempts, a second apart, against an absent service. */
+/* `rlk 9` where a transcript cannot tell: what the Android log holds, that
+ * an invalid sub sends nothing, the service restarted between runs (it
+ * forgets the started collection until the next run starts it again) with
+ * the counters option 7 reports, and the ten real attempts, a second
+ * apart, against an absent service. */
 #include <string>
 
 #include <gtest/gtest.h>
@@ -18,6 +19,8 @@ TEST(Option9, LogRestartCountersAndAbsentServiceTenRealAttempts)
     rlk_run unknown = sim.run_rlk({"9", "13", "0"});
     ASSERT_FALSE(unknown.logcat.empty());
     EXPECT_EQ(unknown.logcat.back().text, "modem_api_release: function exit");
+    sim.run_rlk({"9", "0", "2"});
+    EXPECT_EQ(sim.ctl_ok("last 256 vs").find("0x0207"), std::string::npos) << "an invalid sub sends nothing";
 
     sim.ctl_ok("counter set stats.main.cmd_ok_count 0");
     EXPECT_NE(sim.run_rlk({"9", "20", "0"}).out.find("ASDIV DATA: rx_agc_0: -72.50"), std::string::npos);
