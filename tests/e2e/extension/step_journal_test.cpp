@@ -62,12 +62,16 @@ std::string journal_of(const std::string &path)
         std::istringstream words(line.substr(2));
         std::string program;
         words >> program;
+        if (program != "rlk" && program != "ext_probe") {
+            journal += line + "\nno such program\n";
+            continue;
+        }
         std::vector<std::string> args;
         for (std::string w; words >> w;) args.push_back(w);
         rlk_run r = sim.run_program(program == "ext_probe" ? EXT_PROBE_BINARY : RLK_BINARY, args);
         std::string printed = r.out + (r.out.empty() || r.out.back() == '\n' ? "" : "(no newline at end)\n");
         for (const log_line &l : program == "rlk" ? r.syslog : std::vector<log_line>()) {
-            printed += "log " + std::to_string(l.priority) + "| " + l.text + (l.text.back() == '\n' ? "" : "\n");
+            printed += "log " + std::to_string(l.priority) + "| " + l.text + (l.text.empty() || l.text.back() != '\n' ? "\n" : "");
         }
         journal += line + "\n" + stable_text(printed);
         if (r.status != 0) journal += "? wait status " + std::to_string(r.status) + "\n";
