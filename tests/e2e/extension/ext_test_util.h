@@ -57,13 +57,6 @@ inline std::vector<ext_wire_request> ext_last_requests(const sim_instance &sim, 
     return out;
 }
 
-/* Requests the extension service has received since the simulator
- * started. */
-inline long long ext_request_count(const sim_instance &sim)
-{
-    return atoll(sim.ctl_ok("counter get ext.requests").c_str());
-}
-
 /* One run of the library driver: its output and the fields of its final
  * "PROBE ..." line. */
 struct probe_run {
@@ -123,14 +116,6 @@ protected:
         std::vector<std::string> argv;
         for (std::string w; in >> w;) argv.push_back(w);
         return sim.run_rlk(argv);
-    }
-    /* The output of rlk `args` holds `text`, or with `present` false does
-     * not; the run, for more checks. */
-    rlk_run expect_out(const std::string &args, const std::string &text, bool present = true)
-    {
-        rlk_run r = rlk(args);
-        EXPECT_EQ(has_text(r.out, text), present) << args << "\n" << r.out;
-        return r;
     }
 
     sim_instance sim;
