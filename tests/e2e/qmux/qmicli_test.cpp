@@ -4,104 +4,73 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <regex>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "golden.h"
 #include "process_runner.h"
 #include "sim_fixture.h"
 
 namespace {
 
 constexpr const char k_qmicli[] = "/usr/bin/qmicli";
+/* qmicli names a loaded file by its SHA-1: that of carrier.mbn below. */
+constexpr const char k_loaded_id[] = "6d3a11e610b5348991de0c995214b81a9bdaeb9e";
 
-class QmicliOverQmux : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        if (access(k_qmicli, X_OK) != 0) GTEST_SKIP() << "qmicli is not installed (apt-get install libqmi-utils)";
-        sim_.enable_qmux();
-        ASSERT_TRUE(sim_.start());
-    }
-
-    /* Runs one qmicli command on the device; fails the test unless it
-     * exits 0 and released its client id. */
-    std::string qmicli(const std::string &command)
-    {
-        run_result r = run_process({k_qmicli, "-d", sim_.qmux_path(), "--device-open-qmi", command}, {}, "", 20000);
-        EXPECT_TRUE(exited_cleanly(r.status)) << command << "\n" << r.out << r.err;
-        EXPECT_EQ(sim_.ctl("qmux clients"), "ok") << command << " left a client id allocated";
-        return r.out;
-    }
-
-    sim_instance sim_;
-};
-
-/* Reads, the SAR state set by qmicli (and shown by rlk), and slot two
- * powered off and on. */
-TEST_F(QmicliOverQmux, CommandsGiveTheModemsAnswers)
+/* Reads, the SAR state set by qmicli (and shown by rlk), slot two powered
+ * off and on, and a configuration loaded, listed and activated: the
+ * session's whole output (each command's, and the simulator's state where
+ * a command changed it) is qmicli_session.golden. */
+TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
 {
-    const struct {
-        std::string command;
-        std::vector<const char *> expected;
-        const char *uim_state = nullptr; /* what the simulator's UIM state holds after the step */
-    } steps[] = {
-        {"--dms-get-ids", {"IMEI: '355343101234560'", "ESN: '0'", "MEID: '0'"}},
-        {"--dms-get-revision", {"Revision: 'RLK.MPSS.1.0'"}},
-        {"--uim-get-card-status", {"Slot [1]:", "Slot [2]:", "Card state: 'present'", "Application state: 'ready'"}},
-        {"--uim-get-slot-status", {"2 physical slots found", "Physical slot 1:", "Slot status: active"}},
-        {"--sar-rf-get-state", {"Successfully got SAR RF state: 0"}},
-        {"--pdc-list-configs=software",
-         {"Total configurations: 5", "Description: ROW generic 3GPP", "Status:      Active", "Size:        118784"}},
-        {"--sar-rf-set-state=9", {"RF state set successfully"}},
-        {"--sar-rf-get-state", {"SAR RF state: 9"}},
-        {"--uim-sim-power-off=2", {"Successfully performed SIM power off"}, "slot2 off"},
-        {"--uim-get-card-status", {"Slot [2]:\n\tCard state: 'error: power-down (1)'"}},
-        {"--uim-sim-power-on=2", {"Successfully performed SIM power on"}, "slot2 on"},
-    };
-    for (const auto &s : steps) {
-        std::string out = qmicli(s.command);
-        for (const char *e : s.expected) EXPECT_NE(out.find(e), std::string::npos) << s.command << ": " << e << "\n"
-                                                                                    << out;
-        if (s.uim_state) {
-            EXPECT_NE(sim_.ctl_ok("uim state").find(s.uim_state), std::string::npos) << s.command;
-        }
-    }
-    EXPECT_EQ(sim_.ctl_ok("sar state"), "9");
-    EXPECT_NE(sim_.run_rlk({"5", "5"}).out.find("SAR DSI: 9"), std::string::npos);
-}
-
-TEST_F(QmicliOverQmux, LoadedConfigurationIsListedAndActivated)
-{
-    std::string path = sim_.dir() + "/carrier.mbn";
+    if (access(k_qmicli, X_OK) != 0) GTEST_SKIP() << "qmicli is not installed (apt-get install libqmi-utils)";
+    sim_instance sim;
+    sim.enable_qmux();
+    ASSERT_TRUE(sim.start());
+    const std::string mbn = sim.dir() + "/carrier.mbn";
     {
-        std::ofstream f(path, std::ios::binary);
+        std::ofstream f(mbn, std::ios::binary);
         for (int i = 0; i < 50000; i++) f.put(char(i * 7 + 3)); /* several chunks of qmicli's size */
     }
-    EXPECT_NE(qmicli("--pdc-load-config=" + path).find("Finished loading"), std::string::npos);
-    std::string out = qmicli("--pdc-list-configs=software");
-    EXPECT_NE(out.find("Total configurations: 6"), std::string::npos) << out;
-    EXPECT_NE(out.find("Size:        50000"), std::string::npos) << out;
-    /* qmicli names a loaded file by its SHA-1, printed as colon-separated hex. */
-    std::string id;
-    for (size_t i = out.rfind("ID:") + 3; i < out.size() && out[i] != '\n'; i++) {
-        if (isxdigit(static_cast<unsigned char>(out[i]))) id += out[i];
+    std::string session;
+    auto qmicli = [&](const std::string &command) {
+        run_result r = run_process({k_qmicli, "-d", sim.qmux_path(), "--device-open-qmi", command}, {}, "", 20000);
+        EXPECT_TRUE(exited_cleanly(r.status)) << command << "\n" << r.out << r.err;
+        EXPECT_EQ(sim.ctl("qmux clients"), "ok") << command << " left a client id allocated";
+        session += "$ qmicli " + command + "\n" + r.out;
+    };
+    auto state = [&](const std::string &request) { session += "> " + request + "\n" + sim.ctl(request) + "\n"; };
+    for (const char *command : {"--dms-get-ids", "--dms-get-revision", "--uim-get-card-status",
+                                "--uim-get-slot-status", "--sar-rf-get-state", "--pdc-list-configs=software",
+                                "--sar-rf-set-state=9", "--sar-rf-get-state"}) {
+        qmicli(command);
     }
-    ASSERT_EQ(id.size(), 40u) << out;
-    sim_.ctl_ok("pdc timing 100 100");
-    out = qmicli("--pdc-activate-config=software," + id);
-    EXPECT_NE(out.find("Successfully requested config activation"), std::string::npos) << out;
+    state("sar state");
+    session += "$ rlk 5 5\n" + sim.run_rlk({"5", "5"}).out;
+    qmicli("--uim-sim-power-off=2");
+    state("uim state");
+    qmicli("--uim-get-card-status");
+    qmicli("--uim-sim-power-on=2");
+    state("uim state");
+    qmicli("--pdc-load-config=" + mbn);
+    qmicli("--pdc-list-configs=software");
+    sim.ctl_ok("pdc timing 100 100");
+    qmicli(std::string("--pdc-activate-config=software,") + k_loaded_id);
     /* The modem restarts 50 ms after the activation's indication: the
      * list waits until it is back rather than racing the restart. */
-    bool back = false;
-    for (long long end = monotonic_ms() + 5000; !back && monotonic_ms() < end; usleep(10000)) {
-        back = sim_.ctl_ok("counter get pdc.restarts") == "1" &&
-               sim_.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
-    }
-    ASSERT_TRUE(back);
-    out = qmicli("--pdc-list-configs=software");
-    EXPECT_NE(out.find("Size:        50000\n\tStatus:      Active"), std::string::npos) << out;
+    ASSERT_TRUE(poll_until(
+        [&] {
+            return sim.ctl("counter get pdc.restarts") == "ok 1" &&
+                   sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+        },
+        5000));
+    qmicli("--pdc-list-configs=software");
+    for (size_t at; (at = session.find(sim.dir())) != std::string::npos;) session.replace(at, sim.dir().size(), "$DIR");
+    /* qmicli's own progress lines of the load are left out. */
+    session = std::regex_replace(session, std::regex("(Uploaded|Loading next chunk) [^\\n]*\\n"), "");
+    expect_golden(session, __FILE__, "qmicli_session.golden");
 }
 
 }  // namespace
