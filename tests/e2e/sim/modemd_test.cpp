@@ -1,7 +1,6 @@
 /* rlk-modemd as a process: one daemon per state directory, clean exit,
  * crash-safe state, damaged state files refused, many clients at once,
- * shared properties, and the on-demand start by a client at the default
- * socket. */
+ * and shared properties. */
 #include <signal.h>
 
 #include <atomic>
@@ -148,32 +147,6 @@ TEST(Modemd, ServesManyClientsAndConcurrentPropertyWritersAtOnce)
     EXPECT_LT(property_set("persist.test.long", std::string(92, 'x').c_str()), 0);
     ASSERT_TRUE(sim.restart());
     EXPECT_EQ(property_get("persist.test.writer3", value, nullptr), 2) << "restarting keeps them";
-}
-
-/* With no RLK_MODEMD_SOCKET, the first client starts a simulator at the
- * per-user default, detached from the client's standard streams, and the
- * simulator leaves once idle. */
-TEST(Modemd, StartsOnDemandAtTheDefaultSocket)
-{
-    temp_dir runtime;
-    long long start = monotonic_ms();
-    run_result r = run_process({PLATFORM_PROBE_BINARY},
-                               {"RLK_MODEMD_SOCKET=", "XDG_RUNTIME_DIR=" + runtime.path,
-                                std::string("RLK_MODEMD=") + RLK_MODEMD_BINARY, "RLK_MODEMD_IDLE_EXIT=1"},
-                               "", 10000);
-    EXPECT_EQ(r.out, "0 1\n");
-    EXPECT_LT(monotonic_ms() - start, 2000) << "the probe returned without waiting for the simulator to exit";
-    pid_t pid = atoi(file_text(runtime.path + "/rlk-modemd/state/lock").c_str());
-    ASSERT_GT(pid, 0);
-    for (int fd = 0; fd <= 2; fd++) {
-        char link[256] = {0};
-        std::string p = "/proc/" + std::to_string(pid) + "/fd/" + std::to_string(fd);
-        EXPECT_GT(readlink(p.c_str(), link, sizeof(link) - 1), 0);
-        EXPECT_STREQ(link, "/dev/null") << "fd " << fd;
-    }
-    EXPECT_EQ(access((runtime.path + "/rlk-modemd/state/modemd.log").c_str(), F_OK), 0) << "logs to its state dir";
-    /* Idle for a second: it exits on its own. */
-    EXPECT_TRUE(wait_until([&] { return kill(pid, 0) != 0; }, 5000)) << "still running after its idle time";
 }
 
 }  // namespace
