@@ -6,8 +6,6 @@
 #include <atomic>
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "../../unit/sim/sim_test_util.h"
 #include "cutils/properties.h"
 #include "ext_request.h"
@@ -38,14 +36,13 @@ TEST(Modemd, StateSurvivesSigkillDuringWrites)
     ASSERT_TRUE(sim.start());
     constexpr int k_files = 6;
     constexpr size_t k_size = 16384;
-    for (int f = 0; f < k_files; f++) sim.ctl_ok("efs put /burst/f" + std::to_string(f) + " " + hex_fill(0, k_size));
+    auto put = [](int f, int v) { return "efs put /burst/f" + std::to_string(f) + " " + hex_fill(uint8_t(v), k_size); };
+    for (int f = 0; f < k_files; f++) sim.ctl_ok(put(f, 0));
     for (int round = 1; round <= 4; round++) {
         std::atomic<bool> stop{false};
         std::thread writer([&] {
             for (int v = 1; !stop; v++) {
-                for (int f = 0; f < k_files && !stop; f++) {
-                    sim.ctl("efs put /burst/f" + std::to_string(f) + " " + hex_fill(uint8_t(v), k_size));
-                }
+                for (int f = 0; f < k_files && !stop; f++) sim.ctl(put(f, v));
             }
         });
         usleep(20000 + 7000 * round);
@@ -130,9 +127,8 @@ TEST(Modemd, ServesManyClientsAndConcurrentPropertyWritersAtOnce)
     for (auto &t : threads) t.join();
     EXPECT_EQ(good.load(), k_clients * k_requests);
     for (int w = 0; w < k_writers; w++) {
-        run_result r = run_process({PLATFORM_PROBE_BINARY, "getprop", "persist.test.writer" + std::to_string(w)},
-                                   sim.env());
-        EXPECT_EQ(r.out, "2 24\n");
+        EXPECT_EQ(sim.run_program(PLATFORM_PROBE_BINARY, {"getprop", "persist.test.writer" + std::to_string(w)}).out,
+                  "2 24\n");
     }
     /* A value keeps its spaces; an unset key gives the default; 91
      * characters fit and 92 do not. */
