@@ -1,17 +1,10 @@
 /* Debian's qmicli, a QMI tool of its own, drives rlk-modemd's QMUX device
  * as it drives a USB modem: each command gives the simulated modem's
  * answer, and leaves no client id allocated behind it. */
-#include <unistd.h>
-
-#include <fstream>
 #include <regex>
-#include <string>
 
-#include <gtest/gtest.h>
-
+#include "../../unit/sim/sim_test_util.h"
 #include "golden.h"
-#include "process_runner.h"
-#include "sim_fixture.h"
 
 namespace {
 
@@ -30,10 +23,9 @@ TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
     sim.enable_qmux();
     ASSERT_TRUE(sim.start());
     const std::string mbn = sim.dir() + "/carrier.mbn";
-    {
-        std::ofstream f(mbn, std::ios::binary);
-        for (int i = 0; i < 50000; i++) f.put(char(i * 7 + 3)); /* several chunks of qmicli's size */
-    }
+    std::string data(50000, 0); /* several chunks of qmicli's size */
+    for (size_t i = 0; i < data.size(); i++) data[i] = char(i * 7 + 3);
+    write_file(mbn, data);
     std::string session;
     auto qmicli = [&](const std::string &command) {
         run_result r = run_process({k_qmicli, "-d", sim.qmux_path(), "--device-open-qmi", command}, {}, "", 20000);

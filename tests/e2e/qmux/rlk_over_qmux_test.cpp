@@ -5,21 +5,13 @@
  * never answers or never runs dry. */
 #include <fcntl.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <fstream>
 #include <regex>
-#include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-
+#include "../../unit/sim/sim_test_util.h"
 #include "golden.h"
-#include "process_runner.h"
-#include "sim_fixture.h"
 
 namespace {
 
@@ -48,13 +40,10 @@ protected:
     {
         sim_.enable_qmux();
         ASSERT_TRUE(sim_.start());
-        device_ = {"RLK_QMI_DEVICE=" + sim_.qmux_path()};
-        beside_ = sim_.env();
-        beside_.push_back(device_[0]);
+        device_ = "RLK_QMI_DEVICE=" + sim_.qmux_path();
     }
     sim_instance sim_;
-    std::vector<std::string> device_; /* the device alone */
-    std::vector<std::string> beside_; /* the device, the simulator's socket beside it */
+    std::string device_; /* the device; runs of the fixture have the simulator's socket beside it */
 };
 
 /* The SAR query, the eSIM switch and back, the MBN list and a load of
@@ -67,10 +56,9 @@ TEST_F(RlkOverQmux, RunsMatchTheSocketAndLeaveNoClientId)
     sim_instance plain;
     ASSERT_TRUE(plain.start());
     const std::string mbn = sim_.dir() + "/large.mbn";
-    {
-        std::ofstream f(mbn, std::ios::binary);
-        for (int i = 0; i < 150000; i++) f.put(char(i * 13 + 1));
-    }
+    std::string data(150000, 0);
+    for (size_t i = 0; i < data.size(); i++) data[i] = char(i * 13 + 1);
+    write_file(mbn, data);
     const std::vector<std::vector<std::string>> runs = {
         {RLK_BINARY, "5", "5"},       {RLK_BINARY, "5", "10", "1", "1"}, {RLK_BINARY, "5", "10", "2", "1"},
         {RLK_MBN_BINARY, "list"},     {RLK_MBN_BINARY, "load", mbn, "--id", "LARGE"},
@@ -81,7 +69,7 @@ TEST_F(RlkOverQmux, RunsMatchTheSocketAndLeaveNoClientId)
     for (const auto &run : runs) {
         const std::vector<std::string> args(run.begin() + 1, run.end());
         rlk_run socket = plain.run_program(run[0], args);
-        rlk_run device = sim_.run_program(run[0], args, device_);
+        rlk_run device = sim_.run_program(run[0], args, {device_});
         EXPECT_EQ(device.status, socket.status) << args[0] << device.err;
         EXPECT_EQ(comparable(device.out), comparable(socket.out)) << args[0];
         EXPECT_EQ(sim_.ctl_ok("uim state"), plain.ctl_ok("uim state")) << args[0];
@@ -109,11 +97,13 @@ TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
         std::string journal = sim_.ctl("last 64 sar");
         return std::count(journal.begin(), journal.end(), '\n');
     };
+    std::vector<std::string> beside = sim_.env();
+    beside.push_back(device_);
     int cid = 0;
     for (int sig : {SIGTERM, SIGINT, SIGKILL}) {
         sim_.ctl_ok("delay sar 2 10000 1");
         long requests = sar_requests();
-        pid_t pid = spawn_process({RLK_BINARY, "5", "5"}, beside_, {-1, -1, -1});
+        pid_t pid = spawn_process({RLK_BINARY, "5", "5"}, beside, {-1, -1, -1});
         ASSERT_GT(pid, 0);
         std::string held = wait_clients(sim_, "ok\n0x11 " + std::to_string(++cid));
         EXPECT_EQ(held.compare(0, 8, "ok\n0x11 "), 0) << held;
@@ -125,24 +115,10 @@ TEST_F(RlkOverQmux, SignalMidRequestLeavesNoClientId)
         sim_.ctl_ok("clear-faults");
         if (sig == SIGKILL) {
             EXPECT_EQ(sim_.ctl("qmux clients"), held);
-            EXPECT_TRUE(exited_cleanly(sim_.run_rlk({"5", "5"}, device_).status));
+            EXPECT_TRUE(exited_cleanly(sim_.run_rlk({"5", "5"}, {device_}).status));
         }
         EXPECT_EQ(wait_clients(sim_), "ok") << "signal " << sig;
     }
-}
-
-/* The modem hands out a client id after the host gave up waiting: the id
- * goes back when the late answer arrives.  The PDC client of option 10
- * waits its usual 4 ms (stretched to a second for a device that answered
- * so far); its next attempt, 2 s later, opens the client. */
-TEST_F(RlkOverQmux, ClientIdAnsweredTooLateIsReleased)
-{
-    sim_.ctl_ok("qmux delay-ctl 0x22 2500");
-    beside_.push_back("RLK_TEST_PDC_RETRY_MS=400");
-    run_result r = run_process({MBN_RETRY_PROBE_BINARY, "10", "0", "1"}, beside_);
-    EXPECT_TRUE(exited_cleanly(r.status)) << r.err;
-    EXPECT_EQ(r.out.find("pdc init failed"), std::string::npos) << r.out;
-    EXPECT_EQ(wait_clients(sim_), "ok");
 }
 
 /* A device that never answers, and one that never runs dry: every open of
@@ -168,26 +144,35 @@ TEST_F(RlkOverQmux, SilentOrStreamingDeviceEndsWithinItsBounds)
 }
 
 /* A request that times out (-3), then an exit with or without releasing
- * the handle.  Then a 16-bit vendor service, which has no place in the
+ * the handle.  The modem hands out a client id after the host gave up
+ * waiting: the id goes back when the late answer arrives (the PDC client
+ * of option 10 waits its usual 4 ms, stretched to a second for a device
+ * that answered so far; its next attempt, 2 s later, opens the client).
+ * Then a 16-bit vendor service, which has no place in the
  * service byte: with no simulator named beside the device (the default
  * endpoint kept in a private runtime directory, where an on-demand
  * simulator leaves soon after) it is not there (-2); the simulator named
  * beside the device stands in for it. */
-TEST_F(RlkOverQmux, TimedOutRequestThenExitLeavesNoClientId)
+TEST_F(RlkOverQmux, TimedOutOrLateAnsweredRequestLeavesNoClientId)
 {
     for (const char *release : {"1", "0"}) {
         sim_.ctl_ok("drop sar 2 1");
-        run_result r = run_process({PLATFORM_PROBE_BINARY, "sar-get", "200", release}, beside_);
+        rlk_run r = sim_.run_program(PLATFORM_PROBE_BINARY, {"sar-get", "200", release}, {device_});
         EXPECT_TRUE(exited_cleanly(r.status)) << r.err;
         EXPECT_EQ(r.out, "-3 0\n") << "release " << release;
         EXPECT_EQ(wait_clients(sim_), "ok") << "release " << release;
     }
+    sim_.ctl_ok("qmux delay-ctl 0x22 2500");
+    rlk_run late = sim_.run_program(MBN_RETRY_PROBE_BINARY, {"10", "0", "1"}, {device_, "RLK_TEST_PDC_RETRY_MS=400"});
+    EXPECT_TRUE(exited_cleanly(late.status)) << late.err;
+    EXPECT_EQ(late.out.find("pdc init failed"), std::string::npos) << late.out;
+    EXPECT_EQ(wait_clients(sim_), "ok");
     std::string runtime = sim_.dir() + "/runtime";
     ASSERT_EQ(mkdir(runtime.c_str(), 0700), 0);
-    run_result r = run_process({PLATFORM_PROBE_BINARY}, {device_[0], "RLK_MODEMD_SOCKET=", "XDG_RUNTIME_DIR=" + runtime,
-                                                         "RLK_MODEMD_IDLE_EXIT=1"});
+    run_result r = run_process({PLATFORM_PROBE_BINARY},
+                               {device_, "RLK_MODEMD_SOCKET=", "XDG_RUNTIME_DIR=" + runtime, "RLK_MODEMD_IDLE_EXIT=1"});
     EXPECT_EQ(r.out, "-2 0\n") << r.err;
-    EXPECT_EQ(run_process({PLATFORM_PROBE_BINARY}, beside_).out, "0 1\n");
+    EXPECT_EQ(sim_.run_program(PLATFORM_PROBE_BINARY, {}, {device_}).out, "0 1\n");
 }
 
 }  // namespace
