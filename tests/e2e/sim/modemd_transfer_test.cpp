@@ -16,10 +16,7 @@ const std::string live_hex = hex_of(k_live_size, [](size_t i) { return i / k_chu
 
 class TransferTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(sim.start() && live.attach());
-    }
+    void SetUp() override { ASSERT_TRUE(sim.start() && live.attach()); }
     /* Chunk `n` of the live transfer (the first opens it); its result. */
     int32_t live_chunk(uint32_t n)
     {
