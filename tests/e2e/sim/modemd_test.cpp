@@ -77,10 +77,7 @@ TEST(Modemd, DamagedStateFilesAreRefusedForTheSeed)
     expect_golden(seed_uim + "\n" + seed_pdc + "\n", __FILE__, "seed_state.golden");
     ASSERT_NE(uim_good.find("third"), std::string::npos);
     ASSERT_NE(pdc_good.find("capacity"), std::string::npos);
-    struct {
-        const std::string &path;
-        std::string text;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {uim, ""},
         {uim, uim_good.substr(0, 20)},                     /* cut inside the EID */
         {uim, uim_good.substr(0, uim_good.size() - 3)},    /* cut inside the last profile */
@@ -89,16 +86,15 @@ TEST(Modemd, DamagedStateFilesAreRefusedForTheSeed)
         {pdc, pdc_good.substr(0, pdc_good.size() / 2)},
         {pdc, pdc_good.substr(0, pdc_good.find("capacity"))},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.path + ": " + c.text);
+    for (const auto &[path, text] : cases) {
+        SCOPED_TRACE(path + ": " + text);
         sim.stop();
         unlink(sim.log_path().c_str());
-        write_file(c.path, c.text);
+        write_file(path, text);
         ASSERT_TRUE(sim.restart());
-        bool is_uim = &c.path == &uim;
-        EXPECT_EQ(sim.ctl_ok(is_uim ? "uim state" : "pdc show"), is_uim ? seed_uim : seed_pdc);
-        EXPECT_NE(file_text(sim.log_path()).find("state file " + c.path + " refused ("), std::string::npos);
-        EXPECT_EQ(file_text(c.path + ".bad"), c.text) << "the refused file is kept beside";
+        EXPECT_EQ(sim.ctl_ok(path == uim ? "uim state" : "pdc show"), path == uim ? seed_uim : seed_pdc);
+        EXPECT_NE(file_text(sim.log_path()).find("state file " + path + " refused ("), std::string::npos);
+        EXPECT_EQ(file_text(path + ".bad"), text) << "the refused file is kept beside";
     }
 }
 
