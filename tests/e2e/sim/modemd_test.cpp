@@ -17,7 +17,10 @@
 
 namespace {
 
-TEST(Modemd, SecondDaemonOnTheSameStateIsRefusedAndSigtermEndsCleanly)
+/* A second daemon on the same state directory is refused and SIGTERM ends
+ * the first cleanly; files written while the daemon is killed are either
+ * wholly old or wholly new, never torn, and no temporary file is visible. */
+TEST(Modemd, SecondDaemonIsRefusedSigtermEndsCleanlyAndStateSurvivesSigkillDuringWrites)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
@@ -30,14 +33,7 @@ TEST(Modemd, SecondDaemonOnTheSameStateIsRefusedAndSigtermEndsCleanly)
     EXPECT_EQ(exit_code(sim.stop()), 0);
     EXPECT_NE(access(sim.socket_path().c_str(), F_OK), 0) << "socket removed";
     ASSERT_TRUE(sim.restart()) << "the lock was released";
-}
 
-/* Files written while the daemon is killed are either wholly old or
- * wholly new, never torn, and no temporary file is visible. */
-TEST(Modemd, StateSurvivesSigkillDuringWrites)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
     constexpr int k_files = 6;
     constexpr size_t k_size = 16384;
     auto put = [](int f, int v) { return "efs put /burst/f" + std::to_string(f) + " " + hex_fill(uint8_t(v), k_size); };
