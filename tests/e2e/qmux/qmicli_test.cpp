@@ -2,6 +2,7 @@
  * as it drives a USB modem: each command gives the simulated modem's
  * answer, and leaves no client id allocated behind it. */
 #include <regex>
+#include <sstream>
 
 #include "../../unit/sim/sim_test_util.h"
 #include "golden.h"
@@ -9,56 +10,43 @@
 namespace {
 
 constexpr const char k_qmicli[] = "/usr/bin/qmicli";
-/* qmicli names a loaded file by its SHA-1: that of carrier.mbn below. */
-constexpr const char k_loaded_id[] = "6d3a11e610b5348991de0c995214b81a9bdaeb9e";
 
 /* Reads, the SAR state set by qmicli (and shown by rlk), slot two powered
  * off and on, and a configuration loaded, listed and activated: the
- * session's whole output (each command's, and the simulator's state where
- * a command changed it) is qmicli_session.golden. */
+ * session qmicli_session.golden holds the commands ("$ qmicli ...",
+ * "$ rlk 5 5", and "> request" for the simulator's state where a command
+ * changed it), each followed by its whole output. */
 TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
 {
     if (access(k_qmicli, X_OK) != 0) GTEST_SKIP() << "qmicli is not installed (apt-get install libqmi-utils)";
     sim_instance sim;
     sim.enable_qmux();
     ASSERT_TRUE(sim.start());
-    const std::string mbn = sim.dir() + "/carrier.mbn";
-    std::string data(50000, 0); /* several chunks of qmicli's size */
+    std::string data(50000, 0); /* several chunks of qmicli's size; its SHA-1 names it in the session */
     for (size_t i = 0; i < data.size(); i++) data[i] = char(i * 7 + 3);
-    write_file(mbn, data);
+    write_file(sim.dir() + "/carrier.mbn", data);
+    std::istringstream script(read_golden(__FILE__, "qmicli_session.golden"));
     std::string session;
-    auto qmicli = [&](const std::string &command) {
+    for (std::string line; std::getline(script, line);) {
+        if (line.compare(0, 2, "> ") == 0) session += line + "\n" + sim.ctl(line.substr(2)) + "\n";
+        if (line == "$ rlk 5 5") session += line + "\n" + sim.run_rlk({"5", "5"}).out;
+        if (line.compare(0, 9, "$ qmicli ") != 0) continue;
+        std::string command = line.substr(9);
+        if (command.find("$DIR") != std::string::npos) command.replace(command.find("$DIR"), 4, sim.dir());
         run_result r = run_process({k_qmicli, "-d", sim.qmux_path(), "--device-open-qmi", command}, {}, "", 20000);
         EXPECT_TRUE(exited_cleanly(r.status)) << command << "\n" << r.out << r.err;
         EXPECT_EQ(sim.ctl("qmux clients"), "ok") << command << " left a client id allocated";
-        session += "$ qmicli " + command + "\n" + r.out;
-    };
-    auto state = [&](const std::string &request) { session += "> " + request + "\n" + sim.ctl(request) + "\n"; };
-    for (const char *command : {"--dms-get-ids", "--dms-get-revision", "--uim-get-card-status",
-                                "--uim-get-slot-status", "--sar-rf-get-state", "--pdc-list-configs=software",
-                                "--sar-rf-set-state=9", "--sar-rf-get-state"}) {
-        qmicli(command);
+        session += line + "\n" + r.out;
+        /* The modem restarts 50 ms after the activation's indication: the
+         * next command waits until it is back rather than racing the restart. */
+        if (command.find("--pdc-activate-config") == std::string::npos) continue;
+        ASSERT_TRUE(poll_until(
+            [&] {
+                return sim.ctl("counter get pdc.restarts") == "ok 1" &&
+                       sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+            },
+            5000));
     }
-    state("sar state");
-    session += "$ rlk 5 5\n" + sim.run_rlk({"5", "5"}).out;
-    qmicli("--uim-sim-power-off=2");
-    state("uim state");
-    qmicli("--uim-get-card-status");
-    qmicli("--uim-sim-power-on=2");
-    state("uim state");
-    qmicli("--pdc-load-config=" + mbn);
-    qmicli("--pdc-list-configs=software");
-    sim.ctl_ok("pdc timing 100 100");
-    qmicli(std::string("--pdc-activate-config=software,") + k_loaded_id);
-    /* The modem restarts 50 ms after the activation's indication: the
-     * list waits until it is back rather than racing the restart. */
-    ASSERT_TRUE(poll_until(
-        [&] {
-            return sim.ctl("counter get pdc.restarts") == "ok 1" &&
-                   sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
-        },
-        5000));
-    qmicli("--pdc-list-configs=software");
     for (size_t at; (at = session.find(sim.dir())) != std::string::npos;) session.replace(at, sim.dir().size(), "$DIR");
     /* qmicli's own progress lines of the load are left out. */
     session = std::regex_replace(session, std::regex("(Uploaded|Loading next chunk) [^\\n]*\\n"), "");
