@@ -22,31 +22,6 @@ using bytes = std::vector<uint8_t>;
 constexpr int k_silence_ms = 200; /* how long to watch for a frame that must not come */
 constexpr uint8_t k_dms = 0x02;
 
-/* A host side of the device: writes bytes, reads frames back whole. */
-class qmux_port {
-public:
-    ~qmux_port() { close(fd); }
-    bool open_at(const std::string &path) { return (fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) >= 0; }
-    void write_bytes(const bytes &b) { ASSERT_EQ(write(fd, b.data(), b.size()), ssize_t(b.size())); }
-    /* The next frame, or false when none came within `timeout_ms`. */
-    bool read_frame(qmux_frame *f, int timeout_ms = k_wait_ms)
-    {
-        while (!reader_.next(f)) {
-            struct pollfd p = {fd, POLLIN, 0};
-            uint8_t buf[4096];
-            ssize_t n = poll(&p, 1, timeout_ms) == 1 ? read(fd, buf, sizeof(buf)) : 0;
-            if (n <= 0) return false;
-            reader_.feed(buf, size_t(n));
-        }
-        return true;
-    }
-
-    int fd = -1;
-
-private:
-    qmux_reader reader_;
-};
-
 /* A frame as the hex bytes of the wire, spaced. */
 std::string frame_hex(const qmux_frame &f)
 {
@@ -67,7 +42,22 @@ protected:
     {
         sim_.enable_qmux();
         ASSERT_TRUE(sim_.start());
-        ASSERT_TRUE(port.open_at(sim_.qmux_path()));
+        fd = open(sim_.qmux_path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        ASSERT_GE(fd, 0);
+    }
+    void TearDown() override { close(fd); }
+    /* The next frame of the device, or false when none came within
+     * `timeout_ms`. */
+    bool read_frame(qmux_frame *f, int timeout_ms = k_wait_ms)
+    {
+        while (!reader_.next(f)) {
+            struct pollfd p = {fd, POLLIN, 0};
+            uint8_t buf[4096];
+            ssize_t n = poll(&p, 1, timeout_ms) == 1 ? read(fd, buf, sizeof(buf)) : 0;
+            if (n <= 0) return false;
+            reader_.feed(buf, size_t(n));
+        }
+        return true;
     }
     /* Runs the device session kept in the golden file `name`: "#" lines
      * are comments, "> request" a control request to the simulator (its
@@ -93,19 +83,20 @@ protected:
                 std::istringstream hex(l);
                 bytes frame;
                 for (unsigned b; hex >> std::hex >> b;) frame.push_back(uint8_t(b));
-                port.write_bytes(frame);
+                ASSERT_EQ(write(fd, frame.data(), frame.size()), ssize_t(frame.size())) << l;
             }
             qmux_frame f;
             for (size_t j = i + 1; j < lines.size() && (lines[j][0] == '<' || lines[j][0] == '='); j++) {
-                if (lines[j][0] == '<') session += "< " + (port.read_frame(&f) ? frame_hex(f) : "nothing") + "\n";
+                if (lines[j][0] == '<') session += "< " + (read_frame(&f) ? frame_hex(f) : "nothing") + "\n";
             }
         }
         qmux_frame f;
-        EXPECT_FALSE(port.read_frame(&f, k_silence_ms)) << "a frame nobody asked for: " << frame_hex(f);
+        EXPECT_FALSE(read_frame(&f, k_silence_ms)) << "a frame nobody asked for: " << frame_hex(f);
         expect_golden(session, __FILE__, name);
     }
     sim_instance sim_;
-    qmux_port port;
+    qmux_reader reader_;
+    int fd = -1;
 };
 
 /* Version info, the finite per-service pool, Sync, the control errors, the
@@ -139,7 +130,6 @@ TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
     /* Bounds for a loaded machine; unbounded, one event served all the
      * device held (tens of milliseconds of CPU, pings delayed 0.2-1 s). */
     constexpr long long k_max_delay_ms = 250, k_max_event_cpu_us = 5000, k_flood_bytes = 128 << 10;
-    const int fd = port.fd;
     run_session("qmux_dms_client.golden");
     const uint8_t cid = 1;
     bytes burst;

@@ -26,12 +26,11 @@ TEST_F(DefaultEndpointTest, PlantedDirectoryIsRefusedAndTheUsersOwnStartsOnDeman
     const std::string elsewhere = runtime.path + "/elsewhere";
     for (const std::string plant : {"open to others", "link to another directory", "another user's"}) {
         SCOPED_TRACE(plant);
+        if (plant == "another user's" && geteuid() != 0) continue; /* needs root to give a directory away */
         if (plant == "open to others") {
             ASSERT_TRUE(mkdir(dir.c_str(), 0777) == 0 && chmod(dir.c_str(), 0777) == 0);
         } else if (plant == "link to another directory") {
             ASSERT_TRUE(mkdir(elsewhere.c_str(), 0700) == 0 && symlink(elsewhere.c_str(), dir.c_str()) == 0);
-        } else if (geteuid() != 0) {
-            continue; /* needs root to give a directory to another user */
         } else {
             ASSERT_TRUE(mkdir(dir.c_str(), 0700) == 0 && chown(dir.c_str(), k_other_uid, k_other_uid) == 0);
         }
