@@ -20,7 +20,6 @@ namespace {
 
 using bytes = std::vector<uint8_t>;
 constexpr int k_silence_ms = 200; /* how long to watch for a frame that must not come */
-constexpr uint8_t k_dms = 0x02;
 
 /* A frame as the hex bytes of the wire, spaced. */
 std::string frame_hex(const qmux_frame &f)
@@ -72,6 +71,7 @@ protected:
         std::vector<std::string> lines;
         for (std::string l; std::getline(script, l);) lines.push_back(l);
         std::string session;
+        qmux_frame f;
         for (size_t i = 0; i < lines.size(); i++) {
             const std::string &l = lines[i];
             if (l[0] == '<' || l[0] == '=') continue;
@@ -85,12 +85,10 @@ protected:
                 for (unsigned b; hex >> std::hex >> b;) frame.push_back(uint8_t(b));
                 ASSERT_EQ(write(fd, frame.data(), frame.size()), ssize_t(frame.size())) << l;
             }
-            qmux_frame f;
             for (size_t j = i + 1; j < lines.size() && (lines[j][0] == '<' || lines[j][0] == '='); j++) {
                 if (lines[j][0] == '<') session += "< " + (read_frame(&f) ? frame_hex(f) : "nothing") + "\n";
             }
         }
-        qmux_frame f;
         EXPECT_FALSE(read_frame(&f, k_silence_ms)) << "a frame nobody asked for: " << frame_hex(f);
         expect_golden(session, __FILE__, name);
     }
@@ -131,12 +129,11 @@ TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
      * device held (tens of milliseconds of CPU, pings delayed 0.2-1 s). */
     constexpr long long k_max_delay_ms = 250, k_max_event_cpu_us = 5000, k_flood_bytes = 128 << 10;
     run_session("qmux_dms_client.golden");
-    const uint8_t cid = 1;
     bytes burst;
     for (uint16_t txn = 1; txn <= 2000; txn++) {
         bytes req(QMI_HEADER_LEN), frame;
         qmi_header_write(req.data(), {QMI_TYPE_REQUEST, txn, 0x0023, 0});
-        ASSERT_TRUE(qmux_encode(0, k_dms, cid, req.data(), req.size(), &frame));
+        ASSERT_TRUE(qmux_encode(0, 0x02, 1, req.data(), req.size(), &frame)); /* DMS, the session's client id */
         burst.insert(burst.end(), frame.begin(), frame.end());
     }
     fcntl(fd, F_SETFL, O_NONBLOCK); /* the threads below stop when told, whatever the device does */
@@ -172,8 +169,7 @@ TEST_F(QmuxDevice, AFloodingWriterDelaysNoSocketClient)
            "longest event %s\n",
            pings, flooded, flooded / 13, worst, busy.c_str());
     EXPECT_LT(worst, k_max_delay_ms);
-    long long cpu_us = atoll(busy.substr(busy.find("cpu-us ") + 7).c_str());
-    EXPECT_LT(cpu_us, k_max_event_cpu_us) << "no event of the device kept the daemon busy for long";
+    EXPECT_LT(atoll(busy.substr(busy.find("cpu-us ") + 7).c_str()), k_max_event_cpu_us) << "no event of the device kept the daemon busy for long";
     EXPECT_GE(flooded - before, k_flood_bytes) << "the flood went on, the device read all along";
     EXPECT_EQ(sim_.ctl("ping"), "ok");
 }

@@ -7,7 +7,6 @@
 #include <signal.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <regex>
 
 #include "../../unit/sim/sim_test_util.h"
