@@ -1,21 +1,27 @@
 /* rlk-modemd as a process: one daemon per state directory, clean exit,
  * crash-safe state, damaged state files refused, many clients at once,
- * shared properties, and the on-demand start by a client at the default
- * socket. */
+ * shared properties; `rlk-modemd ctl` and the control interface with
+ * answers and requests larger than one packet, a simulator that does not
+ * answer, and the exit status scripts rely on. */
 #include <signal.h>
 
+#include <algorithm>
 #include <atomic>
+#include <sstream>
 #include <thread>
-
-#include <gtest/gtest.h>
 
 #include "../../unit/sim/sim_test_util.h"
 #include "cutils/properties.h"
 #include "ext_request.h"
+#include "golden.h"
+#include "raw_modemd.h"
 
 namespace {
 
-TEST(Modemd, SecondDaemonOnTheSameStateIsRefusedAndSigtermEndsCleanly)
+/* A second daemon on the same state directory is refused and SIGTERM ends
+ * the first cleanly; files written while the daemon is killed are either
+ * wholly old or wholly new, never torn, and no temporary file is visible. */
+TEST(Modemd, SecondDaemonIsRefusedSigtermEndsCleanlyAndStateSurvivesSigkillDuringWrites)
 {
     sim_instance sim;
     ASSERT_TRUE(sim.start());
@@ -28,24 +34,16 @@ TEST(Modemd, SecondDaemonOnTheSameStateIsRefusedAndSigtermEndsCleanly)
     EXPECT_EQ(exit_code(sim.stop()), 0);
     EXPECT_NE(access(sim.socket_path().c_str(), F_OK), 0) << "socket removed";
     ASSERT_TRUE(sim.restart()) << "the lock was released";
-}
 
-/* Files written while the daemon is killed are either wholly old or
- * wholly new, never torn, and no temporary file is visible. */
-TEST(Modemd, StateSurvivesSigkillDuringWrites)
-{
-    sim_instance sim;
-    ASSERT_TRUE(sim.start());
     constexpr int k_files = 6;
     constexpr size_t k_size = 16384;
-    for (int f = 0; f < k_files; f++) sim.ctl_ok("efs put /burst/f" + std::to_string(f) + " " + hex_fill(0, k_size));
+    auto put = [](int f, int v) { return "efs put /burst/f" + std::to_string(f) + " " + hex_fill(uint8_t(v), k_size); };
+    for (int f = 0; f < k_files; f++) sim.ctl_ok(put(f, 0));
     for (int round = 1; round <= 4; round++) {
         std::atomic<bool> stop{false};
         std::thread writer([&] {
             for (int v = 1; !stop; v++) {
-                for (int f = 0; f < k_files && !stop; f++) {
-                    sim.ctl("efs put /burst/f" + std::to_string(f) + " " + hex_fill(uint8_t(v), k_size));
-                }
+                for (int f = 0; f < k_files && !stop; f++) sim.ctl(put(f, v));
             }
         });
         usleep(20000 + 7000 * round);
@@ -73,15 +71,10 @@ TEST(Modemd, DamagedStateFilesAreRefusedForTheSeed)
     sim.ctl_ok("pdc add sw extra_cfg");
     const std::string uim = sim.state_dir() + "/uim_state", pdc = sim.state_dir() + "/pdc/configs";
     const std::string uim_good = file_text(uim), pdc_good = file_text(pdc);
+    expect_golden(seed_uim + "\n" + seed_pdc + "\n", __FILE__, "seed_state.golden");
     ASSERT_NE(uim_good.find("third"), std::string::npos);
     ASSERT_NE(pdc_good.find("capacity"), std::string::npos);
-    ASSERT_NE(seed_uim.find("eid 89049032000001000000000000000074"), std::string::npos);
-    ASSERT_NE(seed_uim.find("profile 89445000000000000017 enabled operator-test"), std::string::npos);
-    ASSERT_NE(seed_pdc.find("config sw ROW_Generic_3GPP"), std::string::npos);
-    struct {
-        const std::string &path;
-        std::string text;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {uim, ""},
         {uim, uim_good.substr(0, 20)},                     /* cut inside the EID */
         {uim, uim_good.substr(0, uim_good.size() - 3)},    /* cut inside the last profile */
@@ -90,16 +83,15 @@ TEST(Modemd, DamagedStateFilesAreRefusedForTheSeed)
         {pdc, pdc_good.substr(0, pdc_good.size() / 2)},
         {pdc, pdc_good.substr(0, pdc_good.find("capacity"))},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.path + ": " + c.text);
+    for (const auto &[path, text] : cases) {
+        SCOPED_TRACE(path + ": " + text);
         sim.stop();
         unlink(sim.log_path().c_str());
-        write_file(c.path, c.text);
+        write_file(path, text);
         ASSERT_TRUE(sim.restart());
-        bool is_uim = &c.path == &uim;
-        EXPECT_EQ(sim.ctl_ok(is_uim ? "uim state" : "pdc show"), is_uim ? seed_uim : seed_pdc);
-        EXPECT_NE(file_text(sim.log_path()).find("state file " + c.path + " refused ("), std::string::npos);
-        EXPECT_EQ(file_text(c.path + ".bad"), c.text) << "the refused file is kept beside";
+        EXPECT_EQ(sim.ctl_ok(path == uim ? "uim state" : "pdc show"), path == uim ? seed_uim : seed_pdc);
+        EXPECT_NE(file_text(sim.log_path()).find("state file " + path + " refused ("), std::string::npos);
+        EXPECT_EQ(file_text(path + ".bad"), text) << "the refused file is kept beside";
     }
 }
 
@@ -132,9 +124,8 @@ TEST(Modemd, ServesManyClientsAndConcurrentPropertyWritersAtOnce)
     for (auto &t : threads) t.join();
     EXPECT_EQ(good.load(), k_clients * k_requests);
     for (int w = 0; w < k_writers; w++) {
-        run_result r = run_process({PLATFORM_PROBE_BINARY, "getprop", "persist.test.writer" + std::to_string(w)},
-                                   sim.env());
-        EXPECT_EQ(r.out, "2 24\n");
+        EXPECT_EQ(sim.run_program(PLATFORM_PROBE_BINARY, {"getprop", "persist.test.writer" + std::to_string(w)}).out,
+                  "2 24\n");
     }
     /* A value keeps its spaces; an unset key gives the default; 91
      * characters fit and 92 do not. */
@@ -151,30 +142,65 @@ TEST(Modemd, ServesManyClientsAndConcurrentPropertyWritersAtOnce)
     EXPECT_EQ(property_get("persist.test.writer3", value, nullptr), 2) << "restarting keeps them";
 }
 
-/* With no RLK_MODEMD_SOCKET, the first client starts a simulator at the
- * per-user default, detached from the client's standard streams, and the
- * simulator leaves once idle. */
-TEST(Modemd, StartsOnDemandAtTheDefaultSocket)
+/* Answers and requests larger than a packet arrive whole through the
+ * tool's client; a client that cannot take pieces gets an error rather
+ * than a cut answer; the exit status of `ctl` when no whole answer comes
+ * in time. */
+TEST(ModemdCtl, LargeAnswersArriveWholeAndTimeOutsExitNonZero)
 {
-    temp_dir runtime;
-    long long start = monotonic_ms();
-    run_result r = run_process({PLATFORM_PROBE_BINARY},
-                               {"RLK_MODEMD_SOCKET=", "XDG_RUNTIME_DIR=" + runtime.path,
-                                std::string("RLK_MODEMD=") + RLK_MODEMD_BINARY, "RLK_MODEMD_IDLE_EXIT=1"},
-                               "", 10000);
-    EXPECT_EQ(r.out, "0 1\n");
-    EXPECT_LT(monotonic_ms() - start, 2000) << "the probe returned without waiting for the simulator to exit";
-    pid_t pid = atoi(file_text(runtime.path + "/rlk-modemd/state/lock").c_str());
-    ASSERT_GT(pid, 0);
-    for (int fd = 0; fd <= 2; fd++) {
-        char link[256] = {0};
-        std::string p = "/proc/" + std::to_string(pid) + "/fd/" + std::to_string(fd);
-        EXPECT_GT(readlink(p.c_str(), link, sizeof(link) - 1), 0);
-        EXPECT_STREQ(link, "/dev/null") << "fd " << fd;
+    sim_instance sim;
+    raw_conn old_client;
+    raw_ext_client ext;
+    ASSERT_TRUE(sim.start() && old_client.open(MODEMD_CONN_CONTROL) && ext.attach());
+    std::string hex = hex_of(TOLVEK_EFS_FILE_MAX, [](size_t i) { return i * 7 + i / 256; });
+    ASSERT_EQ(sim.ctl("efs put /big/file " + hex), "ok") << "a request of " << hex.size() << " bytes";
+    rlk_run r = sim.run_program(RLK_MODEMD_BINARY, {"ctl", "efs", "get", "/big/file"});
+    EXPECT_EQ(exit_code(r.status), 0) << r.err;
+    EXPECT_TRUE(r.out == "ok " + hex + "\n") << "the answer differs";
+    EXPECT_EQ(ask(old_client, "efs get /big/file").compare(0, 16, "error answer of "), 0);
+    EXPECT_EQ(ask(old_client, "getprop ro.none"), "ok ") << "small answers stay one packet";
+
+    /* 200 journal lines of full requests: more than the socket holds. */
+    uint8_t fill[TOLVEK_EXTEND_DATA_MAX];
+    memset(fill, 0xA5, sizeof(fill));
+    tolvek_extend_msg echo = ext_msg(0, fill), resp;
+    for (int i = 0; i < 200; i++) ASSERT_TRUE(ext.call(echo, &resp)) << i;
+    r = sim.run_program(RLK_MODEMD_BINARY, {"ctl", "last", "200"});
+    EXPECT_EQ(exit_code(r.status), 0) << r.err;
+    EXPECT_GT(r.out.size(), size_t(3 * MODEMD_MAX_PACKET));
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 201);
+    EXPECT_EQ(r.out.compare(0, 3, "ok\n"), 0);
+
+    /* A request past the daemon's limit is refused, and the connection
+     * state does not leak into the next request. */
+    EXPECT_EQ(sim.ctl("efs put /big/huge " + std::string(5u << 20, '0')).compare(0, 30, "error request larger than 4194"),
+              0);
+    EXPECT_EQ(sim.ctl("ping"), "ok");
+
+    /* `ctl` times out and exits non-zero without a whole answer, within
+     * its bound; bad time-outs, a socket nobody serves, an unknown request. */
+    const std::string mute = sim.dir() + "/mute.sock"; /* takes connections, never answers */
+    int mute_fd = seqpacket_at(mute, true);
+    ASSERT_EQ(listen(mute_fd, 8), 0);
+    /* Each run of ctl_runs.golden, its output and its exit status. */
+    std::istringstream script(read_golden(__FILE__, "ctl_runs.golden"));
+    std::string session;
+    for (std::string line; std::getline(script, line);) {
+        if (line.compare(0, 2, "$ ") != 0) continue;
+        std::istringstream words(line.substr(2));
+        std::vector<std::string> env, args;
+        for (std::string w; words >> w;) {
+            if (w.compare(0, 4, "$DIR") == 0) w.replace(0, 4, sim.dir());
+            (args.empty() && w.find('=') != std::string::npos ? env : args).push_back(w);
+        }
+        long long t0 = monotonic_ms();
+        r = sim.run_program(RLK_MODEMD_BINARY, args, env, 20000);
+        EXPECT_LT(monotonic_ms() - t0, 5000) << line;
+        session += line + "\n" + r.out + r.err + "? " + std::to_string(exit_code(r.status)) + "\n";
     }
-    EXPECT_EQ(access((runtime.path + "/rlk-modemd/state/modemd.log").c_str(), F_OK), 0) << "logs to its state dir";
-    /* Idle for a second: it exits on its own. */
-    EXPECT_TRUE(wait_until([&] { return kill(pid, 0) != 0; }, 5000)) << "still running after its idle time";
+    for (size_t at; (at = session.find(sim.dir())) != std::string::npos;) session.replace(at, sim.dir().size(), "$DIR");
+    expect_golden(session, __FILE__, "ctl_runs.golden");
+    close(mute_fd);
 }
 
 }  // namespace
