@@ -81,16 +81,17 @@ TEST_F(RlkMbnTest, AbsentServiceFailsAfterTwentyAttempts)
 }
 
 /* A response later than the time-out ends the run at the time-out, one
- * later than the library's own 5 s still arrives within a longer one, and
- * a device that does not answer ends the opening at the time-out; the
- * three runs wait side by side. */
+ * later than the library's own 5 s still arrives within a longer one, a
+ * device that does not answer ends the opening at the time-out, and one
+ * that is not there ends the run at once; the runs wait side by side. */
 TEST_F(RlkMbnTest, TheTimeOutBoundsTheOpeningAndEveryResponseWait)
 {
     ASSERT_TRUE(dead.open());
     sim.ctl_ok("delay pdc 0x22 5100 2");
     long long start_ms = monotonic_ms();
+    const std::string no_device = sim.dir() + "/no-such-device";
     child runs[] = {start("list --timeout=1", on_dead_device()), start("selected --timeout 1"),
-                    start("selected --timeout 10")};
+                    start("list --timeout 5", {"RLK_QMI_DEVICE=" + no_device}), start("selected --timeout 10")};
     const struct {
         int exit_code;
         std::string out, err;
@@ -98,9 +99,11 @@ TEST_F(RlkMbnTest, TheTimeOutBoundsTheOpeningAndEveryResponseWait)
     } ends[] = {
         {3, "", "rlk-mbn: the PDC service did not answer within 1 s\n", 2500},
         {3, "", "rlk-mbn: selected: no answer from the modem within 1 s\n", 2500},
+        {8, "", "rlk-mbn: cannot open the QMI device " + no_device + " (RLK_QMI_DEVICE): No such file or directory\n",
+         2500},
         {0, "active: ROW_Generic_3GPP\npending: none\n", "", k_wait_ms},
     };
-    for (size_t i = 0; i < 3; i++) {
+    for (size_t i = 0; i < 4; i++) {
         std::string out, err;
         EXPECT_EQ(exit_code(finish(&runs[i], k_wait_ms, &out, &err)), ends[i].exit_code) << i;
         EXPECT_LT(monotonic_ms() - start_ms, ends[i].max_ms) << i;
