@@ -80,6 +80,33 @@ TEST_F(RlkMbnTest, AbsentServiceFailsAfterTwentyAttempts)
     EXPECT_EQ(r.syslog.back().priority, 3);
 }
 
+/* Activation waits for its indication, then the modem restarts: every
+ * service goes down and comes back, the extension service on a new port
+ * ("ext 0xffe4 instance 0 up port N").  The transcript shows the
+ * selections before and after. */
+TEST_F(RlkMbnTest, ActivationRestartsTheModem)
+{
+    sim.ctl_ok("pdc timing 100 300");
+    sim.ctl_ok("pdc add sw pending_one");
+    ASSERT_EQ(sim.run_program(RLK_MBN_BINARY, {"select", "pending_one"}).status, 0);
+    auto ext_line = [this] {
+        std::string all = sim.ctl_ok("services");
+        size_t at = all.find("ext 0xffe4 ");
+        return at == std::string::npos ? std::string() : all.substr(at, all.find('\n', at) - at);
+    };
+    std::string ext_before = ext_line();
+    long long start_ms = monotonic_ms();
+    EXPECT_EQ(sim.run_program(RLK_MBN_BINARY, {"activate"}).out, "activated; the modem restarts\n");
+    EXPECT_GE(monotonic_ms() - start_ms, 100);
+    EXPECT_TRUE(poll_until([&] {
+        return sim.ctl_ok("counter get pdc.restarts") == "1" &&
+               sim.ctl_ok("services").find("pdc 0x0024 instance 0 up") != std::string::npos;
+    }, k_wait_ms));
+    std::string ext_after = ext_line();
+    EXPECT_NE(ext_after.find(" up port "), std::string::npos) << ext_after;
+    EXPECT_NE(ext_after, ext_before);
+}
+
 /* A response later than the time-out ends the run at the time-out, one
  * later than the library's own 5 s still arrives within a longer one, a
  * device that does not answer ends the opening at the time-out, and one
