@@ -11,6 +11,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +21,7 @@
 #include "../../unit/replay/replay_test_util.h"
 #include "golden.h"
 #include "replay_e2e_util.h"
+#include "sim_fixture.h"
 
 using namespace replay_e2e;
 using replay_test::concat;
@@ -130,6 +132,10 @@ TEST(ReplayLive, ProgressLineOnATerminal)
     close(fds[0]);
     ASSERT_GT(c.pid, 0);
     EXPECT_EQ(write(fds[1], k_live.data(), k_live.size()), ssize_t(k_live.size()));
+    /* The pause counts from when the program has read the first chunk (it
+     * starts slowly in a sanitizer build). */
+    int unread = 1;
+    EXPECT_TRUE(poll_until([&] { return ioctl(fds[1], FIONREAD, &unread) == 0 && unread == 0; }, k_wait_ms));
     usleep(300 * 1000); /* just past the interval between progress lines */
     EXPECT_EQ(write(fds[1], k_live.data(), k_live.size()), ssize_t(k_live.size()));
     close(fds[1]);
