@@ -1,15 +1,13 @@
-/* Helpers of the rlk-replay end-to-end tests: an independent scan of a
- * capture (written apart from the product's reader: whole file in memory,
- * split on every flag, bit-by-bit CRC), the summary the program prints read
- * back into numbers, the records of a pcap, and runs of the program, whole
- * or as a child the test can signal. */
+/* Helpers of the end-to-end tests of rlk-replay, rlk-mbn and the diag
+ * port: files as bytes, the records of a pcap, a pseudo terminal, and
+ * programs run as children that the test can signal while it reads their
+ * output. */
 #ifndef RLK_REPLAY_E2E_UTIL_H
 #define RLK_REPLAY_E2E_UTIL_H
 
 #include <stdint.h>
 #include <sys/types.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -21,59 +19,43 @@ using bytes = std::vector<uint8_t>;
 
 constexpr int k_wait_ms = 10000;
 
-struct scanned_log {
-    uint16_t code;
-    uint64_t timestamp;
-    bytes payload;
-};
-
-struct capture_scan {
-    std::map<uint32_t, uint64_t> logs;   /* log packets per code */
-    std::map<uint32_t, uint64_t> events; /* event records per id */
-    std::vector<scanned_log> log_packets;
-    uint64_t bad_frames = 0;
-};
-
 bytes read_file(const std::string &path);
 bool write_file(const std::string &path, const bytes &data);
-
-/* Counts what a capture holds, independently of the product. */
-capture_scan scan_capture(const bytes &capture);
-
-/* The tables of the text summary: "log packets per code" (keys parsed as
- * hex) and "event records per id". */
-struct summary_tables {
-    bool found = false;
-    std::string first_line;
-    std::map<uint32_t, uint64_t> logs, events;
-};
-summary_tables parse_summary(const std::string &out);
-
-/* "pcap messages written per kind" of a text summary. */
-std::map<std::string, uint64_t> written_per_kind(const std::string &out);
 
 /* The records of a classic pcap stream (little-endian, link type IPv4),
  * each without its 16-byte record header; false when the file header is
  * not that or a record is cut short. */
-bool pcap_records(const std::string &pcap, std::vector<std::string> *records);
+bool pcap_records(const bytes &pcap, std::vector<std::string> *records);
 
 /* The exit code of a wait status, -1 when the child did not exit. */
 int exit_code(int status);
 
-/* Runs rlk-replay with `args` and `stdin_text` to its end. */
-run_result replay(const std::vector<std::string> &args, const std::string &stdin_text = "");
+/* Runs rlk-replay with `args` to its end. */
+run_result replay(const std::vector<std::string> &args);
 
-/* A running rlk-replay with its standard output and error as pipes. */
+/* A pseudo terminal in raw mode.  open() also opens the slave side and
+ * holds it, so that bytes written before a program opens it wait there
+ * unchanged; nobody reads what a program writes to it. */
+struct pty {
+    int master = -1;
+    int slave = -1;
+    std::string slave_path;
+    bool open();
+    ~pty();
+};
+
+/* A running program with its standard output and error as pipes. */
 struct child {
     pid_t pid = -1;
     int out = -1;
     int err = -1;
 };
 
-/* Starts `argv` with `stdin_fd` as its standard input (-1: /dev/null) and,
- * when `stderr_fd` is not -1, that as its standard error (c.err is then
- * -1). */
-child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd = -1);
+/* Starts `argv` with `env` added to the test's environment, `stdin_fd` as
+ * its standard input (-1: /dev/null) and, when `stderr_fd` is not -1, that
+ * as its standard error (c.err is then -1). */
+child spawn(const std::vector<std::string> &argv, int stdin_fd = -1, int stderr_fd = -1,
+            const std::vector<std::string> &env = {});
 
 /* Reads the child's standard output into *acc until it holds `needle` or
  * `timeout_ms` passes; true when found. */
