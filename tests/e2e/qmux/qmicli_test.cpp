@@ -1,7 +1,6 @@
 /* Debian's qmicli, a QMI tool of its own, drives rlk-modemd's QMUX device
  * as it drives a USB modem: each command gives the simulated modem's
  * answer, and leaves no client id allocated behind it. */
-#include <regex>
 #include <sstream>
 
 #include "../../unit/sim/sim_test_util.h"
@@ -49,7 +48,13 @@ TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
     }
     for (size_t at; (at = session.find(sim.dir())) != std::string::npos;) session.replace(at, sim.dir().size(), "$DIR");
     /* qmicli's own progress lines of the load are left out. */
-    session = std::regex_replace(session, std::regex("(Uploaded|Loading next chunk) [^\\n]*\\n"), "");
+    std::string kept;
+    std::istringstream lines(session);
+    for (std::string line; std::getline(lines, line);) {
+        size_t cut = std::min(line.find("Uploaded "), line.find("Loading next chunk "));
+        kept += cut == std::string::npos ? line + "\n" : line.substr(0, cut);
+    }
+    session = kept;
     expect_golden(session, __FILE__, "qmicli_session.golden");
 }
 
