@@ -14,7 +14,7 @@
 
 namespace {
 
-/* How long ">?" and "! wait-up" wait for the simulator. */
+/* How long "! wait-up" waits for the modem. */
 constexpr int k_poll_ms = 5000;
 
 /* One expected line: exact, with '*' wildcards, or any run of lines. */
@@ -24,7 +24,7 @@ struct expect_line {
 };
 
 struct step {
-    enum kind_t { run, control, poll, restart, wait_up, file } kind;
+    enum kind_t { run, control, restart, wait_up, file } kind;
     size_t line = 0;       /* where it starts in the file */
     std::string command;   /* the command or control request as written */
     std::vector<expect_line> out, err, syslog, logcat;
@@ -175,14 +175,14 @@ bool parse(const std::string &path, transcript *t)
         if (cur && is_expectation(l, cur)) {
             cur->end_line = n;
         } else if (l.empty() || l[0] == '#') {
-        } else if (starts(l, "$ ") || starts(l, "> ") || starts(l, ">? ") || starts(l, "! ")) {
+        } else if (starts(l, "$ ") || starts(l, "> ") || starts(l, "! ")) {
             step s;
             s.line = s.end_line = n;
             s.command = l.substr(l.find(' ') + 1);
             if (l[0] == '$') {
                 s.kind = step::run;
             } else if (l[0] == '>') {
-                s.kind = l[1] == '?' ? step::poll : step::control;
+                s.kind = step::control;
             } else if (l == "! restart") {
                 s.kind = step::restart;
             } else if (starts(l, "! wait-up ")) {
@@ -314,22 +314,14 @@ void run_transcript(const std::string &path)
             ASSERT_TRUE(sim.restart()) << where;
             continue;
         }
-        if (s.kind == step::control || s.kind == step::poll) {
-            std::string answer;
-            std::vector<std::string> data;
-            auto answered = [&] {
-                answer = sim.ctl(s.command);
-                bool ok = answer == "ok" || starts(answer, "ok ") || starts(answer, "ok\n");
-                if (answer == "ok ") {
-                    data = {""};
-                } else {
-                    data = split_lines(ok ? answer.substr(std::min<size_t>(3, answer.size())) : answer);
-                }
-                /* An error answer passes only where the lines expect it. */
-                return s.out.empty() ? ok : lines_match(s.out, 0, data, 0);
-            };
-            EXPECT_TRUE(s.kind == step::control ? answered() : poll_until(answered, k_poll_ms))
-                << where << ": " << s.command << " -> " << answer;
+        if (s.kind == step::control) {
+            std::string answer = sim.ctl(s.command);
+            bool ok = answer == "ok" || starts(answer, "ok ") || starts(answer, "ok\n");
+            std::vector<std::string> data = split_lines(ok ? answer.substr(std::min<size_t>(3, answer.size())) : answer);
+            if (answer == "ok ") data = {""};
+            /* An error answer passes only where the lines expect it. */
+            EXPECT_TRUE(s.out.empty() ? ok : lines_match(s.out, 0, data, 0)) << where << ": " << s.command << " -> "
+                                                                             << answer;
             continue;
         }
         if (s.kind == step::wait_up) {

@@ -13,7 +13,6 @@
  *   | ...                     "~" lines after it give the answer's data lines
  *                             (what follows "ok " or "ok" and a newline; an
  *                             error answer is compared whole: "| error -2")
- *   >? counter get x          the same, asked again until it answers so (5 s)
  *   ! restart                 restart the simulator on the same state
  *   ! wait-up 2               wait until the modem is back from its 2nd
  *                             restart with every service up (5 s)
