@@ -3,7 +3,6 @@
  * 32-bit in C and 16-bit on the wire, and malformed lists refused. */
 #include <string.h>
 
-
 #include <gtest/gtest.h>
 
 #include "golden_data.h"

@@ -2,8 +2,6 @@
  * end-to-end test prints every full item),
  * and the group's steps against a private simulator (checks of an answer in
  * their order, refusals before any request, release on every path). */
-#include <gtest/gtest.h>
-
 #include "../frontend/frontend_test_util.h"
 #include "golden_data.h"
 #include "modem_api.h"

@@ -2,11 +2,6 @@
  * replaced so that no test sleeps a modem's seconds (a negative wait is an
  * unsigned sleep of about 136 years).  Results, sleeps and console texts
  * are compared whole with a golden transcript. */
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <sstream>
-
 #include "../frontend/frontend_test_util.h"
 #include "../modem_api/golden_data.h"
 #include "sim_fixture.h"
