@@ -1,7 +1,6 @@
 /* rlk-mbn's command line, ids as users write them, JSON output of texts
  * the modem chose (descriptions), and the texts of failures. */
-#include <gtest/gtest.h>
-
+#include "../frontend/frontend_test_util.h"
 #include "../modem_api/golden_data.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
@@ -10,9 +9,9 @@ namespace {
 
 bool parse(std::vector<std::string> words, mbn_options *o, std::string *error)
 {
-    std::vector<char *> argv = {const_cast<char *>("rlk-mbn")};
-    for (std::string &w : words) argv.push_back(&w[0]);
-    return mbn_parse_options(int(argv.size()), argv.data(), o, error);
+    words.insert(words.begin(), "rlk-mbn");
+    arg_vector args(words);
+    return mbn_parse_options(args.argc(), args.argv(), o, error);
 }
 
 std::string text_of(const uint8_t *bytes, uint32_t len)
