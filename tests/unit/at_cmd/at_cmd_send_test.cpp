@@ -1,11 +1,7 @@
 /* The AT group in-process: the bound of the shell command, and the
  * receiver thread and done flag over repeated runs (these tests also run
  * under ThreadSanitizer). */
-#include <stdlib.h>
 #include <unistd.h>
-
-#include <gtest/gtest.h>
-
 
 #include "../frontend/frontend_test_util.h"
 #include "state_store.h"

@@ -2,12 +2,9 @@
  * delivery and copying, the client table and the status fan-out. */
 #include <string.h>
 
-#include <gtest/gtest.h>
-
 #include "golden_data.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
-#include "orvex_mem.h"
 
 namespace {
 

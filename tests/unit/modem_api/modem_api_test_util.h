@@ -10,6 +10,8 @@
 #include <condition_variable>
 #include <mutex>
 
+#include <gtest/gtest.h>
+
 #include "orvex_mem.h"
 #include "sim_fixture.h"
 

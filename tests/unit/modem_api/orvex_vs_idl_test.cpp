@@ -3,7 +3,6 @@
  * 32-bit in C and 16-bit on the wire, and malformed lists refused. */
 #include <string.h>
 
-
 #include <gtest/gtest.h>
 
 #include "golden_data.h"
@@ -11,10 +10,12 @@
 
 namespace {
 
+const qmi_idl_service_object_type g_svc = orvex_vs_get_service_object_v01();
+
 int decode_stats_answer(const std::vector<uint8_t> &wire, orvex_vs_get_stats_resp_msg_v01 *out)
 {
-    return qmi_idl_message_decode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01,
-                                  wire.data(), uint32_t(wire.size()), out, ORVEX_VS_GET_STATS_RESP_BUF_LEN);
+    return qmi_idl_message_decode(g_svc, QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01, wire.data(),
+                                  uint32_t(wire.size()), out, ORVEX_VS_GET_STATS_RESP_BUF_LEN);
 }
 
 TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
@@ -30,12 +31,10 @@ TEST(OrvexVsIdl, FullAnswerRoundTripsWithinItsLimits)
         memset(resp->data_list[i].data, int(i + 1), ORVEX_VS_DATA_MAX);
     }
     uint32_t max = 0, n = 0;
-    ASSERT_EQ(qmi_idl_get_max_message_len(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
-                                          ORVEX_VS_GET_STATS_MSG_ID_V01, &max),
-              0);
+    ASSERT_EQ(qmi_idl_get_max_message_len(g_svc, QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01, &max), 0);
     std::vector<uint8_t> wire(max);
-    ASSERT_EQ(qmi_idl_message_encode(orvex_vs_get_service_object_v01(), QMI_IDL_RESPONSE,
-                                     ORVEX_VS_GET_STATS_MSG_ID_V01, resp.get(), sizeof(*resp), wire.data(), max, &n),
+    ASSERT_EQ(qmi_idl_message_encode(g_svc, QMI_IDL_RESPONSE, ORVEX_VS_GET_STATS_MSG_ID_V01, resp.get(), sizeof(*resp),
+                                     wire.data(), max, &n),
               0);
     wire.resize(n);
     EXPECT_EQ(wire.size(), 7u + 3u + 2u + 712u * ORVEX_VS_GET_STATS_LIST_MAX);
@@ -60,12 +59,12 @@ TEST(OrvexVsIdl, ResultWordsAndMalformedLists)
     req.data_id_list_len = 11;
     uint8_t buf[64];
     uint32_t n = 0;
-    EXPECT_EQ(qmi_idl_message_encode(orvex_vs_get_service_object_v01(), QMI_IDL_REQUEST, ORVEX_VS_GET_STATS_MSG_ID_V01,
-                                     &req, sizeof(req), buf, sizeof(buf), &n),
+    EXPECT_EQ(qmi_idl_message_encode(g_svc, QMI_IDL_REQUEST, ORVEX_VS_GET_STATS_MSG_ID_V01, &req, sizeof(req), buf,
+                                     sizeof(buf), &n),
               QMI_IDL_LIB_ARRAY_TOO_BIG);
     /* The largest indication fits one simulator packet. */
     uint32_t max = 0;
-    ASSERT_EQ(qmi_idl_get_max_service_len(orvex_vs_get_service_object_v01(), &max), 0);
+    ASSERT_EQ(qmi_idl_get_max_service_len(g_svc, &max), 0);
     EXPECT_LT(max + 7, 65536u);
     EXPECT_EQ(orvex_vs_get_service_object_internal_v01(2, 1, 6), nullptr);
 }

@@ -2,8 +2,6 @@
  * end-to-end test prints every full item),
  * and the group's steps against a private simulator (checks of an answer in
  * their order, refusals before any request, release on every path). */
-#include <gtest/gtest.h>
-
 #include "../frontend/frontend_test_util.h"
 #include "golden_data.h"
 #include "modem_api.h"
@@ -66,10 +64,8 @@ TEST(QmiStatsReaders, CursorGuards)
 /* Runs `rlk 9 <opt> <sub>` in this process. */
 std::string run_group(int opt, int sub)
 {
-    std::vector<std::string> words = {"rlk", "9", std::to_string(opt), std::to_string(sub)};
-    std::vector<char *> argv;
-    for (std::string &w : words) argv.push_back(&w[0]);
-    return capture_stdout([&] { tolvek_test_qmi_modem_stats_do(int(argv.size()), argv.data()); });
+    arg_vector args({"rlk", "9", std::to_string(opt), std::to_string(sub)});
+    return capture_stdout([&] { tolvek_test_qmi_modem_stats_do(args.argc(), args.argv()); });
 }
 
 /* Each run's output and the number of requests 0x0207 it sent, compared

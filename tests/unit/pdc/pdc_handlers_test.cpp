@@ -11,15 +11,6 @@ namespace {
 
 typedef void (*handler_fn)(void *, uint32_t);
 
-pdc_generic_ind_msg_v01 generic_ind(int32_t error, uint32_t token = 0)
-{
-    pdc_generic_ind_msg_v01 ind = {};
-    ind.error = error;
-    ind.ind_token_valid = token != 0;
-    ind.ind_token = token;
-    return ind;
-}
-
 /* Each handler without data, with error 3 and with success. */
 TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
 {
@@ -36,7 +27,7 @@ TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
         t += outcome_of(h.first);
         for (int32_t error : {3, 0}) {
             pdc_begin(h.first);
-            pdc_generic_ind_msg_v01 ind = generic_ind(error);
+            pdc_generic_ind_msg_v01 ind = {error, 0, 0};
             h.second(&ind, sizeof(ind));
             t += outcome_of(h.first);
         }
@@ -58,8 +49,8 @@ TEST(PdcWaiter, OwnOutcomeTimeOutAndCancel)
         std::lock_guard<qtimutex::QtiSharedMutex> lock(g_pdc_info.pdc_mutex);
         return g_pdc_info.slots.select.waiting != 0;
     };
-    for (int i = 0; i < 500 && !waiting(); i++) usleep(1000);
-    pdc_generic_ind_msg_v01 other = generic_ind(3, 9), ours = generic_ind(0, 5);
+    EXPECT_TRUE(poll_until(waiting, 3000));
+    pdc_generic_ind_msg_v01 other = {3, 1, 9}, ours = {0, 1, 5};
     qmi_pdc_select_config_ind_hdlr(&other, sizeof(other));
     usleep(20000);
     EXPECT_TRUE(waiting()) << "another request's outcome does not end the wait";
@@ -100,12 +91,8 @@ TEST(PdcLoadHandler, OutcomesStoreTheirCodesAndProgress)
     std::string t;
     for (const auto &c : cases) {
         pdc_log_scope log;
-        pdc_load_config_ind_msg_v01 ind = {};
-        ind.error = c.first;
-        ind.frame_data_reset_valid = c.second;
-        ind.received_config_size_valid = 1;
-        ind.received_config_size = 1024;
-        ind.remaining_config_size = 777;
+        /* 1024 bytes received; 777 remaining, without its flag. */
+        pdc_load_config_ind_msg_v01 ind = {c.first, 0, 0, 1, 1024, 0, 777, c.second, 0};
         g_pdc_info.slots.load.remaining_config_size = 5;
         qmi_pdc_load_config_ind_hdlr(&ind, sizeof(ind));
         const auto &slot = g_pdc_info.slots.load;

@@ -4,37 +4,19 @@
 #define RLK_PDC_TEST_UTIL_H
 
 #include <string.h>
-#include <unistd.h>
 
-#include <mutex>
-
-#include <gtest/gtest.h>
-
-#include "golden.h"
+#include "../modem_api/modem_api_test_util.h"
 #include "pdc_requests.h"
 #include "pdc_utils.h"
-#include "sim_fixture.h"
 
-/* Points the Android log of this process at a fresh file for one test and
- * resets the PDC client's record. */
-class pdc_log_scope {
+/* A private Android log (see temp_logcat) and a reset PDC client record. */
+class pdc_log_scope : public temp_logcat {
 public:
     pdc_log_scope()
     {
-        char path[] = "/tmp/rlk_pdc_logcat_XXXXXX";
-        close(mkstemp(path));
-        path_ = path;
-        const char *old = getenv("RLK_LOGCAT_FILE");
-        saved_ = old ? old : "";
-        setenv("RLK_LOGCAT_FILE", path_.c_str(), 1);
         qmi_pdc_init_pdc_info();
         pdc_reset_cancel();
-        start_ = read_log_file(path_, true).size(); /* after the record's own "init done" line */
-    }
-    ~pdc_log_scope()
-    {
-        saved_.empty() ? unsetenv("RLK_LOGCAT_FILE") : setenv("RLK_LOGCAT_FILE", saved_.c_str(), 1);
-        unlink(path_.c_str());
+        start_ = read_log_file(path, true).size(); /* after the record's own "init done" line */
     }
     /* "<priority> <message>" of every PDC_UTIL line since the scope began,
      * each ended by a newline. */
@@ -42,7 +24,7 @@ public:
     {
         std::string out;
         size_t n = 0;
-        for (const log_line &l : read_log_file(path_, true)) {
+        for (const log_line &l : read_log_file(path, true)) {
             EXPECT_EQ(l.buffer, 1);
             EXPECT_EQ(l.tag, "PDC_UTIL");
             if (n++ >= start_) out += std::to_string(l.priority) + " " + l.text + "\n";
@@ -51,7 +33,6 @@ public:
     }
 
 private:
-    std::string path_, saved_;
     size_t start_ = 0;
 };
 

@@ -1,17 +1,12 @@
 /* The host QMI client library against a real private simulator: lookup and
  * notifier, connection, synchronous sends and their time-out, indications,
  * and the error callback when a service goes away. */
-#include <unistd.h>
-
-#include <condition_variable>
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "../modem_api/golden_data.h"
+#include "../modem_api/modem_api_test_util.h"
 #include "ext_request.h"
 #include "qmi_client.h"
-#include "sim_fixture.h"
 #include "tolvek_extend_service_v01.h"
 
 namespace {
@@ -19,44 +14,40 @@ namespace {
 /* Upper bound of every wait in these tests: failures end quickly, success
  * never waits for it. */
 constexpr int k_wait_ms = 3000;
+const std::thread::id g_test_thread = std::this_thread::get_id();
 
-/* What the library's callbacks reported, and whether one came on the
- * test's own thread. */
-struct event_box {
-    std::mutex mu;
-    std::condition_variable cv;
-    std::vector<int> events;
-    std::vector<std::vector<uint8_t>> payloads;
-    const std::thread::id test_thread = std::this_thread::get_id();
-    bool on_test_thread = false;
+/* Each callback's event (or message id), payload, and whether it came on
+ * the test's own thread. */
+typedef recorder<std::tuple<int, std::vector<uint8_t>, bool>> event_box;
 
-    void add(int ev, const void *data = nullptr, size_t len = 0)
-    {
-        std::lock_guard<std::mutex> g(mu);
-        events.push_back(ev);
-        on_test_thread |= std::this_thread::get_id() == test_thread;
-        payloads.emplace_back(static_cast<const uint8_t *>(data), static_cast<const uint8_t *>(data) + len);
-        cv.notify_all();
+void add(void *box, int ev, const void *data = nullptr, size_t len = 0)
+{
+    const uint8_t *bytes = static_cast<const uint8_t *>(data);
+    const bool on_test_thread = std::this_thread::get_id() == g_test_thread;
+    static_cast<event_box *>(box)->add({ev, std::vector<uint8_t>(bytes, bytes + len), on_test_thread});
+}
+
+/* The events, which must have come on the library's threads. */
+std::vector<int> events(event_box &box)
+{
+    std::vector<int> out;
+    for (const auto &v : box.values()) {
+        EXPECT_FALSE(std::get<2>(v)) << std::get<0>(v);
+        out.push_back(std::get<0>(v));
     }
-    /* Waits for `n` events; true when they came from another thread. */
-    bool wait_count(size_t n)
-    {
-        std::unique_lock<std::mutex> lk(mu);
-        return cv.wait_for(lk, std::chrono::milliseconds(k_wait_ms), [&] { return events.size() >= n; }) &&
-               !on_test_thread;
-    }
-};
+    return out;
+}
 
-void on_error(qmi_client_type, qmi_client_error_type error, void *data) { static_cast<event_box *>(data)->add(error); }
+void on_error(qmi_client_type, qmi_client_error_type error, void *data) { add(data, error); }
 
 void on_notify(qmi_client_type, qmi_idl_service_object_type, qmi_client_notify_event_type ev, void *data)
 {
-    static_cast<event_box *>(data)->add(ev);
+    add(data, ev);
 }
 
 void on_indication(qmi_client_type, unsigned int msg_id, void *buf, unsigned int len, void *data)
 {
-    static_cast<event_box *>(data)->add(int(msg_id), buf, len);
+    add(data, int(msg_id), buf, len);
 }
 
 class QmiClientTest : public ::testing::Test {
@@ -110,11 +101,11 @@ TEST_F(QmiClientTest, AbsentServiceIsListedWhenItAppearsAndAfterARestart)
     t += facts(present, services);
     EXPECT_EQ(t, facts(QMI_SERVICE_ERR, 0) + facts(0) + facts(QMI_NO_ERR, 1)) << "results and services";
     ASSERT_TRUE(box.wait_count(1));
-    EXPECT_EQ(box.events, std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
+    EXPECT_EQ(events(box), std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
     sim.ctl_ok("ssr ext 100");
     ASSERT_TRUE(box.wait_count(3));
-    EXPECT_EQ(box.events, (std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC, QMI_CLIENT_SERVICE_COUNT_DEC,
-                                            QMI_CLIENT_SERVICE_COUNT_INC}));
+    EXPECT_EQ(events(box), (std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC, QMI_CLIENT_SERVICE_COUNT_DEC,
+                                             QMI_CLIENT_SERVICE_COUNT_INC}));
 }
 
 /* A notifier told at once of a service that is there, a request with its
@@ -125,7 +116,7 @@ TEST_F(QmiClientTest, SendsTimeOutsAndIndications)
     event_box box, present;
     notify(&present);
     ASSERT_TRUE(present.wait_count(1));
-    EXPECT_EQ(present.events, std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
+    EXPECT_EQ(events(present), std::vector<int>{QMI_CLIENT_SERVICE_COUNT_INC});
     connect(&box);
     ASSERT_EQ(send_read(k_wait_ms), QMI_NO_ERR);
     /* The seeded antenna file holds 16 bytes. */
@@ -144,8 +135,8 @@ TEST_F(QmiClientTest, SendsTimeOutsAndIndications)
 
     sim.ctl_ok("ind ext 3 01040009000000 02040000000000");
     ASSERT_TRUE(box.wait_count(1));
-    EXPECT_EQ(box.events[0], 3);
-    std::vector<uint8_t> &tlvs = box.payloads[0];
+    EXPECT_EQ(events(box), std::vector<int>{3});
+    std::vector<uint8_t> tlvs = std::get<1>(box.values()[0]);
     tolvek_extend_msg ind;
     ASSERT_EQ(qmi_client_message_decode(client, QMI_IDL_INDICATION, 3, tlvs.data(), unsigned(tlvs.size()), &ind,
                                         sizeof(ind)),
@@ -173,9 +164,9 @@ TEST_F(QmiClientTest, ServiceGoingAwayFailsThePendingSendAndCallsTheErrorCallbac
     /* A dead client reports the loss again to a late registration; the
      * first callback is not called again. */
     const int late_rc = qmi_client_register_error_cb(client, on_error, &late);
-    std::string t = facts(rc.load(), box.events[0], late_rc, late.events.size());
+    std::string t = facts(rc.load(), events(box)[0], late_rc, late.values().size());
     const int dead_rc = send_read(100);
-    t += facts(dead_rc, box.events.size());
+    t += facts(dead_rc, events(box).size());
     EXPECT_EQ(t, facts(QMI_SERVICE_ERR, QMI_SERVICE_ERR, QMI_SERVICE_ERR, 1) + facts(QMI_SERVICE_ERR, 1));
 }
 

@@ -4,7 +4,6 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-
 #include "Logger.h"
 #include "golden.h"
 #include "qcril_memory_management.h"

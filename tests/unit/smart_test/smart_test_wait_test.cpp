@@ -2,11 +2,6 @@
  * replaced so that no test sleeps a modem's seconds (a negative wait is an
  * unsigned sleep of about 136 years).  Results, sleeps and console texts
  * are compared whole with a golden transcript. */
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <sstream>
-
 #include "../frontend/frontend_test_util.h"
 #include "../modem_api/golden_data.h"
 #include "sim_fixture.h"
@@ -38,6 +33,16 @@ std::string ril_lines(const std::string &out)
     return without_line_numbers(text);
 }
 
+/* One run with fresh sleeps: "<label>: <result>, sleeps ..." and the
+ * tool's lines. */
+std::string run(const std::string &label, int (*fn)())
+{
+    g_sleeps.clear();
+    int result = 0;
+    std::string out = capture_stdout([&] { result = fn(); });
+    return label + ": " + std::to_string(result) + ", sleeps" + g_sleeps + "\n" + ril_lines(out);
+}
+
 TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
 {
     /* One simulator for the process: the extension client this process
@@ -49,24 +54,15 @@ TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
     /* "" leaves the property unset. */
     for (const char *value : {"", "0", "abc", "2s", "-1"}) {
         sim.ctl_ok(std::string("setprop " TOLVEK_PROP_SSR_WAIT_S " ") + value);
-        g_sleeps.clear();
-        int result = 0;
-        std::string out = capture_stdout([&] { result = tolvek_smart_test_ssr_wait_s(); });
-        t += "wait_s '" + std::string(value) + "': " + std::to_string(result) + ", sleeps" + g_sleeps + "\n";
-        t += ril_lines(out);
+        t += run("wait_s '" + std::string(value) + "'", tolvek_smart_test_ssr_wait_s);
     }
 
     /* A negative first wait stops before the request (nothing sent), the
      * level left open. */
     sim.ctl_ok("setprop " TOLVEK_PROP_SSR_LEVEL " ALL_DISABLE");
     sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " -5");
-    g_sleeps.clear();
-    int result = 0;
-    std::string out = capture_stdout([&] { result = tolvek_smart_test_modem_ssr(); });
-    t += "ssr -5: " + std::to_string(result) + ", sleeps" + g_sleeps + "\n" + ril_lines(out);
-    EXPECT_EQ(result, TOLVEK_SMART_TEST_STOPPED);
-    EXPECT_EQ(sim.ctl_ok("getprop " TOLVEK_PROP_SSR_LEVEL), "ALL_ENABLE");
-    EXPECT_EQ(sim.ctl_ok("counter get ext.ssr"), "0");
+    t += run("ssr -5", tolvek_smart_test_modem_ssr);
+    t += facts("level", sim.ctl_ok("getprop " TOLVEK_PROP_SSR_LEVEL), "requests", sim.ctl_ok("counter get ext.ssr"));
 
     /* A negative second wait, after the request, leaves the level open.  A
      * canned success: the modem does not really restart under this
@@ -75,12 +71,10 @@ TEST(SmartTestWait, WaitValuesAndNegativeWaitsBeforeAndAfterTheRequest)
     sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " 1");
     sim.ctl_ok("respond ext 2 0104000000000002040000000000 1");
     g_during_sleep = [] { sim.ctl_ok("setprop " TOLVEK_PROP_SSR_WAIT_S " -1"); };
-    g_sleeps.clear();
-    out = capture_stdout([] { tolvek_smart_test_modem_ssr(); });
+    t += run("ssr 1 then -1", tolvek_smart_test_modem_ssr);
     g_during_sleep = nullptr;
     tolvek_smart_test_set_sleep(nullptr);
-    t += "ssr 1 then -1: sleeps" + g_sleeps + "\n" + ril_lines(out);
-    EXPECT_EQ(sim.ctl_ok("getprop " TOLVEK_PROP_SSR_LEVEL), "ALL_ENABLE");
+    t += facts("level", sim.ctl_ok("getprop " TOLVEK_PROP_SSR_LEVEL));
     EXPECT_NE(sim.ctl_ok("last 1 ext"), "") << "the request was sent";
     expect_golden(t, __FILE__, "smart_test_wait.golden");
 }
