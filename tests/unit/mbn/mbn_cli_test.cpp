@@ -2,7 +2,7 @@
  * the modem chose (descriptions), and the texts of failures. */
 #include <gtest/gtest.h>
 
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
 
@@ -29,7 +29,7 @@ TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
     EXPECT_EQ(facts(o.command, o.sub, o.config_type, o.timeout_s, o.json, text_of(o.id.bytes, o.id.len)),
               facts(MBN_CMD_SELECT, 1, PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 5, true, "abc"));
 
-    for (const auto &c : data_rows(__FILE__, "mbn_refused.data")) {
+    for (const auto &c : data_rows(__FILE__, "mbn_refused.data", '\t')) {
         std::vector<std::string> words;
         std::istringstream in(c[0]);
         for (std::string w; in >> w;) words.push_back(w == "<empty>" ? "" : w);

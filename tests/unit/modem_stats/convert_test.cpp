@@ -23,7 +23,8 @@ TEST(ConvertTest, KnownValues)
         {"nr5g_rssi", modem_stats_nr5g_rssi},
         {"nr5g_snr", [](int32_t raw) { return modem_stats_nr5g_snr(static_cast<uint32_t>(raw)); }}};
     size_t rows = 0;
-    for (std::istringstream &row : log_test::data_rows(__FILE__, "convert.cases")) {
+    for (const std::string &line : data_lines(__FILE__, "convert.cases")) {
+        std::istringstream row(line);
         std::string name, raw, expected;
         row >> name >> raw >> expected;
         const float want = strtof(expected.c_str(), nullptr);

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "ext_request.h"
 #include "qmi_client.h"
 #include "sim_fixture.h"

@@ -24,7 +24,7 @@ TEST(Signalling, EachPacketGivesItsGsmtapMessageOrTheReasonForNone)
     const char *const status[SIGNALLING_STATUS_COUNT] = {"ok",        "none",    "version-refused",
                                                          "malformed", "skipped", "no-gsmtap"};
     std::string out;
-    for (const table_row &row : read_table(__FILE__, "signalling_packets.txt")) {
+    for (const words &row : data_rows(__FILE__, "signalling_packets.txt")) {
         std::vector<uint8_t> payload = row_bytes(row, 2);
         signalling_result r = signalling_extract(uint16_t(stoul(row[1], nullptr, 0)), payload.data(), payload.size());
         out += row[0] + ": " + status[r.status] + " " + std::to_string(r.version);

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "../frontend/frontend_test_util.h"
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "sim_fixture.h"
 #include "tolvek_smart_test.h"
 
