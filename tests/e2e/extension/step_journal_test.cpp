@@ -81,7 +81,7 @@ std::string journal_of(const std::string &path)
 
 std::vector<std::string> step_files()
 {
-    std::string here = __FILE__;
+    std::string here = golden_path(__FILE__, ""); /* found from any working folder */
     std::vector<std::string> found;
     for (const auto &e : std::filesystem::recursive_directory_iterator(here.substr(0, here.rfind("/extension")))) {
         if (e.path().extension() == ".steps") found.push_back(e.path().string());

@@ -11,7 +11,6 @@
 #include "signalling.h"
 #include "table_file.h"
 
-using replay_test::hex;
 
 namespace {
 
@@ -31,7 +30,8 @@ TEST(Signalling, EachPacketGivesItsGsmtapMessageOrTheReasonForNone)
         std::string record;
         if (r.status == SIGNALLING_OK) {
             EXPECT_TRUE(pcap_append_gsmtap(&record, 0x56A3F139, 642000, r.msg)) << row[0];
-            out += std::string(" ") + r.kind + " " + hex(record);
+            const auto *bytes = reinterpret_cast<const uint8_t *>(record.data());
+            out += std::string(" ") + r.kind + " " + hex(bytes, record.size());
         }
         out += "\n";
     }
