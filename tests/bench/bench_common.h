@@ -161,7 +161,7 @@ inline int dispatch_bench(const char *cases, const char *title, int argc, char *
         std::string label;
     };
     std::vector<packets> list;
-    for (const table_row &row : read_table(BENCH_DATA_DIR "/", cases)) {
+    for (const words &row : data_rows(BENCH_DATA_DIR "/", cases)) {
         packets c{row[0] == "event",
                   uint16_t(stoul(row[1], nullptr, 0)),
                   {row_bytes({row[2]}, 0), row_bytes({row[3]}, 0)},

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "golden.h"
 #include "transcript.h"
 
 namespace {
@@ -17,8 +18,8 @@ TEST_P(Transcript, PrintsWhatItSays)
 
 std::string e2e_dir()
 {
-    std::string file = __FILE__;
-    return file.substr(0, file.rfind('/'));
+    std::string dir = golden_path(__FILE__, ""); /* found from any working folder */
+    return dir.substr(0, dir.size() - 1);
 }
 
 /* The test is named after the file: "cmn/sar" for tests/e2e/cmn/sar.t. */

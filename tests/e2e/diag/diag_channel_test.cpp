@@ -14,14 +14,13 @@
 namespace {
 
 using diag_test::bytes;
-using diag_test::hex_of;
 
 const uint32_t k_raw = USER_SPACE_RAW_DATA_TYPE, k_dci = DCI_PKT_TYPE, k_data = DCI_DATA_TYPE;
 
 /* A packet as "<type> <proc> <tag> <payload hex>". */
 std::string packet(uint32_t type, int32_t proc, uint32_t tag, const bytes &payload)
 {
-    return std::to_string(type) + " " + std::to_string(proc) + " " + std::to_string(tag) + " " + hex_of(payload);
+    return std::to_string(type) + " " + std::to_string(proc) + " " + std::to_string(tag) + " " + hex(payload);
 }
 
 /* A DIAG connection spoken by hand. */

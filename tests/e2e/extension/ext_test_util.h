@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include "data_file.h"
 #include "process_runner.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_payload.h"
@@ -39,9 +40,7 @@ inline std::vector<ext_wire_request> ext_last_requests(const sim_instance &sim, 
     std::vector<ext_wire_request> out;
     for (std::string line; std::getline(in, line);) {
         if (line.empty()) continue;
-        std::vector<uint8_t> pkt;
-        const std::string hex = line.substr(line.rfind(' ') + 1);
-        for (size_t i = 0; i + 1 < hex.size(); i += 2) pkt.push_back(uint8_t(stoul(hex.substr(i, 2), nullptr, 16)));
+        const std::vector<uint8_t> pkt = unhex(line.substr(line.rfind(' ') + 1));
         ext_wire_request r;
         for (size_t pos = 7; pos + 3 <= pkt.size();) { /* after the QMI header */
             size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
@@ -112,10 +111,7 @@ protected:
     /* rlk with the words of `args` ("4 1 0 550"). */
     rlk_run rlk(const std::string &args)
     {
-        std::istringstream in(args);
-        std::vector<std::string> argv;
-        for (std::string w; in >> w;) argv.push_back(w);
-        return sim.run_rlk(argv);
+        return sim.run_rlk(words_of(args));
     }
 
     sim_instance sim;

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "../replay/replay_e2e_util.h"
+#include "data_file.h"
 #include "sim_fixture.h"
 
 using namespace replay_e2e;
@@ -26,9 +27,8 @@ protected:
      * simulator folder's test-logcat.log. */
     child start(const std::string &args, const std::vector<std::string> &env = {})
     {
-        std::vector<std::string> argv = {RLK_MBN_BINARY};
-        std::istringstream in(args);
-        for (std::string w; in >> w;) argv.push_back(w);
+        std::vector<std::string> argv = words_of(args);
+        argv.insert(argv.begin(), RLK_MBN_BINARY);
         return spawn(argv, -1, -1, env);
     }
     /* The environment of a run that opens its client on a device that does

@@ -213,7 +213,7 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
     EXPECT_EQ(bytes(rsp, rsp + build_id.size()), build_id) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
 
-    for (const std::vector<std::string> &row : data_rows(__FILE__, "dci_pieces.data")) {
+    for (const std::vector<std::string> &row : data_rows(__FILE__, "dci_pieces.data", '|')) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
         if (row[1] != "-") sim.ctl_ok(row[1]);
         size_t total = std::stoul(row[0]);
@@ -223,7 +223,7 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
         bytes reply(total);
         for (size_t i = 0; i < total; i++) reply[i] = uint8_t(i * 7 + 3);
         reply[0] = 0x4b;
-        sim.ctl_ok("diag reply 0x4b " + hex_of(reply));
+        sim.ctl_ok("diag reply 0x4b " + hex(reply));
         ASSERT_EQ(send_dci({0x4b, 0x12, 0x00, 0x00}, &marker), DIAG_DCI_NO_ERROR);
         std::vector<call_box::call> calls = box.wait(pieces.size());
         std::vector<size_t> sizes;
@@ -245,7 +245,7 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
     /* No handler: the signal must not be raised (its default kills). */
     ASSERT_EQ(diag_register_dci_signal_data(client_id, SIGRTMIN + 30), DIAG_DCI_NO_ERROR);
     const bytes log = {0x14, 0x00, 0x6d, 0xb1, 1, 2, 3, 4, 5, 6, 7, 8, 0x7e, 0x7d, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
-    EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "ok 1");
+    EXPECT_EQ(sim.ctl("diag log " + hex(log)), "ok 1");
     std::vector<call_box::call> records = logs.wait(1);
     ASSERT_EQ(records.size(), 1u);
     EXPECT_EQ(records[0].data, log);
@@ -256,14 +256,14 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
     sa.sa_handler = count_signal;
     ASSERT_EQ(sigaction(SIGRTMIN + 30, &sa, &old), 0);
     const bytes event = {0x01, 0x00, 0x12, 0x34};
-    EXPECT_EQ(sim.ctl("diag event " + hex_of(event)), "ok 1");
+    EXPECT_EQ(sim.ctl("diag event " + hex(event)), "ok 1");
     EXPECT_EQ(events.take(1, 3000), std::vector<bytes>{event});
     EXPECT_EQ(g_signals.load(), 1) << "raised once, before the callback, on the library thread";
     sigaction(SIGRTMIN + 30, &old, nullptr);
     EXPECT_EQ(logs.take(1, 0).size(), 1u);
 
     ASSERT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(sim.ctl("diag log " + hex_of(log)), "error no DCI client");
+    EXPECT_EQ(sim.ctl("diag log " + hex(log)), "error no DCI client");
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ TEST_F(DiagSendModesTest, SessionCountThenTimeOutStepsEarlyLateAndPiecedAnswers)
     }
     expect_golden(captured(), __FILE__, "send_sessions.golden");
 
-    for (const std::vector<std::string> &col : data_rows(__FILE__, "send_timeouts.data")) {
+    for (const std::vector<std::string> &col : data_rows(__FILE__, "send_timeouts.data", '|')) {
         SCOPED_TRACE(col[0] + " | " + col[1] + " | " + col[2]);
         ASSERT_EQ(col.size(), 8u);
         if (col[1] != "-") sim.ctl_ok(col[1]);

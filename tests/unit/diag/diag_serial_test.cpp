@@ -60,7 +60,7 @@ protected:
  * runs), and no second one. */
 TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 {
-    for (const std::vector<std::string> &row : data_rows(__FILE__, "serial_answers.data")) {
+    for (const std::vector<std::string> &row : data_rows(__FILE__, "serial_answers.data", '|')) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
         ASSERT_TRUE(Diag_LSM_Init(nullptr));
         diag_register_callback(on_answer, nullptr);

@@ -18,7 +18,7 @@
 
 #include <gtest/gtest.h>
 
-#include "golden.h"
+#include "data_file.h"
 #include "hdlc.h"
 
 namespace diag_test {
@@ -30,17 +30,6 @@ inline bytes frame(const bytes &payload)
     bytes f;
     hdlc_encode(payload.data(), payload.size(), &f);
     return f;
-}
-
-inline std::string hex_of(const bytes &b)
-{
-    static const char d[] = "0123456789abcdef";
-    std::string s;
-    for (uint8_t v : b) {
-        s += d[v >> 4];
-        s += d[v & 15];
-    }
-    return s;
 }
 
 /* Bytes written as text: "4b 13" byte by byte, "00*130" for 130 zero
@@ -72,51 +61,17 @@ inline std::string bytes_text(const bytes &b)
     for (size_t i = 0, n = 0; i < b.size(); i += n) {
         for (n = 1; i + n < b.size() && b[i + n] == b[i];) n++;
         if (n < 4) n = 1;
-        s += (i ? " " : "") + hex_of({b[i]}) + (n > 1 ? "*" + std::to_string(n) : "");
+        s += (i ? " " : "") + hex(&b[i], 1) + (n > 1 ? "*" + std::to_string(n) : "");
     }
     return s;
 }
 
 /* Compares the transcript file `name` next to `source`, lines "request =>
- * answer" (`#` lines are comments), with the answers `answer` gives to its
- * requests in order. */
+ * answer", with the answers `answer` gives to its requests in order. */
 inline void expect_transcript(const char *source, const std::string &name,
                               const std::function<std::string(const bytes &)> &answer)
 {
-    std::istringstream in(read_golden(source, name));
-    std::string out;
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line[0] != '#') {
-            std::string request = line.substr(0, line.find(" =>"));
-            line = request + " => " + answer(parse_bytes(request));
-        }
-        out += line + "\n";
-    }
-    expect_golden(out, source, name);
-}
-
-/* `text` split at `sep`, each field without its surrounding spaces. */
-inline std::vector<std::string> fields(const std::string &text, char sep)
-{
-    std::vector<std::string> out;
-    std::istringstream in(text + sep);
-    for (std::string f; std::getline(in, f, sep);) {
-        size_t first = f.find_first_not_of(' ');
-        out.push_back(first == std::string::npos ? "" : f.substr(first, f.find_last_not_of(' ') - first + 1));
-    }
-    return out;
-}
-
-/* The rows of the data file `name` next to `source` (`#` lines are
- * comments), each split into its "|"-separated columns. */
-inline std::vector<std::vector<std::string>> data_rows(const char *source, const std::string &name)
-{
-    std::vector<std::vector<std::string>> rows;
-    std::istringstream in(read_golden(source, name));
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line[0] != '#') rows.push_back(fields(line, '|'));
-    }
-    return rows;
+    expect_cases(source, name, [&](const words &request) { return answer(parse_bytes(joined(request))); });
 }
 
 inline bool has(const std::string &out, const std::string &text) { return out.find(text) != std::string::npos; }

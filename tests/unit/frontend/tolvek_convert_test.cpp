@@ -16,7 +16,7 @@ namespace {
  * command-line words are. */
 TEST(TolvekStringToInt, ChoosesBaseByPrefixOrReadsUpToFiftyHexDigits)
 {
-    for (table_row c : read_table(__FILE__, "conversions.txt")) {
+    for (words c : data_rows(__FILE__, "conversions.txt")) {
         auto convert = c[0] == "hex" ? tolvek_hex_string_to_int : tolvek_string_to_int;
         if (c[2] == "abort") {
             EXPECT_EXIT(convert(&c[1][0]), ended_abnormally, "") << c[1];

@@ -65,7 +65,7 @@ TEST(TolvekGroupEntry, OptionCountAndSubCommandAreCheckedBeforeTheHandlerRuns)
         {TOLVEK_OPTION_SMART_TEST, tolvek_smart_test_do},
     };
     std::string out;
-    for (table_row row : read_table(__FILE__, "group_entry_runs.txt")) {
+    for (words row : data_rows(__FILE__, "group_entry_runs.txt")) {
         const std::string what = row[0];
         row.erase(row.begin());
         if (what == "help") {

@@ -1,7 +1,11 @@
 /* rlk-mbn's command line, ids as users write them, JSON output of texts
  * the modem chose (descriptions), and the texts of failures. */
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
 #include "../frontend/frontend_test_util.h"
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "mbn_options.h"
 #include "mbn_print.h"
 
@@ -28,12 +32,11 @@ TEST(MbnOptions, OptionsAnywhereAndWrongWordsRefused)
     EXPECT_EQ(facts(o.command, o.sub, o.config_type, o.timeout_s, o.json, text_of(o.id.bytes, o.id.len)),
               facts(MBN_CMD_SELECT, 1, PDC_CONFIG_TYPE_MODEM_PLATFORM_V01, 5, true, "abc"));
 
-    for (const auto &c : data_rows(__FILE__, "mbn_refused.data")) {
-        std::vector<std::string> words;
-        std::istringstream in(c[0]);
-        for (std::string w; in >> w;) words.push_back(w == "<empty>" ? "" : w);
+    for (const auto &c : data_rows(__FILE__, "mbn_refused.data", '\t')) {
+        words args = words_of(c[0]);
+        std::replace(args.begin(), args.end(), std::string("<empty>"), std::string());
         mbn_options bad;
-        EXPECT_FALSE(parse(words, &bad, &error)) << c[0];
+        EXPECT_FALSE(parse(args, &bad, &error)) << c[0];
         EXPECT_EQ(error, c[1]) << c[0];
     }
 }

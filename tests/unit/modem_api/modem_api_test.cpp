@@ -2,7 +2,9 @@
  * delivery and copying, the client table and the status fan-out. */
 #include <string.h>
 
-#include "golden_data.h"
+#include <gtest/gtest.h>
+
+#include "data_file.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 
@@ -10,7 +12,7 @@ namespace {
 
 TEST(ModemApiErrorMap, EveryRowOfTheTable)
 {
-    for (const auto &r : data_rows(__FILE__, "error_map.data")) {
+    for (const auto &r : data_rows(__FILE__, "error_map.data", '\t')) {
         uint32_t resp[2] = {uint32_t(std::stoul(r[1])), uint32_t(std::stoul(r[2]))};
         EXPECT_EQ(modem_api_map_qmi_error_to_modem_api(std::stoi(r[0]), resp), std::stoi(r[3]))
             << r[0] << " " << r[1] << " " << r[2];
@@ -30,7 +32,7 @@ TEST(ModemApiResponse, DeliveryByCaseAndCopyBounds)
 {
     temp_logcat log;
     const uint32_t full = sizeof(orvex_vs_command_resp_msg_v01);
-    for (const auto &r : data_rows(__FILE__, "responses.data")) {
+    for (const auto &r : data_rows(__FILE__, "responses.data", '\t')) {
         std::string got;
         auto *cb = static_cast<modem_api_cb_struct_type *>(orvex_malloc_adv(sizeof(modem_api_cb_struct_type), "t"));
         *cb = {record_delivery, &got};

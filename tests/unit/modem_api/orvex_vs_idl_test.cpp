@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "golden_data.h"
+#include "data_file.h"
 #include "orvex_vs_service_v01.h"
 
 namespace {

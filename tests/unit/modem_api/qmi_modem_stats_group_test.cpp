@@ -3,7 +3,7 @@
  * and the group's steps against a private simulator (checks of an answer in
  * their order, refusals before any request, release on every path). */
 #include "../frontend/frontend_test_util.h"
-#include "golden_data.h"
+#include "data_file.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 #include "tolvek_qmi_modem_stats.h"
@@ -83,7 +83,7 @@ TEST(QmiStatsGroup, RefusalsAnswerChecksInTheirOrderAndReleaseOnEveryPath)
         return n;
     };
     std::string out;
-    for (const auto &c : data_rows(__FILE__, "stats_group_cases.data")) {
+    for (const auto &c : data_rows(__FILE__, "stats_group_cases.data", '\t')) {
         sim.ctl_ok(c[2]);
         size_t before = get_requests();
         out += "$ " + c[2] + "\n" + run_group(std::stoi(c[0]), std::stoi(c[1]));

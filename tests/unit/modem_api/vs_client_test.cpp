@@ -5,7 +5,9 @@
 
 #include <thread>
 
-#include "golden_data.h"
+#include <gtest/gtest.h>
+
+#include "data_file.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
 #include "vs_client.h"
@@ -237,7 +239,7 @@ TEST_F(VsClientLive, IndicationsAndTheirClampsCommandsAndRestartReportingFourFiv
     /* Requests work on the new client. */
     EXPECT_EQ(modem_api_set_orvex_feature_status(id, ORVEX_VS_FEATURE_START), MODEM_API_SUCCESS);
     std::vector<std::string> lines = orvex_lines(logcat);
-    for (const auto &row : data_rows(__FILE__, "vs_live_log.data")) EXPECT_TRUE(has_line(lines, row[0])) << row[0];
+    for (const auto &row : data_rows(__FILE__, "vs_live_log.data", '\t')) EXPECT_TRUE(has_line(lines, row[0])) << row[0];
     /* The cell change from the wire and the direct one. */
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "4 vs_client_ind_hdlr: Unknown indication msg 205"), 2);
 }

@@ -23,10 +23,9 @@ TEST(ConvertTest, KnownValues)
         {"nr5g_rssi", modem_stats_nr5g_rssi},
         {"nr5g_snr", [](int32_t raw) { return modem_stats_nr5g_snr(static_cast<uint32_t>(raw)); }}};
     size_t rows = 0;
-    for (std::istringstream &row : log_test::data_rows(__FILE__, "convert.cases")) {
-        std::string name, raw, expected;
-        row >> name >> raw >> expected;
-        const float want = strtof(expected.c_str(), nullptr);
+    for (const words &row : data_rows(__FILE__, "convert.cases")) {
+        const std::string &name = row.at(0), &raw = row.at(1);
+        const float want = strtof(row.at(2).c_str(), nullptr);
         if (name == "round") {
             EXPECT_EQ(modem_stats_round_2_decimals(strtof(raw.c_str(), nullptr)), want) << raw;
         } else {

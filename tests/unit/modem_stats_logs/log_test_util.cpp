@@ -6,7 +6,6 @@
 
 #include <utility>
 
-#include "golden.h"
 
 namespace log_test {
 
@@ -73,16 +72,6 @@ run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut
     std::vector<record> freed = released.take();
     result.records.insert(result.records.end(), freed.begin(), freed.end());
     return result;
-}
-
-std::vector<std::istringstream> data_rows(const char *source, const std::string &name)
-{
-    std::istringstream in(read_golden(source, name));
-    std::vector<std::istringstream> rows;
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line[0] != '#') rows.emplace_back(line);
-    }
-    return rows;
 }
 
 std::string fmt(const char *format, ...)

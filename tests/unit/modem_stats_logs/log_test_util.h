@@ -10,10 +10,10 @@
 #include <stdint.h>
 #include <stdio.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "data_file.h"
 #include "log_packet.h"
 #include "modem_stats_dispatch.h"
 #include "modem_stats_record.h"
@@ -68,10 +68,6 @@ constexpr int32_t NO_CUT = -1;
  * are collected and released. */
 run_result run_log(uint16_t code, const std::vector<uint8_t> &bytes, int32_t cut = NO_CUT,
                    modem_stats_parser_table table = modem_stats_log_parser_table());
-
-/* The rows of the data file `name` next to `source`, one per line; blank
- * lines and `#` comments are left out. */
-std::vector<std::istringstream> data_rows(const char *source, const std::string &name);
 
 /* printf into a string. */
 std::string fmt(const char *format, ...) __attribute__((format(printf, 1, 2)));

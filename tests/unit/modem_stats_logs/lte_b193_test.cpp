@@ -38,7 +38,8 @@ struct layout {
 std::vector<layout> read_layouts()
 {
     std::vector<layout> layouts;
-    for (std::istringstream &row : data_rows(__FILE__, "lte_b193.layouts")) {
+    for (const std::string &line : data_lines(__FILE__, "lte_b193.layouts")) {
+        std::istringstream row(line);
         layout l{};
         row >> l.version >> l.earfcn_bytes >> l.num_cells >> l.rx_valid >> l.cells_at >> l.cell_bytes;
         row >> l.pci_word >> l.has_srv_flag;

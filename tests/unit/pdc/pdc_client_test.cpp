@@ -4,7 +4,7 @@
 #include "../frontend/frontend_test_util.h"
 #include "tolvek_test_mbn.h"
 
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "pdc_test_util.h"
 
 namespace {

@@ -4,7 +4,7 @@
  * transcripts. */
 #include <thread>
 
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "pdc_test_util.h"
 
 namespace {

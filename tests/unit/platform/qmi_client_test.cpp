@@ -3,8 +3,10 @@
  * and the error callback when a service goes away. */
 #include <thread>
 
-#include "../modem_api/golden_data.h"
+#include <gtest/gtest.h>
+
 #include "../modem_api/modem_api_test_util.h"
+#include "data_file.h"
 #include "ext_request.h"
 #include "qmi_client.h"
 #include "tolvek_extend_service_v01.h"

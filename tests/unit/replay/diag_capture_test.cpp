@@ -197,7 +197,7 @@ TEST(CapturePackets, EventReportSplitsEveryLengthCode)
 
 TEST(CapturePackets, TruncatedTimestampTakesTheNearestFullValue)
 {
-    for (const table_row &c : read_table(__FILE__, "truncated_timestamps.txt")) {
+    for (const words &c : data_rows(__FILE__, "truncated_timestamps.txt")) {
         uint64_t last = stoull(c[0], nullptr, 0), want = stoull(c[2], nullptr, 0);
         EXPECT_EQ(diag_expand_truncated_ts(last, uint16_t(stoul(c[1], nullptr, 0))), want) << c[0];
     }

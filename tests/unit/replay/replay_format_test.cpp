@@ -18,7 +18,7 @@ uint64_t ts_of(uint64_t seconds, uint64_t ms)
 
 TEST(ReplayTime, CalendarAndMilliseconds)
 {
-    for (const table_row &c : read_table(__FILE__, "replay_times.txt")) {
+    for (const words &c : data_rows(__FILE__, "replay_times.txt")) {
         uint64_t ts = c[0] == "units" ? stoull(c[1], nullptr, 0) : ts_of(stoull(c[0]), stoull(c[1]));
         std::string s;
         replay_append_time(&s, ts, c[2] == "iso");
@@ -70,7 +70,7 @@ TEST(ReplayJson, StringsEscapeWhatJsonRequires)
 TEST(ReplayOptions, FormsThatParse)
 {
     std::string out;
-    for (const table_row &words : read_table(__FILE__, "replay_command_lines.txt")) {
+    for (const words &words : data_rows(__FILE__, "replay_command_lines.txt")) {
         std::vector<const char *> args;
         for (const std::string &w : words) args.push_back(w.c_str());
         replay_options o;

@@ -82,19 +82,6 @@ inline bytes frame(const bytes &payload)
     return out;
 }
 
-/* Lower-case hex of bytes [from, end). */
-template <typename T>
-std::string hex(const T &b, size_t from = 0)
-{
-    static const char digits[] = "0123456789abcdef";
-    std::string out;
-    for (size_t i = from; i < b.size(); i++) {
-        out += digits[uint8_t(b[i]) >> 4];
-        out += digits[uint8_t(b[i]) & 15];
-    }
-    return out;
-}
-
 }  // namespace replay_test
 
 #endif

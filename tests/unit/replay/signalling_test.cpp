@@ -11,7 +11,6 @@
 #include "signalling.h"
 #include "table_file.h"
 
-using replay_test::hex;
 
 namespace {
 
@@ -24,14 +23,15 @@ TEST(Signalling, EachPacketGivesItsGsmtapMessageOrTheReasonForNone)
     const char *const status[SIGNALLING_STATUS_COUNT] = {"ok",        "none",    "version-refused",
                                                          "malformed", "skipped", "no-gsmtap"};
     std::string out;
-    for (const table_row &row : read_table(__FILE__, "signalling_packets.txt")) {
+    for (const words &row : data_rows(__FILE__, "signalling_packets.txt")) {
         std::vector<uint8_t> payload = row_bytes(row, 2);
         signalling_result r = signalling_extract(uint16_t(stoul(row[1], nullptr, 0)), payload.data(), payload.size());
         out += row[0] + ": " + status[r.status] + " " + std::to_string(r.version);
         std::string record;
         if (r.status == SIGNALLING_OK) {
             EXPECT_TRUE(pcap_append_gsmtap(&record, 0x56A3F139, 642000, r.msg)) << row[0];
-            out += std::string(" ") + r.kind + " " + hex(record);
+            const auto *bytes = reinterpret_cast<const uint8_t *>(record.data());
+            out += std::string(" ") + r.kind + " " + hex(bytes, record.size());
         }
         out += "\n";
     }

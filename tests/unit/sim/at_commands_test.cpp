@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "at_commands.h"
 #include "sim_test_util.h"
 #include "state_store.h"

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <map>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "sar_service_v01.h"
 #include "sim_test_util.h"
 

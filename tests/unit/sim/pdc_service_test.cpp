@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "persistent_device_configuration_v01.h"
 #include "sim_test_util.h"
 

@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "data_file.h"
 #include "qmi_client.h"
 #include "sim_fixture.h"
 #include "tolvek_extend_payload.h"
@@ -60,13 +61,9 @@ inline int seqpacket_at(const std::string &path, bool bound, int flags = 0)
 template <typename F>
 std::string hex_of(size_t n, F byte_at)
 {
-    static const char d[] = "0123456789abcdef";
-    std::string s;
-    for (size_t i = 0; i < n; i++) {
-        uint8_t b = uint8_t(byte_at(i));
-        s += {d[b >> 4], d[b & 15]};
-    }
-    return s;
+    std::vector<uint8_t> b(n);
+    for (size_t i = 0; i < n; i++) b[i] = uint8_t(byte_at(i));
+    return hex(b);
 }
 
 inline std::string hex_fill(uint8_t b, size_t n)

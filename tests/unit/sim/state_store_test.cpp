@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "sim_test_util.h"
 #include "state_files.h"
 #include "state_store.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "services/vs_stats_scene.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../wire/case_file.h"
+#include "data_file.h"
 #include "orvex_vs_service_v01.h"
 #include "sim_test_util.h"
 

@@ -3,7 +3,7 @@
  * unsigned sleep of about 136 years).  Results, sleeps and console texts
  * are compared whole with a golden transcript. */
 #include "../frontend/frontend_test_util.h"
-#include "../modem_api/golden_data.h"
+#include "data_file.h"
 #include "sim_fixture.h"
 #include "tolvek_smart_test.h"
 

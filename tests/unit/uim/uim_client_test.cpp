@@ -3,7 +3,8 @@
  * and the ISD-R's answers to well- and badly-formed APDUs. */
 #include <gtest/gtest.h>
 
-#include "../modem_api/golden_data.h"
+
+#include "data_file.h"
 #include "euicc_es10.h"
 #include "sim_fixture.h"
 #include "tolvek_log.h"
@@ -133,11 +134,8 @@ TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
     ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &ch, &sw), 0);
     EXPECT_EQ(sw, k_sw_ok);
     ASSERT_EQ(ch, 1);
-    for (const auto &c : data_rows(__FILE__, "isdr_apdus.data")) {
-        std::vector<uint8_t> apdu;
-        for (size_t i = 0; i + 1 < c[2].size(); i += 2) {
-            apdu.push_back(uint8_t(std::stoul(c[2].substr(i, 2), nullptr, 16)));
-        }
+    for (const auto &c : data_rows(__FILE__, "isdr_apdus.data", '\t')) {
+        std::vector<uint8_t> apdu = unhex(c[2]);
         uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
         uint32_t len = sizeof(rsp);
         uint8_t channel = uint8_t(std::stoi(c[1]));

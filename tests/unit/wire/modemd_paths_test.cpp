@@ -19,7 +19,7 @@
 #include <optional>
 
 #include "../sim/sim_test_util.h"
-#include "case_file.h"
+#include "data_file.h"
 #include "modemd_paths.h"
 #include "platform_syslog.h"
 

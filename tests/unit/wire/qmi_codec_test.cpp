@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "case_file.h"
+#include "data_file.h"
 #include "qmi_codec.h"
 #include "tolvek_extend_service_v01.h"
 

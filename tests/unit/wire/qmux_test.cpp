@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "case_file.h"
+#include "data_file.h"
 #include "qmux.h"
 #include "qmux_link.h"
 

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "ber_tlv.h"
-#include "case_file.h"
+#include "data_file.h"
 #include "tolvek_cmn_esim.h"
 #include "user_identity_module_v01.h"
 
