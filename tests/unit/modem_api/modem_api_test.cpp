@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "data_file.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
@@ -122,7 +124,13 @@ TEST(ModemApiTable, EleventhRegistrationFailsSlotsAreReusedAndStatusFansOut)
     modem_api_operational_status_cb(MODEM_API_QMI_CLIENT_SAR, MODEM_API_OPERATIONAL_STATUS_READY);
     modem_api_release();
     EXPECT_EQ(modem_api_client_count(), 0);
-    expect_golden(g_fan + "--- log\n" + orvex_text(log.path), __FILE__, "modem_api_table.golden");
+    std::string logged;
+    std::istringstream lines(orvex_text(log.path));
+    for (std::string l; std::getline(lines, l);) {
+        /* The allocator's first use in a process logs its own line (its own test checks it). */
+        if (l.find("orvex_mem_init:") == std::string::npos) logged += l + "\n";
+    }
+    expect_golden(g_fan + "--- log\n" + logged, __FILE__, "modem_api_table.golden");
 }
 
 }  // namespace
