@@ -41,6 +41,8 @@ TEST(ExtensionWire, MessagesEncodeToTheirTlvsAndBack)
     EXPECT_EQ(qmi_idl_get_message_c_struct_len(svc, QMI_IDL_INDICATION, 0x0003, &v), 0);
     EXPECT_EQ(v, 524u);
     EXPECT_EQ(qmi_idl_get_message_c_struct_len(svc, QMI_IDL_INDICATION, 0x0002, &v), QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND);
+    EXPECT_EQ(qmi_idl_get_idl_minor_version(svc, &v), 0);
+    EXPECT_EQ(v, svc->idl_minor_version);
     EXPECT_EQ(tolvek_extend_get_service_object_internal_v01(2, 1, 6), nullptr);
 }
 
