@@ -17,8 +17,7 @@ int slot0_presence(sim_instance &sim)
     std::string out = sim.run_rlk({"5", "1"}).out;
     const std::string head = "data: 27 00 00 00 08 00 00 00 ";
     size_t at = out.find(head);
-    if (at == std::string::npos) return -1;
-    std::string v = out.substr(at + head.size(), 2);
+    std::string v = at == std::string::npos ? "" : out.substr(at + head.size(), 2);
     return v == "01" ? 1 : v == "00" ? 0 : -1;
 }
 

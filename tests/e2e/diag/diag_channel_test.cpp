@@ -2,13 +2,11 @@
  * the test controls (reply, delay, drop, last), remote processors, DCI
  * pieces and their tags, session ops, stream records and the NV and EFS
  * views. */
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
 #include "../../unit/diag/diag_test_util.h"
 #include "diag_channel.h"
-#include "endpoint.h"
+#include "raw_modemd.h"
 #include "sim_fixture.h"
 
 namespace {
@@ -24,30 +22,23 @@ std::string packet(uint32_t type, int32_t proc, uint32_t tag, const bytes &paylo
 }
 
 /* A DIAG connection spoken by hand. */
-struct raw_diag {
-    int fd = -1;
-    ~raw_diag()
-    {
-        if (fd >= 0) close(fd);
-    }
+struct raw_diag : raw_conn {
+    using raw_conn::send;
     bool send(uint32_t type, int32_t proc, uint32_t tag, const bytes &payload) const
     {
         bytes pkt;
         diag_packet_build(type, proc, tag, payload.data(), payload.size(), &pkt);
-        return rlk_host::modemd_send(fd, pkt.data(), pkt.size());
+        return send(pkt);
     }
     bool command(const bytes &cmd, int32_t proc = 0) const { return send(k_raw, proc, 0, cmd); }
     /* The next packet, "" unless it came and carries one good frame. */
     std::string next() const
     {
-        bytes buf(MODEMD_MAX_PACKET);
-        long n = rlk_host::modemd_recv(fd, buf.data(), buf.size(), 3000);
+        bytes buf = recv(3000);
         diag_packet p;
-        if (n <= 0 || !diag_packet_parse(buf.data(), size_t(n), &p) || p.frames.size() != 1 ||
-            p.frames[0].status != HDLC_OK) {
-            return "";
-        }
-        return packet(p.env.data_type, p.env.proc, p.env.tag, p.frames[0].payload);
+        bool one_good = !buf.empty() && diag_packet_parse(buf.data(), buf.size(), &p) && p.frames.size() == 1 &&
+                        p.frames[0].status == HDLC_OK;
+        return one_good ? packet(p.env.data_type, p.env.proc, p.env.tag, p.frames[0].payload) : "";
     }
 };
 
@@ -56,7 +47,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(sim.start());
-        ASSERT_GE(diag.fd = rlk_host::modemd_connect(MODEMD_CONN_DIAG, 0, 0), 0);
+        ASSERT_TRUE(diag.open(MODEMD_CONN_DIAG));
     }
     sim_instance sim;
     raw_diag diag;
@@ -81,7 +72,7 @@ TEST_F(DiagChannelTest, FramesCannedRepliesDelaysDropsAndRemoteProcessors)
         if (payload[0] == 0x01) f[1] ^= 0x01; /* CRC no longer matches */
         pkt.insert(pkt.end(), f.begin(), f.end());
     }
-    ASSERT_TRUE(rlk_host::modemd_send(diag.fd, pkt.data(), pkt.size()));
+    ASSERT_TRUE(diag.send(pkt));
     EXPECT_EQ(diag.next(), packet(k_raw, 0, 0, {0x1c, 0x08, 0x00}));
     /* 0x7D (extended message configuration) has no sub-command 0x7E. */
     EXPECT_EQ(diag.next(), packet(k_raw, 0, 0, {0x14, 0x7d, 0x7e}));
@@ -129,6 +120,8 @@ TEST_F(DiagChannelTest, FramesCannedRepliesDelaysDropsAndRemoteProcessors)
 TEST_F(DiagChannelTest, DciPiecesWithTheRequestTagSessionOpsAndStreamRecords)
 {
     EXPECT_EQ(sim.ctl("diag log 0102"), "error no DCI client");
+    bytes reply(5000, 0x7e);
+    reply[0] = 0x4b;
     const struct {
         uint32_t type;
         int32_t proc;
@@ -143,17 +136,11 @@ TEST_F(DiagChannelTest, DciPiecesWithTheRequestTagSessionOpsAndStreamRecords)
         {k_data, 0, DIAG_SESSION_DCI_REGISTER, {}, {packet(k_data, 0, DIAG_SESSION_DCI_REGISTER, bytes(4, 0))}},
         /* 4b 7e 7e ...: 5000 bytes, most of them escaped on the wire. */
         {k_dci, 0, 42, {0x4b, 0x12, 0x00, 0x00},
-         {packet(k_dci, 0, 42, [] {
-              bytes b(4096, 0x7e);
-              b[0] = 0x4b;
-              return b;
-          }()),
+         {packet(k_dci, 0, 42, bytes(reply.begin(), reply.begin() + 4096)),
           packet(k_dci, 0, 42u | DIAG_TAG_FINAL, bytes(904, 0x7e))}},
         {k_dci, 0, 43, {0x1c}, {packet(k_dci, 0, 43u | DIAG_TAG_FINAL, {0x1c, 0x08, 0x00})}},
     };
-    std::string hex = "4b";
-    for (int i = 1; i < 5000; i++) hex += "7e";
-    sim.ctl_ok("diag reply 0x4b " + hex);
+    sim.ctl_ok("diag reply 0x4b " + hex(reply));
     for (const auto &c : cases) {
         if (c.tag == 43) sim.ctl_ok("diag reply-clear 0x4b");
         ASSERT_TRUE(diag.send(c.type, c.proc, c.tag, c.req));
@@ -170,17 +157,14 @@ TEST_F(DiagChannelTest, DciPiecesWithTheRequestTagSessionOpsAndStreamRecords)
 
 TEST_F(DiagChannelTest, NvAndEfsViewsAgreeThroughTheControlInterface)
 {
-    bytes write(133, 0), read(133, 0);
-    write[0] = 0x27;
-    write[1] = 10;
-    write[3] = 0xab;
+    bytes write = {0x27, 10, 0, 0xab}, read = {0x26, 11};
+    write.resize(133);
+    read.resize(133);
     ASSERT_TRUE(diag.command(write));
     EXPECT_EQ(diag.next(), packet(k_raw, 0, 0, write)) << "NV_DONE";
     EXPECT_EQ(sim.ctl_ok("efs get /nvm/num/10"), "ab" + std::string(2 * 127, '0'));
 
     sim.ctl_ok("efs put /nvm/num/11 aabb");
-    read[0] = 0x26;
-    read[1] = 11;
     ASSERT_TRUE(diag.command(read));
     read[3] = 0xaa;
     read[4] = 0xbb;
