@@ -4,7 +4,6 @@
 #include <signal.h>
 
 #include <atomic>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -20,11 +19,9 @@ using namespace diag_test;
 constexpr size_t k_dci_buf = 16384;
 const char k_status_idle[] = "remote_mask=0x0 dci_piece=4096 connections=1 dci_clients=0";
 
-/* What the callbacks got; emptied before each test. */
-call_box box, logs, events;
+/* What the stream callbacks got; emptied before each test, like g_answers. */
+call_box logs, events;
 
-int on_response(unsigned char *ptr, int len, void *ctx) { return box.add(ptr, len, ctx), 0; }
-void on_dci_response(unsigned char *ptr, int len, void *data) { box.add(ptr, len, data); }
 void on_log(unsigned char *ptr, int len) { logs.add(ptr, len, nullptr); }
 void on_event(unsigned char *ptr, int len) { events.add(ptr, len, nullptr); }
 
@@ -32,7 +29,7 @@ class DiagHostTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        for (call_box *b : {&box, &logs, &events}) b->take(0, 0);
+        for (call_box *b : {&g_answers, &logs, &events}) b->take(0, 0);
         ASSERT_TRUE(sim.start());
         ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
     }
@@ -49,7 +46,7 @@ protected:
     }
     int send_dci(bytes cmd, void *data = nullptr, int rsp_len = int(k_dci_buf))
     {
-        return diag_send_dci_async_req(client_id, cmd.data(), int(cmd.size()), rsp, rsp_len, on_dci_response, data);
+        return diag_send_dci_async_req(client_id, cmd.data(), int(cmd.size()), rsp, rsp_len, on_dci_answer, data);
     }
     sim_instance sim;
     int client_id = 0;
@@ -67,7 +64,7 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0);
     int local = 0, mdm = 1, fifth = 5;
-    diag_register_callback(on_response, &local);
+    diag_register_callback(on_answer, &local);
     unsigned char cmd[] = {0x1c}, unknown[] = {0xf0, 0x7e, 0x7d}, esn[] = {0x01};
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1) << "not in callback mode yet";
     diag_switch_logging(CALLBACK_MODE, nullptr);
@@ -83,14 +80,14 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
     sim.ctl_ok("diag remote-mask 0x22");
     EXPECT_EQ(diag_has_remote_device(&mask), 1);
     EXPECT_EQ(mask, 0x22);
-    diag_register_remote_callback(on_response, MDM, &mdm);
-    diag_register_remote_callback(on_response, 5, &fifth);
+    diag_register_remote_callback(on_answer, MDM, &mdm);
+    diag_register_remote_callback(on_answer, 5, &fifth);
     ASSERT_EQ(diag_callback_send_data(5, esn, 1), 0);
     ASSERT_EQ(diag_callback_send_data(MDM, esn, 1), 0);
     EXPECT_EQ(diag_callback_send_data(MDM_2, esn, 1), -1) << "bit 2 is not in 0x22";
     std::vector<bytes> answers;
     std::vector<void *> contexts;
-    for (const call_box::call &c : box.wait(4)) {
+    for (const call_box::call &c : g_answers.wait(4)) {
         answers.push_back(c.data);
         contexts.push_back(c.ctx);
         EXPECT_NE(c.thread, std::this_thread::get_id());
@@ -103,9 +100,7 @@ TEST_F(DiagHostTest, CallbackModeOnTheLocalAndRemoteProcessorsUntilALostLinkEnds
 
     /* A lost link ends the session. */
     sim.stop();
-    long long deadline = monotonic_ms() + 3000;
-    while (diag_callback_send_data(MSM, cmd, 1) == 0 && monotonic_ms() < deadline) std::this_thread::yield();
-    EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
+    EXPECT_TRUE(poll_until([&] { return diag_callback_send_data(MSM, cmd, 1) == -1; }, 3000));
     EXPECT_EQ(Diag_LSM_DeInit(), FALSE) << "the lost link already ended the session";
     ASSERT_TRUE(sim.restart());
     ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE);
@@ -126,27 +121,26 @@ TEST_F(DiagHostTest, CallbacksMayReleaseTheirClientAndCloseTheSessionFromTheLibr
         uint16 mask = 0;
         s_mask_rc = diag_has_remote_device(&mask);
         s_released = diag_release_dci_client(s_client);
-        on_dci_response(p, len, data);
+        on_dci_answer(p, len, data);
     };
     ASSERT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, int(sizeof(rsp)), release, &marker), DIAG_DCI_NO_ERROR);
-    ASSERT_EQ(box.take(1, 3000).size(), 1u);
+    ASSERT_EQ(g_answers.take(1, 3000).size(), 1u);
     EXPECT_EQ(s_released.load(), DIAG_DCI_NO_ERROR);
     EXPECT_EQ(s_mask_rc.load(), 1) << "the mask last learnt";
     EXPECT_EQ(client_id, 0);
     EXPECT_LT(monotonic_ms() - start, 1000) << "no session op waited for its own thread";
-    long long deadline = monotonic_ms() + 3000;
-    while (sim.ctl_ok("diag status") != k_status_idle && monotonic_ms() < deadline) std::this_thread::yield();
+    poll_until([&] { return sim.ctl_ok("diag status") == k_status_idle; }, 3000);
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
 
     diag_register_callback(
         [](unsigned char *p, int len, void *ctx) {
             s_closed = Diag_LSM_DeInit();
-            return on_response(p, len, ctx);
+            return on_answer(p, len, ctx);
         },
         nullptr);
     diag_switch_logging(CALLBACK_MODE, nullptr);
     ASSERT_EQ(diag_callback_send_data(MSM, cmd, 1), 0);
-    ASSERT_EQ(box.wait(1).size(), 1u);
+    ASSERT_EQ(g_answers.wait(1).size(), 1u);
     EXPECT_EQ(s_closed.load(), TRUE);
     EXPECT_EQ(diag_callback_send_data(MSM, cmd, 1), -1);
     ASSERT_EQ(Diag_LSM_Init(nullptr), TRUE) << "a new session opens after it";
@@ -176,7 +170,7 @@ TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_signal_data(released, SIGRTMIN + 30), DIAG_DCI_NO_REG);
     EXPECT_EQ(diag_register_dci_stream_proc(released, on_log, on_event), DIAG_DCI_NO_REG);
-    EXPECT_EQ(diag_send_dci_async_req(released, cmd, 1, rsp, 10, on_dci_response, nullptr), DIAG_DCI_NO_REG);
+    EXPECT_EQ(diag_send_dci_async_req(released, cmd, 1, rsp, 10, on_dci_answer, nullptr), DIAG_DCI_NO_REG);
     EXPECT_EQ(sim.ctl_ok("diag status"), k_status_idle);
 
     /* A client opens the link itself, and is released after the session
@@ -184,7 +178,7 @@ TEST_F(DiagHostTest, DciRegistrationCodesAndAClientThatOpensTheLinkItself)
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     register_dci();
     ASSERT_EQ(send_dci({0x1c}), DIAG_DCI_NO_ERROR);
-    EXPECT_EQ(box.take(1, 3000), (std::vector<bytes>{{0x1c, 0x08, 0x00}}));
+    EXPECT_EQ(g_answers.take(1, 3000), (std::vector<bytes>{{0x1c, 0x08, 0x00}}));
     ASSERT_EQ(Diag_LSM_DeInit(), TRUE);
     EXPECT_EQ(send_dci({0x1c}), DIAG_DCI_SEND_DATA_FAIL);
     EXPECT_EQ(diag_release_dci_client(&client_id), DIAG_DCI_NO_ERROR);
@@ -201,41 +195,36 @@ TEST_F(DiagHostTest, AsyncResponsesInPiecesThenStreamRecordsRaisingOnlyAHandledS
 {
     register_dci();
     unsigned char cmd[] = {0x7c};
-    EXPECT_EQ(diag_send_dci_async_req(client_id, nullptr, 1, rsp, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
-    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 0, rsp, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
-    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, nullptr, 10, on_dci_response, nullptr), DIAG_DCI_PARAM_FAIL);
+    EXPECT_EQ(diag_send_dci_async_req(client_id, nullptr, 1, rsp, 10, on_dci_answer, nullptr), DIAG_DCI_PARAM_FAIL);
+    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 0, rsp, 10, on_dci_answer, nullptr), DIAG_DCI_PARAM_FAIL);
+    EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, nullptr, 10, on_dci_answer, nullptr), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(diag_send_dci_async_req(client_id, cmd, 1, rsp, 10, nullptr, nullptr), DIAG_DCI_PARAM_FAIL);
     EXPECT_EQ(send_dci(bytes(k_dci_buf + 1, 0x4b), nullptr, 10), DIAG_DCI_HUGE_PACKET);
 
     ASSERT_EQ(send_dci({0x7c}, &marker), DIAG_DCI_NO_ERROR);
     const bytes build_id = parse_bytes("7c 02 00*4 0b 0a 0d f0 00 00 'MPSS.RLK.1.0-00001-SIM' 00 'rlk-modemd' 00");
-    EXPECT_EQ(box.take(1, 3000), std::vector<bytes>{build_id});
+    EXPECT_EQ(g_answers.take(1, 3000), std::vector<bytes>{build_id});
     EXPECT_EQ(bytes(rsp, rsp + build_id.size()), build_id) << "copied into the caller's buffer";
     EXPECT_EQ(sim.ctl_ok("diag last 1"), "dci 0 7c");
 
     for (const std::vector<std::string> &row : data_rows(__FILE__, "dci_pieces.data", '|')) {
         SCOPED_TRACE(row[0] + " | " + row[1]);
         if (row[1] != "-") sim.ctl_ok(row[1]);
-        size_t total = std::stoul(row[0]);
-        std::vector<size_t> pieces;
-        std::istringstream sizes_in(row[2]);
-        for (size_t n; sizes_in >> n;) pieces.push_back(n);
-        bytes reply(total);
-        for (size_t i = 0; i < total; i++) reply[i] = uint8_t(i * 7 + 3);
+        bytes reply(std::stoul(row[0]));
+        for (size_t i = 0; i < reply.size(); i++) reply[i] = uint8_t(i * 7 + 3);
         reply[0] = 0x4b;
         sim.ctl_ok("diag reply 0x4b " + hex(reply));
         ASSERT_EQ(send_dci({0x4b, 0x12, 0x00, 0x00}, &marker), DIAG_DCI_NO_ERROR);
-        std::vector<call_box::call> calls = box.wait(pieces.size());
-        std::vector<size_t> sizes;
+        std::string sizes;
         bytes joined;
-        for (const call_box::call &p : calls) {
-            sizes.push_back(p.data.size());
+        for (const call_box::call &p : g_answers.wait(words_of(row[2]).size())) {
+            sizes += (sizes.empty() ? "" : " ") + std::to_string(p.data.size());
             EXPECT_EQ(p.ctx, &marker);
             EXPECT_NE(p.thread, std::this_thread::get_id());
             joined.insert(joined.end(), p.data.begin(), p.data.end());
         }
-        box.take(0, 0);
-        EXPECT_EQ(sizes, pieces);
+        g_answers.take(0, 0);
+        EXPECT_EQ(sizes, row[2]);
         EXPECT_EQ(joined, reply);
     }
 

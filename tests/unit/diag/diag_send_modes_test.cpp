@@ -112,12 +112,11 @@ TEST_F(DiagSendModesTest, SenderThreadsLeaveNothingBehindAndWithResultThreadsEac
         int started = tolvek_diag_cmd_send_without_result_start_thread(cmd.data(), 1, mode);
         /* The sender names itself first thing; the library thread it
          * starts inherits the name. */
-        int named = 0;
-        for (int i = 0; i < 100 && (named = diag_threads()) == 0; i++) usleep(1000);
+        bool named = poll_until([] { return diag_threads() > 0; }, 100);
         int finished = tolvek_diag_cmd_send_without_result_wait_done(5000);
         std::string out = captured();
         ASSERT_EQ(started, 0);
-        EXPECT_GE(named, 1) << "the sender is running, named";
+        EXPECT_TRUE(named) << "the sender is running, named";
         EXPECT_EQ(finished, 0);
         expect_all(out, {"tolvek daig is created, conf = 0, diag_work_mode = " + std::to_string(mode)});
         EXPECT_FALSE(has(out, "_no_handle]")) << "the dropped reply printed nothing";
@@ -127,8 +126,7 @@ TEST_F(DiagSendModesTest, SenderThreadsLeaveNothingBehindAndWithResultThreadsEac
                              proc + "Sending Asynchronous Command for ch:0\n"});
         }
         /* The thread may still be returning from its procedure. */
-        for (int i = 0; i < 100 && diag_threads() != 0; i++) usleep(1000);
-        EXPECT_EQ(diag_threads(), 0);
+        EXPECT_TRUE(poll_until([] { return diag_threads() == 0; }, 100));
         EXPECT_EQ(sim.ctl_ok("diag status"), "remote_mask=0x0 dci_piece=4096 connections=0 dci_clients=0");
     }
     /* A command the input check refuses starts nothing. */
@@ -173,8 +171,7 @@ TEST(DiagSendNoSimulator, BothWithResultModesFailAtOnceAndReleaseWhatTheyOpened)
     reply callback = send(TOLVEK_DIAG_MODE_CALLBACK, {0x1C}, 3000);
     reply dci = send(TOLVEK_DIAG_MODE_DCI, {0x1C}, 3000);
     expect_golden(captured(), __FILE__, "send_no_simulator.golden");
-    EXPECT_EQ(callback.result, 1);
-    EXPECT_EQ(dci.result, 1);
+    EXPECT_EQ(std::make_pair(callback.result, dci.result), std::make_pair(1, 1));
     EXPECT_LT(callback.ms + dci.ms, 1000) << "no wait without a request in flight";
     EXPECT_EQ(g_diag_init_status, 0);
 }

@@ -17,19 +17,13 @@ namespace {
 
 using namespace diag_test;
 
-call_box g_answers;
-
-int on_answer(unsigned char *p, int len, void *) { return g_answers.add(p, len, nullptr), 0; }
-void on_dci_answer(unsigned char *p, int len, void *) { g_answers.add(p, len, nullptr); }
-
 class DiagSerialTest : public testing::Test {
 protected:
     void SetUp() override
     {
+        g_answers.take(0, 0);
         master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_GE(master, 0);
-        ASSERT_EQ(grantpt(master), 0);
-        ASSERT_EQ(unlockpt(master), 0);
+        ASSERT_TRUE(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
         path = ptsname(master);
         setenv("RLK_DIAG_DEVICE", path.c_str(), 1);
     }
@@ -89,8 +83,7 @@ TEST_F(DiagSerialTest, TheAnswerIsFoundAmongWhatThePortSends)
 TEST_F(DiagSerialTest, ASecondUserIsRefusedDciIsServedInPiecesOf4096AndAVanishedPortEndsTheLink)
 {
     int other = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_GE(other, 0);
-    ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+    ASSERT_TRUE(other >= 0 && flock(other, LOCK_EX | LOCK_NB) == 0) << "the other user holds the port";
     EXPECT_FALSE(Diag_LSM_Init(nullptr));
     close(other);
 

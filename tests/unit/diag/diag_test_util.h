@@ -5,7 +5,6 @@
 #define RLK_TEST_DIAG_TEST_UTIL_H
 
 #include <stdio.h>
-#include <stdlib.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -130,6 +129,11 @@ struct call_box {
         return out;
     }
 };
+
+/* The answers the library's response callbacks got, with their context. */
+inline call_box g_answers;
+inline int on_answer(unsigned char *p, int len, void *ctx) { return g_answers.add(p, len, ctx), 0; }
+inline void on_dci_answer(unsigned char *p, int len, void *ctx) { g_answers.add(p, len, ctx); }
 
 }  // namespace diag_test
 

@@ -43,20 +43,17 @@ std::string read_in_pieces(const bytes &stream, diag_capture_format format, size
 {
     std::string text;
     diag_capture_reader reader(format, describe, &text);
-    for (size_t at = 0; at < stream.size(); at += piece) {
+    for (size_t at = 0; at < stream.size(); at += piece)
         reader.feed(stream.data() + at, std::min(piece, stream.size() - at));
-    }
     reader.finish();
     const diag_capture_counters &n = reader.counters();
     EXPECT_EQ(n.bytes, stream.size());
     text += "| frames " + std::to_string(n.frames);
-    for (int i = 0; i < DIAG_SKIP_REASON_COUNT; i++) {
+    for (int i = 0; i < DIAG_SKIP_REASON_COUNT; i++)
         if (n.skipped[i]) text += std::string(", ") + k_reasons[i] + " " + std::to_string(n.skipped[i]);
-    }
-    for (unsigned c = 0; c < DIAG_COMMAND_VALUES; c++) {
-        uint64_t other = reader.other_frames()[c];
-        if (other) text += ", other 0x" + hex(bytes{uint8_t(c)}) + " " + std::to_string(other);
-    }
+    for (unsigned c = 0; c < DIAG_COMMAND_VALUES; c++)
+        if (uint64_t got = reader.other_frames()[c])
+            text += ", other 0x" + hex(bytes{uint8_t(c)}) + " " + std::to_string(got);
     return text;
 }
 
@@ -82,10 +79,8 @@ bytes packet_with_crc_byte(uint8_t value, bool high)
     return {};
 }
 
-struct stream_case {
-    std::string name;
-    bytes stream;
-};
+/* A name and its stream. */
+using stream_case = std::pair<std::string, bytes>;
 
 /* "name: text" of every stream read as `format`, compared with a golden
  * file; for AUTO the line also names the format detected. */
@@ -94,10 +89,10 @@ void expect_readings(const std::vector<stream_case> &cases, diag_capture_format 
     const char *const names[] = {"auto", "hdlc", "dlf"};
     std::string out;
     for (const stream_case &c : cases) {
-        out += c.name + ":";
+        out += c.first + ":";
         if (format == DIAG_FORMAT_AUTO)
-            out += std::string(" ") + names[diag_capture_detect(c.stream.data(), c.stream.size(), true)];
-        out += " " + read_stream(c.stream, format) + "\n";
+            out += std::string(" ") + names[diag_capture_detect(c.second.data(), c.second.size(), true)];
+        out += " " + read_stream(c.second, format) + "\n";
     }
     expect_golden(out, __FILE__, golden);
 }
@@ -153,8 +148,7 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
 
     expect_readings(
         {
-            {"bad CRC", concat({a, bad_crc, b})},
-            {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b})},
+            {"bad CRC", concat({a, bad_crc, b})}, {"bad escape", concat({a, {0x10, 0x00, HDLC_ESCAPE, HDLC_FLAG}, b})},
             {"too short", concat({a, {0x33, HDLC_FLAG}, b})},
             {"leading flags", concat({{HDLC_FLAG, HDLC_FLAG}, a, {HDLC_FLAG}, b})},
             {"truncated last frame", concat({a, b, truncated})},
@@ -162,12 +156,9 @@ TEST(CaptureHdlc, DamagedAndMalformedFramesAreCountedAndSkipped)
             {"oversized frame", concat({huge, a})},
             {"malformed logs, other commands", concat({frame(short_len), frame(long_len), frame(header_only),
                                                        frame({0x79, 1, 2}), frame({0x92}), frame(good)})},
-            {"sub 1", sim(1, 1)},
-            {"sub 2", sim(2, 1)},
-            {"sub 0 is the first", sim(0, 1)},
-            {"sub all ones is the first", sim(0xFFFFFFFF, 1)},
-            {"sub 3", sim(3, 1)},
-            {"wrapper version 2", sim(1, 2)},
+            {"sub 1", sim(1, 1)}, {"sub 2", sim(2, 1)},
+            {"sub 0 is the first", sim(0, 1)}, {"sub all ones is the first", sim(0xFFFFFFFF, 1)},
+            {"sub 3", sim(3, 1)}, {"wrapper version 2", sim(1, 2)},
             {"nested and cut wrappers", concat({frame(wrapped(1, wrapped(2, log))), frame(cut_wrapper)})},
             {"event reports that do not fit",
              concat({frame(overrun), frame(counted), frame(past_frame), frame({0x60, 0x00})})},
@@ -227,13 +218,9 @@ TEST(CaptureDetect, FormatFollowsTheFirstBytesOfEachInput)
     bytes oversized = frame(log_packet(0xB193, 1, bytes(HDLC_MAX_FRAME + 4000, 0x20)));
     expect_readings(
         {
-            {"hdlc", hdlc_stream},
-            {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream})},
-            {"dlf", dlf_stream},
-            {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5)},
-            {"one dlf record", one_dlf},
-            {"garbage", bytes(100, 0x42)},
-            {"only flags", bytes(100000, HDLC_FLAG)},
+            {"hdlc", hdlc_stream}, {"hdlc with leading flag", concat({{HDLC_FLAG}, hdlc_stream})},
+            {"dlf", dlf_stream}, {"dlf cut short", bytes(dlf_stream.begin(), dlf_stream.end() - 5)},
+            {"one dlf record", one_dlf}, {"garbage", bytes(100, 0x42)}, {"only flags", bytes(100000, HDLC_FLAG)},
             {"first frame over 64 KiB", concat({oversized, hdlc_stream})},
         },
         DIAG_FORMAT_AUTO, "capture_detect.golden");

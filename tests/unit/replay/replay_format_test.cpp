@@ -49,11 +49,7 @@ TEST(ReplayJson, StringsEscapeWhatJsonRequires)
         "caf\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xb6",
         /* Not UTF-8: a lone continuation byte, a cut sequence, an overlong
          * form and an encoded surrogate keep their byte values. */
-        "\x80",
-        "a\xc3",
-        "\xc0\xaf",
-        "\xed\xa0\x80",
-        "",
+        "\x80", "a\xc3", "\xc0\xaf", "\xed\xa0\x80", "",
     };
     std::string out;
     for (const std::string &in : inputs) {
@@ -76,10 +72,8 @@ TEST(ReplayOptions, FormsThatParse)
         replay_options o;
         std::string error;
         EXPECT_TRUE(replay_parse_options(int(args.size()), args.data(), &o, &error)) << error;
-        out += "$";
-        for (const std::string &w : words) out += " " + w;
-        out += "\n  format " + std::to_string(o.format) + ", mode " + std::to_string(o.mode) + ", filter " +
-               std::to_string(o.filter) + ", progress " + std::to_string(o.progress) + ", help " +
+        out += "$ " + joined(words) + "\n  format " + std::to_string(o.format) + ", mode " + std::to_string(o.mode) +
+               ", filter " + std::to_string(o.filter) + ", progress " + std::to_string(o.progress) + ", help " +
                std::to_string(o.help) + ", pcap '" + o.pcap + "'\n  logs";
         for (size_t i = 0; i < o.logs.size(); i++) out += o.logs[i] ? " " + std::to_string(i) : "";
         out += "\n  events";

@@ -5,7 +5,6 @@
 
 #include <stdint.h>
 
-#include <string>
 #include <vector>
 
 #include "diag_capture.h"

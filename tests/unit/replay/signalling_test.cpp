@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "gsmtap_pcap.h"
-#include "replay_test_util.h"
 #include "signalling.h"
 #include "table_file.h"
-
 
 namespace {
 
@@ -30,8 +28,7 @@ TEST(Signalling, EachPacketGivesItsGsmtapMessageOrTheReasonForNone)
         std::string record;
         if (r.status == SIGNALLING_OK) {
             EXPECT_TRUE(pcap_append_gsmtap(&record, 0x56A3F139, 642000, r.msg)) << row[0];
-            const auto *bytes = reinterpret_cast<const uint8_t *>(record.data());
-            out += std::string(" ") + r.kind + " " + hex(bytes, record.size());
+            out += std::string(" ") + r.kind + " " + hex(std::vector<uint8_t>(record.begin(), record.end()));
         }
         out += "\n";
     }
