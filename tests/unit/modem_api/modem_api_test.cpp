@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "data_file.h"
 #include "modem_api.h"
 #include "modem_api_test_util.h"
@@ -97,15 +95,11 @@ TEST(ModemApiTable, EleventhRegistrationFailsSlotsAreReusedAndStatusFansOut)
     EXPECT_EQ(extra, MODEM_API_NO_CLIENT);
     EXPECT_EQ(modem_api_client_count(), MODEM_API_MAX_CLIENTS);
     /* The lowest free slot is taken again. */
-    modem_api_free_client(3);
-    modem_api_free_client(7);
+    for (int32_t slot : {3, 7}) modem_api_free_client(slot);
     ASSERT_EQ(modem_api_init_client(MODEM_API_QMI_CLIENT_NAS_1, nullptr, nullptr, nullptr, &extra), 0);
-    EXPECT_EQ(extra, 3);
-    EXPECT_EQ(modem_api_client_at(3)->kind, uint32_t(MODEM_API_QMI_CLIENT_NAS_1));
+    EXPECT_EQ(facts(extra, modem_api_client_at(3)->kind), facts(3, uint32_t(MODEM_API_QMI_CLIENT_NAS_1)));
     /* Freeing a free slot only logs. */
-    modem_api_free_client(7);
-    modem_api_free_client(-1);
-    modem_api_free_client(MODEM_API_MAX_CLIENTS);
+    for (int32_t slot : {7, -1, MODEM_API_MAX_CLIENTS}) modem_api_free_client(slot);
     EXPECT_EQ(modem_api_init_client(modem_api_qmi_client_e_type(4), nullptr, nullptr, nullptr, &extra),
               MODEM_API_INVALID_ARG);
     /* After a release the table is empty and usable again. */
@@ -125,8 +119,7 @@ TEST(ModemApiTable, EleventhRegistrationFailsSlotsAreReusedAndStatusFansOut)
     modem_api_release();
     EXPECT_EQ(modem_api_client_count(), 0);
     std::string logged;
-    std::istringstream lines(orvex_text(log.path));
-    for (std::string l; std::getline(lines, l);) {
+    for (const std::string &l : orvex_lines(log.path)) {
         /* The allocator's first use in a process logs its own line (its own test checks it). */
         if (l.find("orvex_mem_init:") == std::string::npos) logged += l + "\n";
     }

@@ -57,14 +57,6 @@ inline std::vector<std::string> orvex_lines(const std::string &path)
     return out;
 }
 
-/* The same lines, each ended by a newline. */
-inline std::string orvex_text(const std::string &path)
-{
-    std::string out;
-    for (const std::string &l : orvex_lines(path)) out += l + "\n";
-    return out;
-}
-
 inline bool has_line(const std::vector<std::string> &lines, const std::string &line)
 {
     return std::find(lines.begin(), lines.end(), line) != lines.end();

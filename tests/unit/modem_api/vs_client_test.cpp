@@ -44,7 +44,9 @@ TEST(VsClientOpen, AbsentServiceGivesTenAttemptsAndAReturningOneIsTaken)
     vs_client_set_sleep(nullptr);
     g_open_sim = nullptr;
     EXPECT_EQ(t, "0 9 0 0\n1 3 1\n") << "result, sleeps, handle, initialised";
-    expect_golden(orvex_text(logcat), __FILE__, "vs_open.golden");
+    std::string logged;
+    for (const std::string &l : orvex_lines(logcat)) logged += l + "\n";
+    expect_golden(logged, __FILE__, "vs_open.golden");
     qmi_client_release(g_vs_client.client_handle);
     g_vs_client.client_handle = nullptr;
     g_vs_client.initialised = 0;
@@ -114,18 +116,6 @@ int joinable_thread_start(void *(*body)(void *))
     g_threads.emplace_back([body] { body(nullptr); });
     return 0;
 }
-
-void join_threads()
-{
-    std::vector<std::thread> threads;
-    {
-        std::lock_guard<std::mutex> g(g_threads_mu);
-        threads.swap(g_threads);
-    }
-    for (std::thread &t : threads) t.join();
-}
-
-int fail_thread_start(void *(*)(void *)) { return -1; }
 
 class VsClientLive : public ::testing::Test {
 protected:
@@ -254,7 +244,12 @@ TEST_F(VsClientLive, ReleaseWhileWaitingForTheServiceLeavesNothingOpen)
     int32_t second = -1;
     ASSERT_EQ(modem_api_init_client(MODEM_API_QMI_CLIENT_VS, nullptr, nullptr, nullptr, &second), 0);
     EXPECT_TRUE(has_line(orvex_lines(logcat), "3 vs_client_init: Another client init vs client with operational status 5"));
-    join_threads();
+    std::vector<std::thread> threads;
+    {
+        std::lock_guard<std::mutex> g(g_threads_mu);
+        threads.swap(g_threads);
+    }
+    for (std::thread &t : threads) t.join();
     vs_client_set_thread_start(nullptr);
     EXPECT_NE(g_vs_client.notifier_handle, nullptr);
     /* TearDown releases the notifier that waits for the service. */
@@ -262,7 +257,7 @@ TEST_F(VsClientLive, ReleaseWhileWaitingForTheServiceLeavesNothingOpen)
 
 TEST_F(VsClientLive, ThreadsThatCannotStartReportZeroAndSeven)
 {
-    vs_client_set_thread_start(fail_thread_start);
+    vs_client_set_thread_start([](void *(*)(void *)) { return -1; });
     vs_client_service_down_event(nullptr, QMI_SERVICE_ERR, nullptr);
     vs_client_service_up_event(nullptr, nullptr, QMI_CLIENT_SERVICE_COUNT_DEC, nullptr); /* ignored */
     vs_client_service_up_event(nullptr, nullptr, QMI_CLIENT_SERVICE_COUNT_INC, nullptr);

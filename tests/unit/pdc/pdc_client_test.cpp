@@ -68,10 +68,9 @@ TEST_F(PdcClientTest, DecoderDispatchesAndRefusesWhatItCannotDecode)
     EXPECT_EQ(outcome_of(PDC_OP_SELECT), "done 1 result 0 error 0\n");
     deliver(0x99, {});
     deliver(QMI_PDC_SET_SELECTED_CONFIG_REQ_V01, {0x01, 0x05, 0x00, 0x00});
-    std::vector<uint8_t> list = {0x01, 0x02, 0x00, 0x00, 0x00, 0x11, 0, 0, 26};
+    /* TLV 0x11 of 157 bytes: the count, then 26 ids of 6 bytes. */
+    std::vector<uint8_t> list = {0x01, 0x02, 0x00, 0x00, 0x00, 0x11, 157, 0, 26};
     for (int i = 0; i < 26; i++) list.insert(list.end(), {1, 0, 0, 0, 1, uint8_t('a' + i)});
-    list[6] = uint8_t(list.size() - 8);
-    list[7] = uint8_t((list.size() - 8) >> 8);
     deliver(QMI_PDC_LIST_CONFIGS_REQ_V01, list);
     deliver(QMI_PDC_CONFIG_CHANGE_IND_V01, {0x01, 0x06, 0x00, 1, 0, 0, 0, 1, 'z'});
     expect_golden(log.text(), __FILE__, "pdc_decoder.golden");

@@ -9,12 +9,10 @@
 
 namespace {
 
-typedef void (*handler_fn)(void *, uint32_t);
-
 /* Each handler without data, with error 3 and with success. */
 TEST(PdcSimpleHandlers, NullErrorAndSuccessForEveryOperation)
 {
-    const std::pair<pdc_op, handler_fn> handlers[] = {
+    const std::pair<pdc_op, void (*)(void *, uint32_t)> handlers[] = {
         {PDC_OP_SELECT, qmi_pdc_select_config_ind_hdlr},     {PDC_OP_DELETE, qmi_pdc_delete_config_ind_hdlr},
         {PDC_OP_ACTIVATE, qmi_pdc_activate_config_ind_hdlr}, {PDC_OP_DEACTIVATE, qmi_pdc_deactivate_config_ind_hdlr},
         {PDC_OP_SET_FEATURE, qmi_pdc_set_feature_ind_hdlr},

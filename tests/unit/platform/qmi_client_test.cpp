@@ -13,9 +13,7 @@
 
 namespace {
 
-/* Upper bound of every wait in these tests: failures end quickly, success
- * never waits for it. */
-constexpr int k_wait_ms = 3000;
+constexpr int k_wait_ms = k_modem_api_wait_ms;
 const std::thread::id g_test_thread = std::this_thread::get_id();
 
 /* Each callback's event (or message id), payload, and whether it came on
@@ -157,9 +155,7 @@ TEST_F(QmiClientTest, ServiceGoingAwayFailsThePendingSendAndCallsTheErrorCallbac
     std::atomic<int> rc{1};
     std::thread sender([&] { rc = send_read(0); });
     /* Once the request is in the simulator's journal, the service goes. */
-    for (long long end = monotonic_ms() + k_wait_ms; sim.ctl_ok("last 1 ext").empty() && monotonic_ms() < end;) {
-        usleep(1000);
-    }
+    EXPECT_TRUE(poll_until([&] { return !sim.ctl_ok("last 1 ext").empty(); }, k_wait_ms));
     sim.ctl_ok("down ext");
     sender.join();
     ASSERT_TRUE(box.wait_count(1));

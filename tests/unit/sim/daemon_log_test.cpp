@@ -10,8 +10,7 @@ namespace {
 
 using modemd::daemon_log;
 
-daemon_log::outcome say(daemon_log &log, uint64_t now, const char *fmt, ...) __attribute__((format(printf, 3, 4)));
-daemon_log::outcome say(daemon_log &log, uint64_t now, const char *fmt, ...)
+__attribute__((format(printf, 3, 4))) daemon_log::outcome say(daemon_log &log, uint64_t now, const char *fmt, ...)
 {
     va_list ap;
     va_start(ap, fmt);

@@ -32,8 +32,7 @@ protected:
      * size unless given); the response record. */
     tolvek_common_rsp typed(uint32_t type, const std::vector<uint32_t> &values, int64_t len = -1)
     {
-        tolvek_common_req c;
-        memset(&c, 0, sizeof(c));
+        tolvek_common_req c = tolvek_common_req();
         c.cmd_code = TOLVEK_COMMON_CMD_TYPED;
         c.type = type;
         c.len = len < 0 ? uint32_t(values.size() * 4) : uint32_t(len);
@@ -66,13 +65,12 @@ uint32_t num(const std::string &s)
  * (see the case files); its answer as text. */
 std::string ExtServiceTest::run(const words &w)
 {
-    std::string out;
     std::vector<uint32_t> v;
     for (size_t i = 1; i < w.size(); i++) v.push_back(w[i] == "open" ? open_instance : num(w[i]));
     if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
     if (w[0] == "typed") {
         tolvek_common_rsp r = typed(v[0], {v.begin() + 2, v.end()}, w[2] == "-" ? -1 : int64_t(v[1]));
-        out = std::to_string(r.result);
+        std::string out = std::to_string(r.result);
         return r.len ? out + " " + hex(r.value, std::min<size_t>(r.len, 16)) : out;
     }
     if (w[0] == "raw") {
@@ -80,13 +78,12 @@ std::string ExtServiceTest::run(const words &w)
         tolvek_extend_msg m = ext_msg(v[0], uint8_t(0), v[1]);
         memcpy(m.data, payload.data(), std::min(payload.size(), sizeof(m.data)));
         tolvek_extend_msg r = ask_ext(m);
-        out = std::to_string(r.msg_code) + " " + std::to_string(r.data_len) + " " + std::to_string(r.data_valid);
+        std::string out = std::to_string(r.msg_code) + " " + std::to_string(r.data_len) + " " + std::to_string(r.data_valid);
         return v[0] == 5 || !r.data_len ? out : out + " " + hex(r.data, std::min<size_t>(r.data_len, 32));
     }
     tolvek_extend_msg m;
     if (w[0] == "nv") {
-        tolvek_nv_req nv;
-        memset(&nv, 0, sizeof(nv));
+        tolvek_nv_req nv = tolvek_nv_req();
         nv.op = uint8_t(v[0]);
         nv.sub_id = uint8_t(v[1]);
         nv.nv_id = uint16_t(v[2]);
@@ -94,8 +91,7 @@ std::string ExtServiceTest::run(const words &w)
         memset(nv.data, 0x33, sizeof(nv.data));
         m = ext_msg(REQUEST_ID_EFS, nv);
     } else {
-        tolvek_efs_req r;
-        memset(&r, 0, sizeof(r));
+        tolvek_efs_req r = tolvek_efs_req();
         std::string path = w[2] == "''" ? "" : w[2];
         r.op = uint8_t(v[0]);
         r.path_len = uint8_t(path.size());
@@ -111,7 +107,7 @@ std::string ExtServiceTest::run(const words &w)
     tolvek_efs_rsp a;
     memcpy(&a, ask_ext(m).data, sizeof(a));
     if (w[1] == "write" && a.result >= 0) open_instance = uint8_t(a.result);
-    out = std::to_string(a.result) + " " + std::to_string(a.data_len_all) + " " + std::to_string(a.data_len_send);
+    std::string out = std::to_string(a.result) + " " + std::to_string(a.data_len_all) + " " + std::to_string(a.data_len_send);
     return a.data_len_send ? out + " " + hex(a.data, std::min<size_t>(a.data_len_send, 4)) : out;
 }
 

@@ -41,19 +41,12 @@ protected:
         ASSERT_TRUE(client.open(pdc_get_service_object_v01(), on_ind, &inds));
         ASSERT_TRUE(second.open(pdc_get_service_object_v01(), on_ind, &second_inds));
     }
-    /* The stored content of a loaded software configuration. */
-    std::string content(const std::string &id)
-    {
-        return file_text(sim.state_dir() + "/pdc/mbn/1-" + hex_of(id.size(), [&](size_t i) { return id[i]; }) +
-                         ".mbn");
-    }
     /* Sends a request; returns the response's error (0: taken). */
     template <typename Req>
     int send(unsigned int msg_id, const Req &req, qmi_conn *c = nullptr)
     {
-        pdc_load_config_resp_msg_v01 resp;
+        pdc_load_config_resp_msg_v01 resp = {};
         size_t len = msg_id == QMI_PDC_LOAD_CONFIG_REQ_V01 ? sizeof(resp) : sizeof(pdc_generic_resp_msg_v01);
-        memset(&resp, 0, sizeof(resp));
         EXPECT_EQ(qmi_client_send_msg_sync((c ? c : &client)->c, msg_id, const_cast<Req *>(&req), sizeof(req), &resp,
                                            unsigned(len), k_wait_ms),
                   QMI_NO_ERR);
@@ -96,7 +89,9 @@ std::string PdcServiceTest::run(const words &w)
         return out.empty() ? "none" : out;
     }
     if (w[0] == "content") {
-        std::string c = content(w[1]);
+        /* The stored content of a loaded software configuration. */
+        const std::string id = hex_of(w[1].size(), [&](size_t i) { return w[1][i]; });
+        std::string c = file_text(sim.state_dir() + "/pdc/mbn/1-" + id + ".mbn");
         return std::to_string(c.size()) + " bytes, " + std::to_string(std::count(c.begin(), c.end(), c[0])) + " of " +
                hex_of(1, [&](size_t) { return c[0]; });
     }
@@ -114,7 +109,6 @@ std::string PdcServiceTest::run(const words &w)
     bool from_second = v[0] == 2;
     const std::string &id = w[2];
     auto req = std::make_unique<pdc_load_config_req_msg_v01>();
-    memset(req.get(), 0, sizeof(*req));
     req->load_config_info.config_type = PDC_CONFIG_TYPE_MODEM_SW_V01;
     req->load_config_info.config_id_len = uint32_t(id.size());
     memcpy(req->load_config_info.config_id, id.data(), id.size());
@@ -124,8 +118,7 @@ std::string PdcServiceTest::run(const words &w)
     req->ind_token_valid = 1;
     req->ind_token = 9;
     EXPECT_EQ(send(QMI_PDC_LOAD_CONFIG_REQ_V01, *req, from_second ? &second : nullptr), 0);
-    pdc_load_config_ind_msg_v01 ind;
-    memset(&ind, 0, sizeof(ind));
+    pdc_load_config_ind_msg_v01 ind = {};
     EXPECT_TRUE(next_ind(QMI_PDC_LOAD_CONFIG_REQ_V01, &ind, k_wait_ms, from_second ? &second_inds : nullptr));
     out = std::to_string(ind.error) + " " + std::to_string(ind.received_config_size) + " " +
           std::to_string(ind.remaining_config_size);
@@ -169,8 +162,7 @@ TEST_F(PdcServiceTest, RefusedRequestsGetNoIndication)
     feature.slot_id = 1;
     EXPECT_EQ(send(QMI_PDC_SET_FEATURE_REQ_V01, feature), 0);
     ASSERT_TRUE(next_ind(QMI_PDC_SET_FEATURE_REQ_V01, &ind));
-    EXPECT_EQ(ind.ind_token, 4u);
-    EXPECT_EQ(ind.error, 0);
+    EXPECT_EQ(facts(ind.ind_token, ind.error), "4 0\n");
 }
 
 }  // namespace

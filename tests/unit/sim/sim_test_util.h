@@ -138,8 +138,7 @@ struct qmi_conn {
 template <typename T>
 tolvek_extend_msg ext_msg(uint32_t code, const T &payload, uint32_t data_len = TOLVEK_EXTEND_DATA_MAX)
 {
-    tolvek_extend_msg m;
-    memset(&m, 0, sizeof(m));
+    tolvek_extend_msg m = tolvek_extend_msg();
     m.msg_code = code;
     m.data_len = data_len;
     m.data_valid = 1;

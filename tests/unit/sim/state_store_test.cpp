@@ -50,8 +50,7 @@ std::string efs_op(modemd::state_store &store, const words &w)
     if (w[0] == "exists") return store.efs_exists(w[1]) ? "yes" : "no";
     if (w[0] == "delete") return std::to_string(store.efs_delete(w[1]));
     if (w[0] == "write") return std::to_string(store.efs_write(w[1], {'x', 'y'}));
-    std::vector<std::string> listed = store.efs_list();
-    return joined(listed);
+    return joined(store.efs_list());
 }
 
 TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
@@ -62,8 +61,7 @@ TEST_F(StateStoreTest, LinksInTheEfsTreeAreNeverFollowed)
     ASSERT_EQ(symlink(outside.c_str(), (state + "/efs/tst/deeper").c_str()), 0);
     expect_cases(__FILE__, "efs_links.cases", [&](const words &w) { return efs_op(store, w); });
     EXPECT_EQ(file_text(outside + "/secret"), "private");
-    EXPECT_FALSE(exists_nofollow(outside + "/new"));
-    EXPECT_FALSE(exists_nofollow(outside + "/sub"));
+    for (const char *made : {"/new", "/sub"}) EXPECT_FALSE(exists_nofollow(outside + made)) << made;
     EXPECT_TRUE(exists_nofollow(state + "/efs/linked_file")) << "the links are left alone";
 }
 
@@ -78,14 +76,12 @@ TEST_F(StateStoreTest, DirectoryWalksStopAtLinks)
     ASSERT_EQ(symlink("real", (efs + "/w/relative").c_str()), 0);
     modemd::fd_guard root(modemd::open_dir_nofollow(efs));
     ASSERT_GE(root.get(), 0);
-    using opener = int (*)(int, const std::vector<std::string> &, size_t, bool);
-    const opener openers[] = {modemd::open_subdir_nofollow, modemd::open_subdir_walk};
     /* A real directory, through a link (absolute or relative) without and
      * with creation, and a new directory made when asked for. */
     const std::pair<std::vector<std::string>, bool> cases[] = {
         {{"w", "real"}, false},     {{"w", "link", "x"}, false}, {{"w", "link", "x"}, true},
         {{"w", "relative"}, false}, {{"w", "relative"}, true},   {{"w", "real", "made"}, true}};
-    for (opener open_dir : openers) {
+    for (auto open_dir : {modemd::open_subdir_nofollow, modemd::open_subdir_walk}) {
         std::string got;
         for (const auto &[path, create] : cases) {
             modemd::fd_guard fd(open_dir(root.get(), path, path.size(), create));
@@ -104,8 +100,8 @@ TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)
 {
     write_file(state + "/properties", "persist.old=x=y\npersist.path=C:\\temp\\n\nbroken line\n=nokey\n");
     modemd::state_store plain = restarted();
-    EXPECT_EQ(plain.get_property("persist.old"), "x=y");
-    EXPECT_EQ(plain.get_property("persist.path"), "C:\\temp\\n");
+    const std::pair<std::string, std::string> old[] = {{"persist.old", "x=y"}, {"persist.path", "C:\\temp\\n"}};
+    for (const auto &p : old) EXPECT_EQ(plain.get_property(p.first), p.second) << p.first;
     static const char k_controls[] = "nul\0tab\tbell\adel\x7f";
     const std::pair<std::string, std::string> props[] = {
         {"persist.a", "x\npersist.radio.injected=1"},
@@ -123,8 +119,7 @@ TEST_F(StateStoreTest, EveryPropertyRoundTripsThroughARestart)
     for (const auto &p : props) EXPECT_EQ(again.get_property(p.first), p.second) << p.first;
     for (const char *injected : {"persist.radio.injected", "next", "key", "k", "line\r"})
         EXPECT_EQ(again.get_property(injected), "") << injected;
-    EXPECT_EQ(again.get_property("persist.old"), "x=y");
-    EXPECT_EQ(again.get_property("persist.path"), "C:\\temp\\n");
+    for (const auto &p : old) EXPECT_EQ(again.get_property(p.first), p.second) << p.first;
     /* Clearing one leaves the others. */
     ASSERT_TRUE(again.set_property("persist.a", ""));
     modemd::state_store third = restarted();
@@ -152,8 +147,7 @@ TEST_F(StateStoreTest, TemporariesOfAKilledSimulatorAreRemovedAtStart)
     modemd::state_store again = restarted();
     for (const std::string &p : stale) EXPECT_FALSE(exists_nofollow(p)) << p;
     for (const std::string &p : kept) EXPECT_EQ(file_text(p), "keep") << p;
-    EXPECT_TRUE(exists_nofollow(efs + "/.link.tmp.5"));
-    EXPECT_TRUE(exists_nofollow(efs + "/.a.tmp.6"));
+    for (const char *left : {"/.link.tmp.5", "/.a.tmp.6"}) EXPECT_TRUE(exists_nofollow(efs + left)) << left;
     EXPECT_EQ(file_text(outside + "/secret"), "private");
     std::vector<uint8_t> got;
     EXPECT_EQ(again.efs_read("/nv/item_files/a", &got), modemd::k_efs_ok);

@@ -65,9 +65,7 @@ TEST(VsStatsScene, SetterChecksNamesAndRanges)
     expect_cases(__FILE__, "vs_setter.cases", [&](const words &w) {
         return vs_scene_set(&s, w[0].c_str(), w.size() > 1 ? w[1].c_str() : "") ? "ok" : "refused";
     });
-    EXPECT_EQ(s.lte[6].earfcn, 4294967295u);
-    EXPECT_EQ(s.ant_switch_path, 0x1ff);
-    EXPECT_EQ(s.lte[0].rsrp[3], -101.5f);
+    EXPECT_EQ(facts(s.lte[6].earfcn, s.ant_switch_path, s.lte[0].rsrp[3]), "4294967295 511 -101.5\n");
 }
 
 }  // namespace

@@ -38,7 +38,6 @@ protected:
  * or the client closed or opened again. */
 std::string VsStatsService::run(const words &w)
 {
-    std::string out;
     if (w[0] == "ctl") return escaped(sim.ctl(joined(w, 1)));
     if (w[0] == "close") client.release();
     if (w[0] == "open") return client.open(orvex_vs_get_service_object_v01()) ? "ok" : "failed";
@@ -52,7 +51,7 @@ std::string VsStatsService::run(const words &w)
     for (size_t i = 2; i < w.size(); i++) req.data_id_list[req.data_id_list_len++] = uint16_t(std::stoul(w[i]));
     auto resp = std::make_unique<orvex_vs_get_stats_resp_msg_v01>();
     EXPECT_TRUE(client.call(ORVEX_VS_GET_STATS_MSG_ID_V01, &req, resp.get()));
-    out = std::to_string(resp->result) + " " + std::to_string(resp->error) + ":";
+    std::string out = std::to_string(resp->result) + " " + std::to_string(resp->error) + ":";
     for (uint32_t i = 0; i < resp->data_list_len; i++) {
         out += " " + std::to_string(resp->data_list[i].data_id);
         EXPECT_EQ(resp->data_list[i].sub, req.sub);

@@ -3,7 +3,6 @@
  * and the ISD-R's answers to well- and badly-formed APDUs. */
 #include <gtest/gtest.h>
 
-
 #include "data_file.h"
 #include "euicc_es10.h"
 #include "sim_fixture.h"
@@ -18,8 +17,6 @@ namespace {
 
 /* Upper bound of every wait: failures end quickly, success never waits. */
 constexpr int k_wait_ms = 3000;
-/* A dropped request times out after this long (instead of 3 s). */
-constexpr unsigned k_short_timeout_ms = 300;
 constexpr uint8_t k_slot1 = 1, k_slot2 = 2;
 const std::string k_seed_eid = "89049032000001000000000000000074";
 
@@ -77,7 +74,7 @@ TEST_F(UimClientTest, ThreeFailedRequestsDropTheHandleAndServiceGoneMidRequestAt
         ASSERT_EQ(power(1), 0);
         ASSERT_NE(uim_qmi_client.load(), nullptr);
         if (rc == QMI_TIMEOUT_ERR) {
-            g_tolvek_uim_sync_timeout_ms = k_short_timeout_ms;
+            g_tolvek_uim_sync_timeout_ms = 300; /* a dropped request times out at once, not after 3 s */
             sim.ctl_ok("drop uim 0x30 3");
         } else {
             g_forced_send_result = rc;
@@ -132,8 +129,7 @@ TEST_F(UimClientTest, IsdrAnswersWithRealStatusWords)
     uint8_t ch = 0;
     uint16_t sw = 0;
     ASSERT_EQ(tolvek_uim_open_logical_channel(k_slot2, k_es10_isdr_aid, k_es10_isdr_aid_len, &ch, &sw), 0);
-    EXPECT_EQ(sw, k_sw_ok);
-    ASSERT_EQ(ch, 1);
+    ASSERT_EQ(facts(sw, int(ch)), facts(k_sw_ok, 1));
     for (const auto &c : data_rows(__FILE__, "isdr_apdus.data", '\t')) {
         std::vector<uint8_t> apdu = unhex(c[2]);
         uint8_t rsp[QMI_UIM_APDU_DATA_MAX_V01];
@@ -161,22 +157,21 @@ TEST_F(UimClientTest, CardAndSlotStatusFollowThePower)
     ASSERT_EQ(qmi_client_init_instance(uim_get_service_object_v01(), QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, &os,
                                        k_wait_ms, &client),
               QMI_NO_ERR);
-    auto card_msg = std::make_unique<uim_get_card_status_resp_msg_v01>();
-    auto &card = *card_msg;
+    auto card = std::make_unique<uim_get_card_status_resp_msg_v01>();
     uim_get_slots_status_resp_msg_v01 slots;
     std::ostringstream t;
     for (bool on : {true, false}) {
         ASSERT_EQ(on ? 0 : power(0), 0);
-        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, &card, sizeof(card),
+        ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_CARD_STATUS_REQ_V01, nullptr, 0, card.get(), sizeof(*card),
                                            k_wait_ms),
                   QMI_NO_ERR);
         ASSERT_EQ(qmi_client_send_msg_sync(client, QMI_UIM_GET_SLOTS_STATUS_REQ_V01, nullptr, 0, &slots,
                                            sizeof(slots), k_wait_ms),
                   QMI_NO_ERR);
-        const uim_card_info_type_v01 &c2 = card.card_status.card_info[1];
+        const uim_card_info_type_v01 &c2 = card->card_status.card_info[1];
         const auto &st = slots.status;
-        t << "power " << on << ": result " << card.resp.result << " cards " << card.card_status.card_info_len
-          << " gw apps " << std::hex << card.card_status.index_gw_pri << " " << card.card_status.index_gw_sec
+        t << "power " << on << ": result " << card->resp.result << " cards " << card->card_status.card_info_len
+          << " gw apps " << std::hex << card->card_status.index_gw_pri << " " << card->card_status.index_gw_sec
           << std::dec << "\ncard 2: state " << int(c2.card_state) << " error " << int(c2.error_code) << " apps "
           << c2.app_info_len << " first app state " << (c2.app_info_len ? int(c2.app_info[0].app_state) : -1)
           << "\nslots " << st.physical_slot_status_len << ": slot 2 state " << st.physical_slot_status[1].physical_slot_state
