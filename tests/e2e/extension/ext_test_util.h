@@ -5,10 +5,8 @@
 #define RLK_TEST_EXT_TEST_UTIL_H
 
 #include <stdio.h>
-#include <stdlib.h>
 
 #include <algorithm>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,41 +17,18 @@
 #include "sim_fixture.h"
 #include "tolvek_extend_payload.h"
 
-/* One extension request as the simulator received it. */
-struct ext_wire_request {
-    uint32_t msg_code = 0;
-    uint32_t data_len = 0;
-    std::vector<uint8_t> data; /* TLV 0x10, empty when absent */
-
-    uint32_t u32(size_t off) const
-    {
-        return uint32_t(data[off]) | uint32_t(data[off + 1]) << 8 | uint32_t(data[off + 2]) << 16 |
-               uint32_t(data[off + 3]) << 24;
-    }
-};
-
-/* The last `n` extension requests, oldest first, decoded from the
- * simulator's journal ("<svc> <msg> <txn> <packet hex>" lines). */
-inline std::vector<ext_wire_request> ext_last_requests(const sim_instance &sim, int n)
+/* The data (TLV 0x10, empty when absent) of the last extension request,
+ * decoded from the simulator's journal line "<svc> <msg> <txn> <packet hex>". */
+inline std::vector<uint8_t> ext_last_data(const sim_instance &sim)
 {
-    std::istringstream in(sim.ctl_ok("last " + std::to_string(n) + " ext"));
-    std::vector<ext_wire_request> out;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty()) continue;
-        const std::vector<uint8_t> pkt = unhex(line.substr(line.rfind(' ') + 1));
-        ext_wire_request r;
-        for (size_t pos = 7; pos + 3 <= pkt.size();) { /* after the QMI header */
-            size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
-            ext_wire_request value;
-            value.data.assign(pkt.begin() + long(pos + 3), pkt.begin() + long(pos + 3 + len));
-            if (pkt[pos] == TOLVEK_EXTEND_TLV_MSG_CODE) r.msg_code = value.u32(0);
-            if (pkt[pos] == TOLVEK_EXTEND_TLV_DATA_LEN) r.data_len = value.u32(0);
-            if (pkt[pos] == TOLVEK_EXTEND_TLV_DATA) r.data = value.data;
-            pos += 3 + len;
-        }
-        out.push_back(r);
+    const std::string line = sim.ctl_ok("last 1 ext");
+    const std::vector<uint8_t> pkt = unhex(line.substr(line.rfind(' ') + 1));
+    for (size_t pos = 7; pos + 3 <= pkt.size();) { /* after the QMI header */
+        size_t len = size_t(pkt[pos + 1]) | size_t(pkt[pos + 2]) << 8;
+        if (pkt[pos] == TOLVEK_EXTEND_TLV_DATA) return {pkt.begin() + long(pos + 3), pkt.begin() + long(pos + 3 + len)};
+        pos += 3 + len;
     }
-    return out;
+    return {};
 }
 
 /* One run of the library driver: its output and the fields of its final
@@ -63,7 +38,6 @@ struct probe_run {
     int result = 9999;
     size_t len = 0;
     std::string fnv;
-    std::string head;
 };
 
 inline probe_run run_probe(const sim_instance &sim, const std::vector<std::string> &args,
@@ -74,12 +48,11 @@ inline probe_run run_probe(const sim_instance &sim, const std::vector<std::strin
     probe_run p;
     p.run = run_process(argv, sim.env(), "", timeout_ms);
     size_t at = p.run.out.rfind("PROBE result=");
-    char fnv[9] = "", head[65] = "";
+    char fnv[9] = "";
     if (at != std::string::npos) {
-        sscanf(p.run.out.c_str() + at, "PROBE result=%d len=%zu fnv=%8s head=%64s", &p.result, &p.len, fnv, head);
+        sscanf(p.run.out.c_str() + at, "PROBE result=%d len=%zu fnv=%8s", &p.result, &p.len, fnv);
     }
     p.fnv = fnv;
-    p.head = head;
     return p;
 }
 
@@ -109,10 +82,7 @@ protected:
     void SetUp() override { ASSERT_TRUE(sim.start()); }
 
     /* rlk with the words of `args` ("4 1 0 550"). */
-    rlk_run rlk(const std::string &args)
-    {
-        return sim.run_rlk(words_of(args));
-    }
+    rlk_run rlk(const std::string &args) { return sim.run_rlk(words_of(args)); }
 
     sim_instance sim;
 };

@@ -24,9 +24,8 @@ TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
     std::string data(50000, 0); /* several chunks of qmicli's size; its SHA-1 names it in the session */
     for (size_t i = 0; i < data.size(); i++) data[i] = char(i * 7 + 3);
     write_file(sim.dir() + "/carrier.mbn", data);
-    std::istringstream script(read_golden(__FILE__, "qmicli_session.golden"));
     std::string session;
-    for (std::string line; std::getline(script, line);) {
+    for (const std::string &line : data_lines(__FILE__, "qmicli_session.golden")) {
         if (line.compare(0, 2, "> ") == 0) session += line + "\n" + sim.ctl(line.substr(2)) + "\n";
         if (line == "$ rlk 5 5") session += line + "\n" + sim.run_rlk({"5", "5"}).out;
         if (line.compare(0, 9, "$ qmicli ") != 0) continue;
@@ -54,8 +53,7 @@ TEST(QmicliOverQmux, CommandsGiveTheModemsAnswers)
         size_t cut = std::min(line.find("Uploaded "), line.find("Loading next chunk "));
         kept += cut == std::string::npos ? line + "\n" : line.substr(0, cut);
     }
-    session = kept;
-    expect_golden(session, __FILE__, "qmicli_session.golden");
+    expect_golden(kept, __FILE__, "qmicli_session.golden");
 }
 
 }  // namespace

@@ -27,11 +27,7 @@ std::string frame_hex(const qmux_frame &f)
     bytes wire;
     qmux_encode(f.flags, f.service, f.client, f.qmi.data(), f.qmi.size(), &wire);
     std::string s;
-    char x[4];
-    for (uint8_t b : wire) {
-        snprintf(x, sizeof(x), " %02x", b);
-        s += x;
-    }
+    for (uint8_t b : wire) s += " " + hex(&b, 1);
     return s.substr(1);
 }
 

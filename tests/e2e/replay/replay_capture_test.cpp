@@ -31,10 +31,7 @@ protected:
         ASSERT_NE(mkdtemp(tmp), nullptr);
         tmp_ = tmp;
     }
-    void TearDown() override
-    {
-        if (!tmp_.empty()) run_process({"/bin/rm", "-rf", tmp_}, {});
-    }
+    void TearDown() override { if (!tmp_.empty()) run_process({"/bin/rm", "-rf", tmp_}, {}); }
     std::string capture(const std::string &name) const { return dir_ + "/" + name; }
 
     std::string dir_;
@@ -125,7 +122,6 @@ TEST_F(ReplayCaptureTest, JsonLinesParse)
         ASSERT_EQ(exit_code(r.status), 0) << r.err;
         run_result check = run_process({"/usr/bin/python3", "-c", k_check}, {}, r.out);
         EXPECT_EQ(exit_code(check.status), 0) << name << "\n" << check.err;
-        EXPECT_EQ(check.out.compare(0, 3, "ok "), 0) << check.out;
     }
 }
 

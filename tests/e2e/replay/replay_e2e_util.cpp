@@ -101,11 +101,8 @@ child spawn(const std::vector<std::string> &argv, int stdin_fd, int stderr_fd, c
     close(out[1]);
     close(err[1]);
     c.out = out[0];
-    c.err = err[0];
-    if (stderr_fd >= 0) {
-        close(c.err);
-        c.err = -1;
-    }
+    c.err = stderr_fd >= 0 ? -1 : err[0];
+    if (stderr_fd >= 0) close(err[0]);
     for (int fd : {c.out, c.err}) {
         if (fd >= 0) fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
     }

@@ -31,20 +31,17 @@ using replay_test::log_packet;
 
 namespace {
 
-/* A log packet frame of 2016-01-17. */
-bytes log_frame(uint16_t code, const bytes &payload)
-{
-    return frame(log_packet(code, 0x0000D50C43E9A000ull, payload));
-}
+constexpr uint64_t k_2016 = 0x0000D50C43E9A000ull; /* the time stamp of 2016-01-17 */
 
 /* LTE RRC OTA version `v` (the version 9 layout), UL-DCCH, two bytes. */
 bytes rrc_frame(uint8_t v)
 {
-    return log_frame(0xB0C0, {v, 0x0B, 0x70, 1, 0xB9, 0, 0x94, 0x16, 0, 0, 0, 0, 15, 0, 0, 0, 0, 2, 0, 0x14, 0});
+    return frame(
+        log_packet(0xB0C0, k_2016, {v, 0x0B, 0x70, 1, 0xB9, 0, 0x94, 0x16, 0, 0, 0, 0, 15, 0, 0, 0, 0, 2, 0, 0x14, 0}));
 }
 
 /* A NAS EMM uplink message (an attach complete). */
-const bytes k_nas = log_frame(0xB0ED, {1, 9, 5, 0, 0x07, 0x43, 0x00, 0x03, 0x52, 0x00, 0xC2});
+const bytes k_nas = frame(log_packet(0xB0ED, k_2016, {1, 9, 5, 0, 0x07, 0x43, 0x00, 0x03, 0x52, 0x00, 0xC2}));
 
 /* Two log packets (the second inside a multi-SIM wrapper for the second
  * subscription) and an event report with two records. */

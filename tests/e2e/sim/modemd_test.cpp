@@ -3,8 +3,6 @@
  * shared properties; `rlk-modemd ctl` and the control interface with
  * answers and requests larger than one packet, a simulator that does not
  * answer, and the exit status scripts rely on. */
-#include <signal.h>
-
 #include <algorithm>
 #include <atomic>
 #include <sstream>
@@ -179,13 +177,11 @@ TEST(ModemdCtl, LargeAnswersArriveWholeAndTimeOutsExitNonZero)
 
     /* `ctl` times out and exits non-zero without a whole answer, within
      * its bound; bad time-outs, a socket nobody serves, an unknown request. */
-    const std::string mute = sim.dir() + "/mute.sock"; /* takes connections, never answers */
-    int mute_fd = seqpacket_at(mute, true);
+    int mute_fd = seqpacket_at(sim.dir() + "/mute.sock", true); /* takes connections, never answers */
     ASSERT_EQ(listen(mute_fd, 8), 0);
     /* Each run of ctl_runs.golden, its output and its exit status. */
-    std::istringstream script(read_golden(__FILE__, "ctl_runs.golden"));
     std::string session;
-    for (std::string line; std::getline(script, line);) {
+    for (const std::string &line : data_lines(__FILE__, "ctl_runs.golden")) {
         if (line.compare(0, 2, "$ ") != 0) continue;
         std::istringstream words(line.substr(2));
         std::vector<std::string> env, args;
