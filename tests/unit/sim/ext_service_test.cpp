@@ -76,7 +76,7 @@ std::string ExtServiceTest::run(const words &w)
     if (w[0] == "raw") {
         std::vector<uint8_t> payload = unhex(w.size() > 3 ? w[3] : "");
         tolvek_extend_msg m = ext_msg(v[0], uint8_t(0), v[1]);
-        memcpy(m.data, payload.data(), std::min(payload.size(), sizeof(m.data)));
+        std::copy_n(payload.begin(), std::min(payload.size(), sizeof(m.data)), m.data);
         tolvek_extend_msg r = ask_ext(m);
         std::string out = std::to_string(r.msg_code) + " " + std::to_string(r.data_len) + " " + std::to_string(r.data_valid);
         return v[0] == 5 || !r.data_len ? out : out + " " + hex(r.data, std::min<size_t>(r.data_len, 32));
